@@ -1,0 +1,34 @@
+# What every target of this project is built with, and the run-time libraries that its programs need beside them.
+
+# Compiler settings of our own code; never handed on to users.
+add_library(kexlib_settings INTERFACE)
+target_compile_features(kexlib_settings INTERFACE cxx_std_20)
+if(MSVC)
+  target_compile_options(kexlib_settings INTERFACE /W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
+else()
+  target_compile_options(
+    kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+                              -Wold-style-cast -Wundef -Werror -fvisibility=hidden)
+endif()
+if(WIN32)
+  target_compile_definitions(kexlib_settings INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00 WINVER=0x0A00)
+endif()
+target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
+
+# mingw's run-time libraries go beside the programs: nothing is looked for on a path.
+if(MINGW)
+  set(runtime_libraries)
+  foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(
+      COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+      OUTPUT_VARIABLE path
+      OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT IS_ABSOLUTE "${path}")
+      set(path /usr/x86_64-w64-mingw32/lib/${name})
+    endif()
+    list(APPEND runtime_libraries ${path})
+  endforeach()
+  foreach(path IN LISTS runtime_libraries)
+    file(COPY ${path} DESTINATION ${PROJECT_BINARY_DIR}/bin)
+  endforeach()
+endif()

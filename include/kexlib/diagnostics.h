@@ -1,0 +1,11 @@
+// Diagnostics: what a program does, when, and for how long.
+//
+//   profiler.h     named blocks of work, timed per thread, written as a record for a viewer page
+//   trace_file.h   printf-style lines to a file on the desktop, to the debugger, or to both
+#ifndef KEXLIB_DIAGNOSTICS_H
+#define KEXLIB_DIAGNOSTICS_H
+
+#include <kexlib/diagnostics/profiler.h>
+#include <kexlib/diagnostics/trace_file.h>
+
+#endif

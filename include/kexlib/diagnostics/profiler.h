@@ -1,0 +1,109 @@
+// Profiler: times named blocks of work, per thread, and writes them as a small script file for a viewer page.
+//
+// The code to be watched marks its blocks, by a scope object or by begin and end; whoever wants the figures switches
+// profiling on and, later, stops it into a file:
+//
+//     kex_start_profiling();
+//     {
+//       kexProfileScope scope("load");              // opens "load" on this thread
+//       kex_begin_block("parse");                   // opens "parse" inside "load"
+//       ...
+//       kex_end_block();                            // closes the innermost open block: "parse"
+//     }                                             // closes "load"
+//     kex_stop_profiling("load times.js");          // writes the record and forgets it
+//
+// What is recorded. Each thread has a tree of blocks. A block is one name under one parent: the same name under two
+// parents makes two blocks, a name begun inside itself makes a child of the same name, and a block that is begun again
+// gets one more interval. Blocks are written in the order in which they were first begun, threads in the order of
+// their first call.
+//
+// Times are QueryPerformanceCounter stamps, written as milliseconds since the first block that was begun after
+// profiling had been switched on, with six significant digits.
+//
+// Cost. Two counter reads and about twenty nanoseconds for a begin and its end, about sixteen bytes for an interval.
+// While profiling is off a call is one test of a flag. Nothing is formatted before the stop.
+//
+// Threads. Any thread may begin and end blocks, and no lock is ever taken. kex_start_profiling and kex_stop_profiling
+// must not run at the same time as another thread's profiler call: the caller sees to that. A thread is known by its
+// GetCurrentThreadId: where Windows gives the id of an ended thread to a new one, the new one continues its record.
+//
+// Errors. None is ever reported and nothing is thrown, but for std::bad_alloc when there is no memory left.
+//
+// Unloading. Is profiling still on when kexlib.dll is unloaded (at the end of the process or by FreeLibrary), the
+// record goes to "profiler.js" in the current directory. TerminateProcess runs no unloading and writes nothing.
+#ifndef KEXLIB_DIAGNOSTICS_PROFILER_H
+#define KEXLIB_DIAGNOSTICS_PROFILER_H
+
+#include <kexlib/export.h>
+
+#include <string>
+
+/// Switches profiling on. The time base is taken anew at the next begin. Is it on already, nothing changes: record and
+/// time base are kept.
+KEXLIB_API void kex_start_profiling();
+
+/// Opens the block `name` on the calling thread, inside the innermost block that the thread has open. Ignored while
+/// profiling is off.
+///
+/// `name` may be any text of any length; it is compared byte for byte and later written as it is, without escaping: a
+/// name that holds a quote makes a file that is no valid script (the viewer page reads it all the same). The bytes are
+/// copied.
+KEXLIB_API void kex_begin_block(const std::string& name);
+
+/// kex_start_profiling() and then kex_begin_block(name): the first such call switches profiling on.
+KEXLIB_API void kex_begin_block_with_auto_start(const std::string& name);
+
+/// Closes the innermost open block of the calling thread, whatever its name. Is none open, the call is ignored (though
+/// the thread will stand in the record). Ignored while profiling is off.
+KEXLIB_API void kex_end_block();
+
+/// Switches profiling off, writes the record to the file `path` and forgets the record. While profiling is off nothing
+/// happens, and no file is made.
+///
+/// `path` is used as it is, in the ANSI code page, relative to the current directory unless it is absolute; a file that
+/// is there is overwritten, and others may read and write it meanwhile. Can it not be opened, nothing is written; the
+/// record is gone all the same.
+///
+/// The file is text with CR LF line ends, in the "C" locale whatever locale is set, and declares one variable:
+///
+///     var threads = [
+///     {
+///       blocks: [
+///         {
+///           name: 'load',
+///           blocks: [
+///             {
+///               name: 'parse',
+///               time: [{b: 0.5, e: 2.25},]
+///             },
+///           ],
+///           time: [{b: 0, e: 3.5},{b: 10, e: 12},]
+///         },
+///       ],
+///       name: 'Thread 1234'
+///     },
+///     ]
+///
+/// A block that is still open shows "e: 0". A block or a thread without blocks has no "blocks" key. Every list element
+/// is followed by a comma, the last one too.
+KEXLIB_API void kex_stop_profiling(const std::string& path);
+
+/// Profiles the scope that it lives in. Begin and end must be on one thread, so it is neither copied nor moved.
+///
+///     void load() {
+///       kexProfileScope scope("load");
+///       ...
+///     }
+class KEXLIB_API kexProfileScope {
+ public:
+  /// kex_begin_block_with_auto_start(name): a scope switches profiling on.
+  explicit kexProfileScope(const std::string& name);
+
+  /// kex_end_block(). Never throws.
+  ~kexProfileScope();
+
+  kexProfileScope(const kexProfileScope&) = delete;
+  kexProfileScope& operator=(const kexProfileScope&) = delete;
+};
+
+#endif

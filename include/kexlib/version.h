@@ -1,0 +1,11 @@
+// The version of kexlib. It stands here only: the build, the version resource of the DLL and the package read it.
+//
+// Plain #defines, so that the resource compiler can include this header.
+#ifndef KEXLIB_VERSION_H
+#define KEXLIB_VERSION_H
+
+#define KEXLIB_VERSION_MAJOR 0
+#define KEXLIB_VERSION_MINOR 1
+#define KEXLIB_VERSION_PATCH 0
+
+#endif

@@ -1,0 +1,29 @@
+# Sourced by kex: brings a Debian machine to where kexlib builds and runs.
+
+missing_packages() {
+  local wanted installed
+  wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt" | sort)
+  # shellcheck disable=SC2086
+  installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
+    sed -n 's/^installed //p' | sort) || true
+  comm -23 <(echo "$wanted") <(echo "$installed") | paste -sd ' '
+}
+
+# Installs what is missing from the one list of packages, and nothing that is there.
+set_up_machine() {
+  local missing log=$root/build/setup.log
+  command -v dpkg-query >/dev/null || fail "this is no Debian machine: install what packaging/debian-packages.txt names by hand."
+  missing=$(missing_packages)
+  [ -n "$missing" ] || return 0
+  [ "$(id -u)" = 0 ] || fail "only root can install what is missing; run: apt-get install --no-install-recommends $missing"
+  say "installing $missing"
+  mkdir -p "$root/build"
+  export DEBIAN_FRONTEND=noninteractive
+  # shellcheck disable=SC2086
+  if ! { apt-get update && apt-get install -y --no-install-recommends $missing; } >"$log" 2>&1 </dev/null; then
+    local unknown
+    unknown=$(sed -n 's/^E: Unable to locate package //p' "$log" | paste -sd ' ')
+    [ -z "$unknown" ] || fail "apt knows no package named $unknown (see build/setup.log)."
+    fail "apt-get could not fetch or install the packages: is there a network? (see build/setup.log)"
+  fi
+}

@@ -1,0 +1,60 @@
+// When something is recorded: the switch, the time base, and the order in which a begin and an end do their work.
+#ifndef KEXLIB_DIAGNOSTICS_BLOCK_RECORDER_H
+#define KEXLIB_DIAGNOSTICS_BLOCK_RECORDER_H
+
+#include <diagnostics/profile_record.h>
+
+#include <atomic>
+#include <cstdint>
+#include <string_view>
+
+namespace kexlib {
+
+// `Platform` tells thread and time: static std::uint32_t thread_id() and static std::int64_t now(), in ticks. Tests and
+// benchmarks bring their own.
+//
+// The switch and the time base are read without ordering: callers keep start and stop apart from other calls.
+template <class Platform>
+class BlockRecorder {
+ public:
+  void start() {
+    if (enabled_.load(std::memory_order_relaxed)) return;
+    base_.store(0, std::memory_order_relaxed);
+    enabled_.store(true, std::memory_order_relaxed);
+  }
+
+  void begin(std::string_view name) {
+    if (!enabled_.load(std::memory_order_relaxed)) return;
+    ThreadRecord& thread = record_.thread(Platform::thread_id());
+    const std::int64_t now = Platform::now();
+    thread.begin(name, now - base(now));
+  }
+
+  void end() {
+    if (!enabled_.load(std::memory_order_relaxed)) return;
+    // Before anything is known to be open: a thread that only ends stands in the record, meant so.
+    ThreadRecord& thread = record_.thread(Platform::thread_id());
+    thread.end(Platform::now() - base_.load(std::memory_order_relaxed));
+  }
+
+  // Switches off; tells whether it was on. The record stays until it is cleared.
+  bool stop() { return enabled_.exchange(false, std::memory_order_relaxed); }
+
+  ProfileRecord& record() { return record_; }
+
+ private:
+  // The time base: the stamp of the first begin since the start. Of two threads that begin first at once, one gives it.
+  std::int64_t base(std::int64_t now) {
+    std::int64_t base = base_.load(std::memory_order_relaxed);
+    if (base == 0 && base_.compare_exchange_strong(base, now, std::memory_order_relaxed)) base = now;
+    return base;
+  }
+
+  std::atomic<bool> enabled_{false};
+  std::atomic<std::int64_t> base_{0};  // 0: not yet taken
+  ProfileRecord record_;
+};
+
+}  // namespace kexlib
+
+#endif

@@ -1,0 +1,101 @@
+#include <diagnostics/profile_record.h>
+
+#include <algorithm>
+#include <new>
+
+namespace kexlib {
+
+Arena::~Arena() {
+  while (newest_) ::operator delete(std::exchange(newest_, newest_->previous));
+}
+
+void Arena::add_slab(std::size_t size) {
+  const std::size_t slab_size = std::max(next_slab_size_, sizeof(Slab) + size);
+  char* const memory = static_cast<char*>(::operator new(slab_size));
+  newest_ = new (memory) Slab{newest_};
+  next_ = memory + sizeof(Slab);
+  end_ = memory + slab_size;
+  next_slab_size_ = std::min(next_slab_size_ * 2, largest_slab);
+  size_ += slab_size;
+}
+
+void BlockIndex::add(std::uint64_t hash, Block* block, Arena& arena) {
+  if ((count_ + 1) * 4 > (slots_ ? mask_ + 1 : 0) * 3) grow(arena);
+  std::size_t at = hash & mask_;
+  while (slots_[at].block) at = (at + 1) & mask_;
+  slots_[at] = {hash, block};
+  ++count_;
+}
+
+void BlockIndex::grow(Arena& arena) {
+  const std::size_t old_capacity = slots_ ? mask_ + 1 : 0;
+  const std::size_t capacity = std::max<std::size_t>(8, old_capacity * 2);
+  Slot* const slots = static_cast<Slot*>(arena.allocate(capacity * sizeof(Slot)));
+  std::fill_n(slots, capacity, Slot{});
+  for (std::size_t i = 0; i < old_capacity; ++i) {
+    if (!slots_[i].block) continue;
+    std::size_t at = slots_[i].hash & (capacity - 1);
+    while (slots[at].block) at = (at + 1) & (capacity - 1);
+    slots[at] = slots_[i];
+  }
+  slots_ = slots;
+  mask_ = capacity - 1;
+}
+
+Block& Block::add_child(std::uint64_t hash, std::string_view name, Arena& arena) {
+  char* const memory = static_cast<char*>(arena.allocate(sizeof(Block) + name.size()));
+  char* const text = memory + sizeof(Block);
+  std::copy(name.begin(), name.end(), text);
+  Block* const block = new (memory) Block(this, {text, name.size()});
+  children_.add(hash, block, arena);
+  (newest_child_ ? newest_child_->next_sibling_ : first_child_).set(block);
+  newest_child_ = block;
+  return *block;
+}
+
+void Block::add_chunk(Arena& arena) {
+  const std::uint32_t capacity =
+      newest_chunk_ ? std::min(newest_chunk_->capacity * 2, IntervalChunk::largest_capacity)
+                    : IntervalChunk::first_capacity;
+  void* const memory = arena.allocate(sizeof(IntervalChunk) + capacity * sizeof(Interval));
+  IntervalChunk* const chunk = new (memory) IntervalChunk(capacity);
+  (newest_chunk_ ? newest_chunk_->next : first_chunk_).set(chunk);
+  newest_chunk_ = chunk;
+}
+
+void ProfileRecord::push_front(std::atomic<ThreadRecord*>& bucket, ThreadRecord& record) {
+  ThreadRecord* head = bucket.load(std::memory_order_acquire);
+  do {
+    record.next_in_bucket_.store(head, std::memory_order_relaxed);
+  } while (!bucket.compare_exchange_weak(head, &record, std::memory_order_acq_rel));
+}
+
+void ProfileRecord::append(std::atomic<ThreadRecord*>& first, ThreadRecord& record) {
+  std::atomic<ThreadRecord*>* end = &first;
+  ThreadRecord* found = nullptr;
+  while (!end->compare_exchange_strong(found, &record, std::memory_order_acq_rel)) {
+    end = &found->next_;
+    found = nullptr;
+  }
+}
+
+ThreadRecord& ProfileRecord::add_thread(std::uint32_t id) {
+  ThreadRecord* const record = new ThreadRecord(id);
+  push_front(bucket(id), *record);
+  append(first_, *record);
+  return *record;
+}
+
+std::size_t ProfileRecord::memory() const {
+  std::size_t size = 0;
+  for (const ThreadRecord* thread = first_thread(); thread; thread = thread->next()) size += thread->memory();
+  return size;
+}
+
+void ProfileRecord::clear() {
+  ThreadRecord* thread = first_.exchange(nullptr);
+  for (auto& bucket : buckets_) bucket.store(nullptr, std::memory_order_relaxed);
+  while (thread) delete std::exchange(thread, thread->next_.load(std::memory_order_relaxed));
+}
+
+}  // namespace kexlib

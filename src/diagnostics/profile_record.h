@@ -1,0 +1,281 @@
+// The record of a profiling run: for each thread a tree of named blocks with the intervals in which each was open.
+//
+// It knows no platform and takes no lock. Each thread changes only its own ThreadRecord. Two things make that hold:
+//
+// - A new thread's record is published by compare-and-swap, so threads may start at any time.
+// - What is written by its owner and read by the writer of the record is Published: at the end of a process Windows
+//   kills the other threads wherever they are, and the record that is then written must be whole. So every object is
+//   complete before the store that makes it reachable.
+#ifndef KEXLIB_DIAGNOSTICS_PROFILE_RECORD_H
+#define KEXLIB_DIAGNOSTICS_PROFILE_RECORD_H
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace kexlib {
+
+// A field that one thread sets and another may read at any instant. On x86-64 it costs what a plain field costs.
+template <class T>
+class Published {
+ public:
+  T get() const { return value_.load(std::memory_order_acquire); }
+  void set(T value) { value_.store(value, std::memory_order_release); }
+
+ private:
+  std::atomic<T> value_{};
+};
+
+// Memory of one thread's record: handed out piece by piece, given back as a whole. So an append costs no call of the
+// heap, and forgetting a million intervals is a few calls of it.
+class Arena {
+ public:
+  Arena() = default;
+  ~Arena();
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+
+  // `size` bytes, aligned for every type, not initialised. Throws std::bad_alloc.
+  void* allocate(std::size_t size) {
+    size = (size + alignment - 1) / alignment * alignment;
+    if (size > static_cast<std::size_t>(end_ - next_)) add_slab(size);
+    return std::exchange(next_, next_ + size);
+  }
+
+  // All the memory taken from the heap, in bytes.
+  std::size_t size() const { return size_; }
+
+ private:
+  static constexpr std::size_t alignment = 16;
+  static constexpr std::size_t largest_slab = std::size_t{64} * 1024;
+
+  struct alignas(alignment) Slab {
+    Slab* previous;
+  };
+
+  void add_slab(std::size_t size);
+
+  char* next_ = nullptr;
+  char* end_ = nullptr;
+  Slab* newest_ = nullptr;
+  std::size_t next_slab_size_ = 2048;
+  std::size_t size_ = 0;
+};
+
+// One opening of a block, in ticks since the run's time base.
+struct Interval {
+  std::int64_t begin;
+  std::int64_t end;  // 0 while the block is open
+};
+
+// Some intervals of a block, in the order of their beginning; a full chunk is followed by one twice as large, up to a
+// size of which sixteen fill a slab of the arena.
+struct IntervalChunk {
+  static constexpr std::uint32_t first_capacity = 2;
+  static constexpr std::uint32_t largest_capacity = 254;
+
+  explicit IntervalChunk(std::uint32_t intervals) : capacity(intervals) {}
+  Interval* intervals() { return reinterpret_cast<Interval*>(this + 1); }
+  const Interval* intervals() const { return reinterpret_cast<const Interval*>(this + 1); }
+
+  Published<IntervalChunk*> next;
+  const std::uint32_t capacity;
+  Published<std::uint32_t> count;
+};
+
+class Block;
+
+// Finds a block among its siblings: open addressing over hash and pointer. Only the owner thread uses it.
+class BlockIndex {
+ public:
+  Block* find(std::uint64_t hash, std::string_view name) const;
+  void add(std::uint64_t hash, Block* block, Arena& arena);
+
+  static std::uint64_t hash(std::string_view name);
+
+ private:
+  struct Slot {
+    std::uint64_t hash;
+    Block* block;  // null: free
+  };
+
+  void grow(Arena& arena);
+
+  Slot* slots_ = nullptr;
+  std::size_t mask_ = 0;
+  std::size_t count_ = 0;
+};
+
+// A name under one parent. The top-level blocks of a thread have its root as parent.
+class Block {
+ public:
+  Block(Block* parent, std::string_view name) : parent_(parent), name_(name) {}
+  Block(const Block&) = delete;
+  Block& operator=(const Block&) = delete;
+
+  Block* parent() const { return parent_; }
+  std::string_view name() const { return name_; }
+  const Block* first_child() const { return first_child_.get(); }
+  const Block* next_sibling() const { return next_sibling_.get(); }
+  const IntervalChunk* first_chunk() const { return first_chunk_.get(); }
+
+  // The child of that name, made if there is none.
+  Block& child(std::string_view name, Arena& arena) {
+    const std::uint64_t hash = BlockIndex::hash(name);
+    Block* const found = children_.find(hash, name);
+    return found ? *found : add_child(hash, name, arena);
+  }
+
+  void open(std::int64_t begin, Arena& arena) {
+    if (!newest_chunk_ || newest_chunk_->count.get() == newest_chunk_->capacity) add_chunk(arena);
+    const std::uint32_t count = newest_chunk_->count.get();
+    newest_chunk_->intervals()[count] = {begin, 0};
+    newest_chunk_->count.set(count + 1);
+  }
+
+  // Ends the interval that was opened last; one must have been opened.
+  void close(std::int64_t end) { newest_chunk_->intervals()[newest_chunk_->count.get() - 1].end = end; }
+
+ private:
+  Block& add_child(std::uint64_t hash, std::string_view name, Arena& arena);
+  void add_chunk(Arena& arena);
+
+  Block* const parent_;
+  const std::string_view name_;  // the bytes lie in the arena
+  BlockIndex children_;
+  IntervalChunk* newest_chunk_ = nullptr;
+  Block* newest_child_ = nullptr;
+  Published<Block*> first_child_;
+  Published<Block*> next_sibling_;
+  Published<IntervalChunk*> first_chunk_;
+};
+
+// The record of one thread. Aligned so that two threads never write to one cache line.
+class alignas(64) ThreadRecord {
+ public:
+  explicit ThreadRecord(std::uint32_t id) : id_(id) {}
+  ThreadRecord(const ThreadRecord&) = delete;
+  ThreadRecord& operator=(const ThreadRecord&) = delete;
+
+  std::uint32_t id() const { return id_; }
+  const Block* first_block() const { return root_.first_child(); }
+  const ThreadRecord* next() const { return next_.load(std::memory_order_acquire); }
+  std::size_t memory() const { return sizeof *this + arena_.size(); }
+
+  void begin(std::string_view name, std::int64_t ticks) {
+    Block& block = current_->child(name, arena_);
+    block.open(ticks, arena_);
+    current_ = &block;
+  }
+
+  void end(std::int64_t ticks) {
+    if (current_ == &root_) return;
+    current_->close(ticks);
+    current_ = current_->parent();
+  }
+
+ private:
+  friend class ProfileRecord;
+
+  const std::uint32_t id_;
+  Arena arena_;
+  Block root_{nullptr, {}};
+  Block* current_ = &root_;
+  std::atomic<ThreadRecord*> next_in_bucket_{};
+  std::atomic<ThreadRecord*> next_{};
+};
+
+// All threads of a run, found by id, walked in the order of their first call.
+class ProfileRecord {
+ public:
+  constexpr ProfileRecord() = default;
+  ~ProfileRecord() = default;  // does not free: see clear()
+  ProfileRecord(const ProfileRecord&) = delete;
+  ProfileRecord& operator=(const ProfileRecord&) = delete;
+
+  // The record of the thread `id`, made if there is none. To be called by that thread.
+  ThreadRecord& thread(std::uint32_t id) {
+    ThreadRecord* record = bucket(id).load(std::memory_order_acquire);
+    while (record && record->id_ != id) record = record->next_in_bucket_.load(std::memory_order_acquire);
+    return record ? *record : add_thread(id);
+  }
+
+  const ThreadRecord* first_thread() const { return first_.load(std::memory_order_acquire); }
+
+  // Memory in use, in bytes.
+  std::size_t memory() const;
+
+  // Forgets everything. No other thread may be using the record. The destructor does not do it by itself, since at the
+  // end of a process the heap may be in the state in which a killed thread left it, and the memory goes anyway.
+  void clear();
+
+ private:
+  static constexpr std::size_t bucket_count = 1024;
+
+  // Windows' thread ids are multiples of four.
+  std::atomic<ThreadRecord*>& bucket(std::uint32_t id) { return buckets_[id / 4 % bucket_count]; }
+
+  ThreadRecord& add_thread(std::uint32_t id);
+  static void push_front(std::atomic<ThreadRecord*>& bucket, ThreadRecord& record);
+  static void append(std::atomic<ThreadRecord*>& first, ThreadRecord& record);
+
+  std::array<std::atomic<ThreadRecord*>, bucket_count> buckets_{};
+  std::atomic<ThreadRecord*> first_{};
+};
+
+namespace bytes {
+
+// Up to eight bytes as a number; equal numbers for equal bytes of equal `size`.
+inline std::uint64_t load(const char* data, std::size_t size) {
+  const auto read = [&](auto part, std::size_t at) {
+    std::memcpy(&part, data + at, sizeof part);
+    return std::uint64_t{part};
+  };
+  if (size >= 8) return read(std::uint64_t{}, 0);
+  if (size >= 4) return read(std::uint32_t{}, 0) << 32 | read(std::uint32_t{}, size - 4);
+  if (size == 0) return 0;
+  return read(std::uint8_t{}, 0) << 16 | read(std::uint8_t{}, size / 2) << 8 | read(std::uint8_t{}, size - 1);
+}
+
+// Names are short: this is quicker than a call of memcmp.
+inline bool equal(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  const char* p = a.data();
+  const char* q = b.data();
+  std::size_t left = a.size();
+  for (; left > 8; p += 8, q += 8, left -= 8)
+    if (load(p, 8) != load(q, 8)) return false;
+  return load(p, left) == load(q, left);
+}
+
+}  // namespace bytes
+
+inline std::uint64_t BlockIndex::hash(std::string_view name) {
+  constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;  // 2^64 by the golden ratio
+  const auto mix = [](std::uint64_t value) {
+    value *= multiplier;
+    return value ^ value >> 32;
+  };
+  std::uint64_t hash = name.size() * multiplier;
+  const char* p = name.data();
+  std::size_t left = name.size();
+  for (; left > 8; p += 8, left -= 8) hash = mix(hash ^ bytes::load(p, 8));
+  return mix(hash ^ bytes::load(p, left));
+}
+
+inline Block* BlockIndex::find(std::uint64_t hash, std::string_view name) const {
+  if (!slots_) return nullptr;
+  for (std::size_t at = hash & mask_;; at = (at + 1) & mask_) {
+    const Slot& slot = slots_[at];
+    if (!slot.block) return nullptr;
+    if (slot.hash == hash && bytes::equal(slot.block->name(), name)) return slot.block;
+  }
+}
+
+}  // namespace kexlib
+
+#endif

@@ -1,0 +1,30 @@
+// Load and unload of kexlib.dll.
+//
+// The objects below are made from top to bottom when the library is loaded and released from bottom to top when it is
+// unloaded: at FreeLibrary, and at the end of the process however it comes, but for TerminateProcess. None needs code
+// to be made, so they can be used by static constructors of any other module.
+#include <windows.h>
+
+#include <kexlib/diagnostics/trace_file.h>
+#include <module/process_state.h>
+
+namespace kexlib::module {
+namespace {
+
+bool ending = false;
+
+}  // namespace
+
+constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
+
+}  // namespace kexlib::module
+
+constinit CTraceToFile g_traceToFile;  // unloaded while open: writes its footer
+
+bool kexlib::module::process_is_ending() { return ending; }
+
+// Runs before the objects are released.
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
+  if (reason == DLL_PROCESS_DETACH) kexlib::module::ending = process_ends != nullptr;
+  return TRUE;
+}

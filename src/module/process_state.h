@@ -1,0 +1,18 @@
+// The state that the library keeps for the whole process. All of it is defined in module.cpp, in the order in which it
+// is made.
+#ifndef KEXLIB_MODULE_PROCESS_STATE_H
+#define KEXLIB_MODULE_PROCESS_STATE_H
+
+#include <diagnostics/profiler_state.h>
+
+namespace kexlib::module {
+
+extern ProfilerState profiler;
+
+// Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
+// what they may have been changing (the heap among it) is left alone.
+bool process_is_ending();
+
+}  // namespace kexlib::module
+
+#endif

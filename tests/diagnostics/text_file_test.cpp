@@ -1,0 +1,72 @@
+#include <diagnostics/text_file.h>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <support/files.h>
+
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <string>
+
+using namespace kexlib;
+
+namespace {
+
+class TextFile : public testing::Test {
+ protected:
+  static std::string written(const std::string& text) {
+    const text_file::Handle file = text_file::open("ours.txt", text_file::Start::Truncated);
+    text_file::write(file, text);
+    text_file::close(file);
+    return read_file("ours.txt");
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(TextFile, TurnsLineFeedsIntoLineEnds) {
+  EXPECT_EQ(written(""), "");
+  EXPECT_EQ(written("\n"), "\r\n");
+  EXPECT_EQ(written("a\nb\r\n\n\rc\x1A"), "a\r\nb\r\r\n\r\n\rc\x1A");
+}
+
+TEST_F(TextFile, WritesWhatAStreamInTextModeWrites) {
+  std::mt19937 random(1);
+  for (const std::size_t size : {1u, 100u, 16383u, 16384u, 16385u, 32768u, 1000000u})
+    for (const unsigned line : {1u, 2u, 3u, 80u, 16383u, 16384u, 16385u, 2000000u}) {
+      std::string text(size, 'x');
+      for (std::size_t at = line - 1; at < size; at += line) text[at] = '\n';
+      if (line == 3) std::generate(text.begin(), text.end(), [&] { return "\n\rx"[random() % 3]; });
+      std::ofstream("stream.txt") << text;
+      ASSERT_EQ(written(text), read_file("stream.txt")) << size << " " << line;
+    }
+}
+
+TEST_F(TextFile, StartsAnewOrGoesOnAtTheEnd) {
+  write_file("ours.txt", "before\n");
+  const text_file::Handle file = text_file::open("ours.txt", text_file::Start::AtEnd);
+  text_file::write(file, "after");
+  text_file::close(file);
+  EXPECT_EQ(read_file("ours.txt"), "before\nafter");
+  EXPECT_EQ(written("anew"), "anew");
+}
+
+TEST_F(TextFile, LetsOthersReadAndWriteMeanwhile) {
+  const text_file::Handle file = text_file::open("ours.txt", text_file::Start::Truncated);
+  text_file::write(file, "line\n");
+  EXPECT_EQ(read_file("ours.txt"), "line\r\n");
+  const text_file::Handle second = text_file::open("ours.txt", text_file::Start::AtEnd);
+  EXPECT_NE(second, nullptr);
+  text_file::close(second);
+  text_file::close(file);
+}
+
+TEST_F(TextFile, IsNullWhenItCannotBeOpened) {
+  EXPECT_EQ(text_file::open("no such folder\\ours.txt", text_file::Start::Truncated), nullptr);
+  EXPECT_EQ(text_file::open("", text_file::Start::AtEnd), nullptr);
+}
+
+}  // namespace

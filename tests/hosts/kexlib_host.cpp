@@ -1,0 +1,56 @@
+// A program that profiles and traces and then ends in the way that its argument names. It tests what unloading writes.
+#include <kexlib/diagnostics.h>
+
+#include <windows.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+namespace {
+
+constexpr int exit_code = 7;
+
+// A thread that is always inside the profiler, most of the time with new names, so that the process ends in the middle
+// of an insertion.
+void keep_profiling(std::atomic<bool>& running) {
+  for (unsigned i = 0;; ++i) {
+    kexProfileScope scope("busy " + std::to_string(i));
+    running = true;
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::string ending = argc > 1 ? argv[1] : "";
+
+  if (ending == "silent") return exit_code;
+
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  g_traceToFile.Trace("%s\n", ending.c_str());
+  kex_begin_block_with_auto_start("closed");
+  kex_end_block();
+  kex_begin_block("open");
+
+  if (ending == "stopped") {
+    kex_stop_profiling("stopped.js");
+    return exit_code;
+  }
+  if (ending == "exit") std::exit(exit_code);
+  if (ending == "quick_exit") std::_Exit(exit_code);
+  if (ending == "ExitProcess") ExitProcess(exit_code);
+  if (ending == "TerminateProcess") TerminateProcess(GetCurrentProcess(), exit_code);
+  if (ending == "ExitProcess_on_thread") {
+    std::thread([] { ExitProcess(exit_code); }).join();
+  }
+  if (ending == "busy_thread") {
+    static std::atomic<bool> running{false};
+    std::thread([] { keep_profiling(running); }).detach();
+    while (!running) {
+    }
+    ExitProcess(exit_code);
+  }
+  return exit_code;
+}

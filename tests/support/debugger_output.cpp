@@ -1,0 +1,25 @@
+#include <support/debugger_output.h>
+
+#include <windows.h>
+
+namespace {
+
+std::vector<std::string> caught;
+
+// Without a debugger the system raises each text as an exception: the length with terminator, and the text.
+LONG CALLBACK catch_text(EXCEPTION_POINTERS* exception) {
+  constexpr DWORD print_exception = 0x40010006;
+  const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
+  if (record.ExceptionCode != print_exception) return EXCEPTION_CONTINUE_SEARCH;
+  caught.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]),
+                      record.ExceptionInformation[0] - 1);
+  return EXCEPTION_CONTINUE_EXECUTION;
+}
+
+}  // namespace
+
+DebuggerOutput::DebuggerOutput() : handler_(AddVectoredExceptionHandler(1, catch_text)) { caught.clear(); }
+
+DebuggerOutput::~DebuggerOutput() { RemoveVectoredExceptionHandler(handler_); }
+
+const std::vector<std::string>& DebuggerOutput::texts() const { return caught; }

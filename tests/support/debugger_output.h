@@ -1,0 +1,21 @@
+#ifndef TESTS_SUPPORT_DEBUGGER_OUTPUT_H
+#define TESTS_SUPPORT_DEBUGGER_OUTPUT_H
+
+#include <string>
+#include <vector>
+
+// Catches what this process sends to OutputDebugString for as long as the object lives; one at a time.
+class DebuggerOutput {
+ public:
+  DebuggerOutput();
+  ~DebuggerOutput();
+  DebuggerOutput(const DebuggerOutput&) = delete;
+  DebuggerOutput& operator=(const DebuggerOutput&) = delete;
+
+  const std::vector<std::string>& texts() const;
+
+ private:
+  void* handler_;
+};
+
+#endif

@@ -1,0 +1,26 @@
+#include <support/desktop_folder.h>
+
+#include <windows.h>
+
+namespace {
+
+constexpr char key[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
+
+void set_desktop(const std::string& folder) {
+  RegSetKeyValueA(HKEY_CURRENT_USER, key, "Desktop", REG_EXPAND_SZ, folder.c_str(),
+                  static_cast<DWORD>(folder.size() + 1));
+}
+
+}  // namespace
+
+DesktopFolder::DesktopFolder(const std::filesystem::path& folder) {
+  char value[MAX_PATH] = "%USERPROFILE%\\Desktop";
+  DWORD size = sizeof value;
+  RegGetValueA(HKEY_CURRENT_USER, key, "Desktop", RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND, nullptr, value, &size);
+  previous_ = value;
+  move_to(folder);
+}
+
+DesktopFolder::~DesktopFolder() { set_desktop(previous_); }
+
+void DesktopFolder::move_to(const std::filesystem::path& folder) { set_desktop(folder.string()); }

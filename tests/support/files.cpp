@@ -1,0 +1,50 @@
+#include <support/files.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() : previous_(fs::current_path()) {
+  static std::atomic<int> count{0};
+  path_ = fs::temp_directory_path() /
+          ("kexlib_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count));
+  fs::create_directory(path_);
+  fs::current_path(path_);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  fs::current_path(previous_);
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::string read_file(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void write_file(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+std::vector<std::string> files_in(const fs::path& folder) {
+  std::vector<std::string> names;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::string without_carriage_returns(std::string text) {
+  for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos;) text.erase(at, 1);
+  return text;
+}
+
+fs::path program_folder() {
+  wchar_t path[MAX_PATH];
+  GetModuleFileNameW(nullptr, path, MAX_PATH);
+  return fs::path(path).parent_path();
+}
