@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -78,18 +79,11 @@ void count(std::vector<Folder>& folders) {
   helper.join();
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc != 2 || !fs::is_directory(argv[1])) {
-    std::fputs("usage: count_sources FOLDER\n", stderr);
-    return 2;
-  }
-
+void count_twice(const fs::path& root) {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
 
   kex_start_profiling();
-  std::vector<Folder> folders = find_folders(argv[1]);
+  std::vector<Folder> folders = find_folders(root);
   count(folders);
   kex_stop_profiling("counting.js");
 
@@ -103,4 +97,19 @@ int main(int argc, char** argv) {
   std::printf("%zu files in %zu folders hold %td lines\n", files, folders.size(), lines);
 
   count(folders);  // its scopes switch profiling on again, and nobody switches it off
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fputs("usage: count_sources FOLDER\n", stderr);
+    return 2;
+  }
+  try {
+    count_twice(argv[1]);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "count_sources: %s\n", error.what());
+    return 2;
+  }
 }

@@ -20,26 +20,26 @@ void Arena::add_slab(std::size_t size) {
 }
 
 void BlockIndex::add(std::uint64_t hash, Block* block, Arena& arena) {
-  if ((count_ + 1) * 4 > (slots_ ? mask_ + 1 : 0) * 3) grow(arena);
-  std::size_t at = hash & mask_;
-  while (slots_[at].block) at = (at + 1) & mask_;
-  slots_[at] = {hash, block};
+  if ((count_ + 1) * 4 > capacity_ * 3) grow(arena);
+  put({hash, block});
   ++count_;
 }
 
 void BlockIndex::grow(Arena& arena) {
-  const std::size_t old_capacity = slots_ ? mask_ + 1 : 0;
-  const std::size_t capacity = std::max<std::size_t>(8, old_capacity * 2);
+  const std::size_t capacity = std::max<std::size_t>(8, capacity_ * 2);
   Slot* const slots = static_cast<Slot*>(arena.allocate(capacity * sizeof(Slot)));
   std::fill_n(slots, capacity, Slot{});
-  for (std::size_t i = 0; i < old_capacity; ++i) {
-    if (!slots_[i].block) continue;
-    std::size_t at = slots_[i].hash & (capacity - 1);
-    while (slots[at].block) at = (at + 1) & (capacity - 1);
-    slots[at] = slots_[i];
-  }
-  slots_ = slots;
-  mask_ = capacity - 1;
+  const Slot* const old_slots = std::exchange(slots_, slots);
+  const std::size_t old_capacity = std::exchange(capacity_, capacity);
+  for (std::size_t i = 0; i < old_capacity; ++i)
+    if (old_slots[i].block) put(old_slots[i]);
+}
+
+void BlockIndex::put(Slot slot) {
+  const std::size_t mask = capacity_ - 1;
+  std::size_t at = slot.hash & mask;
+  while (slots_[at].block) at = (at + 1) & mask;
+  slots_[at] = slot;
 }
 
 Block& Block::add_child(std::uint64_t hash, std::string_view name, Arena& arena) {
@@ -54,9 +54,8 @@ Block& Block::add_child(std::uint64_t hash, std::string_view name, Arena& arena)
 }
 
 void Block::add_chunk(Arena& arena) {
-  const std::uint32_t capacity =
-      newest_chunk_ ? std::min(newest_chunk_->capacity * 2, IntervalChunk::largest_capacity)
-                    : IntervalChunk::first_capacity;
+  const std::uint32_t capacity = newest_chunk_ ? std::min(newest_chunk_->capacity * 2, IntervalChunk::largest_capacity)
+                                               : IntervalChunk::first_capacity;
   void* const memory = arena.allocate(sizeof(IntervalChunk) + capacity * sizeof(Interval));
   IntervalChunk* const chunk = new (memory) IntervalChunk(capacity);
   (newest_chunk_ ? newest_chunk_->next : first_chunk_).set(chunk);

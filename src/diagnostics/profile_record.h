@@ -104,9 +104,10 @@ class BlockIndex {
   };
 
   void grow(Arena& arena);
+  void put(Slot slot);
 
   Slot* slots_ = nullptr;
-  std::size_t mask_ = 0;
+  std::size_t capacity_ = 0;  // a power of two, or nothing yet
   std::size_t count_ = 0;
 };
 
@@ -246,10 +247,11 @@ inline bool equal(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   const char* p = a.data();
   const char* q = b.data();
-  std::size_t left = a.size();
-  for (; left > 8; p += 8, q += 8, left -= 8)
-    if (load(p, 8) != load(q, 8)) return false;
-  return load(p, left) == load(q, left);
+  const std::size_t size = a.size();
+  if (size < 8) return load(p, size) == load(q, size);
+  for (std::size_t at = 0; at + 8 < size; at += 8)
+    if (load(p + at, 8) != load(q + at, 8)) return false;
+  return load(p + size - 8, 8) == load(q + size - 8, 8);
 }
 
 }  // namespace bytes
@@ -260,16 +262,18 @@ inline std::uint64_t BlockIndex::hash(std::string_view name) {
     value *= multiplier;
     return value ^ value >> 32;
   };
-  std::uint64_t hash = name.size() * multiplier;
-  const char* p = name.data();
-  std::size_t left = name.size();
-  for (; left > 8; p += 8, left -= 8) hash = mix(hash ^ bytes::load(p, 8));
-  return mix(hash ^ bytes::load(p, left));
+  const char* const data = name.data();
+  const std::size_t size = name.size();
+  std::uint64_t hash = size * multiplier;
+  if (size < 8) return mix(hash ^ bytes::load(data, size));
+  for (std::size_t at = 0; at + 8 < size; at += 8) hash = mix(hash ^ bytes::load(data + at, 8));
+  return mix(hash ^ bytes::load(data + size - 8, 8));
 }
 
 inline Block* BlockIndex::find(std::uint64_t hash, std::string_view name) const {
-  if (!slots_) return nullptr;
-  for (std::size_t at = hash & mask_;; at = (at + 1) & mask_) {
+  if (capacity_ == 0) return nullptr;
+  const std::size_t mask = capacity_ - 1;
+  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
     const Slot& slot = slots_[at];
     if (!slot.block) return nullptr;
     if (slot.hash == hash && bytes::equal(slot.block->name(), name)) return slot.block;

@@ -1,5 +1,6 @@
 #include <diagnostics/six_digits.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -69,7 +70,7 @@ char* write_six_digits(char* out, double value) {
   while (count > 1 && digits[count - 1] == '0') --count;
 
   if (exponent < 0) {
-    std::memcpy(out, "0.000", 5);
+    std::copy_n("0.000", 5, out);
     out += 1 - exponent;
     std::memcpy(out, digits, 6);
     return out + count;

@@ -155,7 +155,8 @@ TEST(ProfileRecord, KeepsThreadsInOrderOfTheirFirstCallAlsoWithinOneBucket) {
   for (const std::uint32_t id : ids) record.thread(id);
   for (const std::uint32_t id : ids) EXPECT_EQ(record.thread(id).id(), id);
   std::vector<std::uint32_t> found;
-  for (const ThreadRecord* thread = record.first_thread(); thread; thread = thread->next()) found.push_back(thread->id());
+  for (const ThreadRecord* thread = record.first_thread(); thread; thread = thread->next())
+    found.push_back(thread->id());
   EXPECT_EQ(found, ids);
 }
 

@@ -152,7 +152,8 @@ TEST(ProfileWriter, WritesTenThousandLevelsWithoutNeedingStack) {
   // Six lines a level; the indentation of level i is 2 + 4 i.
   std::size_t expected = std::string("var threads = [\n{\n  name: 'Thread 4'\n},\n]\n").size();
   for (std::size_t i = 0; i < levels; ++i)
-    expected += 6 * (2 + 4 * i) + std::string("blocks: [\n  {\n    name: 'x',\n    time: [{b: 1, e: 0},]\n  },\n],\n").size();
+    expected +=
+        6 * (2 + 4 * i) + std::string("blocks: [\n  {\n    name: 'x',\n    time: [{b: 1, e: 0},]\n  },\n],\n").size();
   EXPECT_EQ(sink.size, expected);
   EXPECT_EQ(sink.lines, 5 + 6 * levels);
 }

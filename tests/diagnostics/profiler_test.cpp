@@ -208,9 +208,9 @@ TEST_F(Profiler, MeasuresMilliseconds) {
   const double measured = std::stod(time[1]);
   EXPECT_GE(measured, 20.0 - 0.001);
   // Not longer than what surrounds it, plus the time between the first stamp and `before`.
-  EXPECT_LE(measured, static_cast<double>(after.QuadPart - before.QuadPart) * 1000.0 /
-                              static_cast<double>(frequency.QuadPart) +
-                          10.0);
+  EXPECT_LE(
+      measured,
+      static_cast<double>(after.QuadPart - before.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart) + 10.0);
 }
 
 TEST_F(Profiler, KeepsEachThreadsBlocksApart) {
@@ -338,7 +338,8 @@ TEST_F(Profiler, WritesTenThousandLevelsFromAThreadWithASmallStack) {
 
   std::size_t lines_without_times = 0;
   for (std::size_t i = 0; i <= levels; ++i)
-    lines_without_times += 6 * (2 + 4 * i) + std::string("blocks: [\r\n  {\r\n    name: 'x',\r\n  },\r\n],\r\n").size() +
+    lines_without_times += 6 * (2 + 4 * i) +
+                           std::string("blocks: [\r\n  {\r\n    name: 'x',\r\n  },\r\n],\r\n").size() +
                            std::string("    time: [{b: 0, e: 0},]\r\n").size();
   const auto size = std::filesystem::file_size("record.js");
   EXPECT_GT(size, lines_without_times);

@@ -26,9 +26,9 @@ TEST(Module, TellsItsVersionInItsResource) {
   EXPECT_EQ(info.dwFileVersionMS, MAKELONG(KEXLIB_VERSION_MINOR, KEXLIB_VERSION_MAJOR));
   EXPECT_EQ(info.dwFileVersionLS, MAKELONG(0, KEXLIB_VERSION_PATCH));
   ASSERT_TRUE(VerQueryValueA(data.data(), "\\StringFileInfo\\040904b0\\FileVersion", &value, &size));
-  EXPECT_EQ(std::string(static_cast<const char*>(value)),
-            std::to_string(KEXLIB_VERSION_MAJOR) + "." + std::to_string(KEXLIB_VERSION_MINOR) + "." +
-                std::to_string(KEXLIB_VERSION_PATCH));
+  EXPECT_EQ(std::string(static_cast<const char*>(value)), std::to_string(KEXLIB_VERSION_MAJOR) + "." +
+                                                              std::to_string(KEXLIB_VERSION_MINOR) + "." +
+                                                              std::to_string(KEXLIB_VERSION_PATCH));
 }
 
 // The programs trace into `folder_` too: they are started with it as the desktop.
@@ -51,8 +51,9 @@ class UnloadInChildProcess : public testing::Test {
   }
 
   static std::string normalised(const std::string& bytes) {
-    return std::regex_replace(std::regex_replace(without_carriage_returns(bytes), std::regex("Thread \\d+"), "Thread ID"),
-                              std::regex("e: (?!0\\})[0-9.e+-]+|b: (?!0,)[0-9.e+-]+"), "#");
+    return std::regex_replace(
+        std::regex_replace(without_carriage_returns(bytes), std::regex("Thread \\d+"), "Thread ID"),
+        std::regex("e: (?!0\\})[0-9.e+-]+|b: (?!0,)[0-9.e+-]+"), "#");
   }
 
   void expect_written_at_unload(const std::string& ending) {

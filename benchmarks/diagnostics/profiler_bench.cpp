@@ -1,0 +1,256 @@
+#include <kexlib/diagnostics/profiler.h>
+
+#include <windows.h>
+
+#include <diagnostics/block_recorder.h>
+#include <diagnostics/profile_writer.h>
+#include <diagnostics/text_file.h>
+#include <support/bench.h>
+#include <support/files.h>
+#include <support/record_text.h>
+
+#ifdef BENCH_WITH_PEERS
+#include <fmt/compile.h>
+#include <fmt/format.h>
+#endif
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+const std::array<std::string, 8> names = {"load", "parse",           "layout", "paint the frame",
+                                          "save", "send to printer", "wait",   "idle"};
+constexpr int pairs = 400000;
+
+// Eight sibling names in turn.
+template <class Begin, class End>
+double nanoseconds_a_pair(Begin begin, End end) {
+  unsigned i = 0;
+  return bench::nanoseconds_each(pairs, [&] {
+    begin(names[i++ % names.size()]);
+    end();
+  });
+}
+
+double two_counter_reads() {
+  return bench::nanoseconds_each(pairs, [] {
+    LARGE_INTEGER counter;
+    QueryPerformanceCounter(&counter);
+    QueryPerformanceCounter(&counter);
+  });
+}
+
+double library_pair() { return nanoseconds_a_pair(kex_begin_block, kex_end_block); }
+
+double library_pair_on_each_of_two_threads() {
+  double times[2];
+  std::atomic<int> ready{0};
+  const auto run = [&](double& time) {
+    kex_begin_block("warm up"), kex_end_block();
+    ++ready;
+    while (ready < 2) {
+    }
+    time = library_pair();
+  };
+  std::thread other(run, std::ref(times[0]));
+  run(times[1]);
+  other.join();
+  return (times[0] + times[1]) / 2;
+}
+
+struct NoClock {
+  static std::uint32_t thread_id() { return GetCurrentThreadId(); }
+  static std::int64_t now() { return 1; }
+};
+
+// The data model as one would write it first: nested hash maps and vectors.
+class NestedMaps {
+ public:
+  void begin(const std::string& name) {
+    Thread& thread = threads_[GetCurrentThreadId()];
+    Block& block = (thread.current ? thread.current->children : thread.blocks)[name];
+    block.parent = thread.current;
+    thread.current = &block;
+    block.intervals.push_back({NoClock::now(), 0});
+  }
+
+  void end() {
+    Thread& thread = threads_[GetCurrentThreadId()];
+    if (!thread.current) return;
+    thread.current->intervals.back().end = NoClock::now();
+    thread.current = thread.current->parent;
+  }
+
+  void clear() { threads_.clear(); }
+
+ private:
+  struct Block {
+    Block* parent = nullptr;
+    std::vector<kexlib::Interval> intervals;
+    std::unordered_map<std::string, Block> children;
+  };
+  struct Thread {
+    std::unordered_map<std::string, Block> blocks;
+    Block* current = nullptr;
+  };
+  std::unordered_map<DWORD, Thread> threads_;
+};
+
+class FileSink final : public kexlib::ByteSink {
+ public:
+  explicit FileSink(const char* path) : file_(kexlib::text_file::open(path, kexlib::text_file::Start::Truncated)) {}
+  ~FileSink() { kexlib::text_file::close(file_); }
+  void write(std::string_view text) override { kexlib::text_file::write(file_, text); }
+
+ private:
+  kexlib::text_file::Handle file_;
+};
+
+// A million intervals of eight blocks under one, as a real run has them: some microseconds to milliseconds apart.
+template <class Record>
+void fill(Record begin_and_end) {
+  std::mt19937_64 random(1);
+  std::int64_t now = 0;
+  const auto tick = [&] { return now += static_cast<std::int64_t>(random() % 4000); };
+  for (int i = 0; i < 1000000; ++i) {
+    const std::int64_t begin = tick();
+    begin_and_end(names[static_cast<std::size_t>(i) % names.size()], begin, tick());
+  }
+}
+
+}  // namespace
+
+void measure_blocks() {
+  bench::Comparison pair("begin plus end");
+  pair.add("two counter reads", two_counter_reads);
+  pair.add("library, one thread", [] {
+    kex_start_profiling();
+    const double time = library_pair();
+    kex_stop_profiling("NUL");
+    return time;
+  });
+  pair.add("library, each of two threads", [] {
+    kex_start_profiling();
+    const double time = library_pair_on_each_of_two_threads();
+    kex_stop_profiling("NUL");
+    return time;
+  });
+  pair.add("two counter reads, each of two threads", [] {
+    double other_time;
+    std::thread other([&] { other_time = two_counter_reads(); });
+    const double time = two_counter_reads();
+    other.join();
+    return (time + other_time) / 2;
+  });
+
+  static kexlib::BlockRecorder<NoClock> recorder;
+  pair.add("library without a clock", [] {
+    recorder.start();
+    const double time =
+        nanoseconds_a_pair([](const std::string& name) { recorder.begin(name); }, [] { recorder.end(); });
+    recorder.stop();
+    recorder.record().clear();
+    return time;
+  });
+  static NestedMaps maps;
+  pair.add("nested unordered_map without a clock", [] {
+    const double time = nanoseconds_a_pair([](const std::string& name) { maps.begin(name); }, [] { maps.end(); });
+    maps.clear();
+    return time;
+  });
+  pair.run();
+
+  bench::at_most("T1", 1.15, pair.ratio("library, one thread", "two counter reads"),
+                 "one thread, in two counter reads");
+  bench::at_most("T2", 1.5, pair.ratio("library, each of two threads", "library, one thread"),
+                 "each of two threads, in one thread's time");
+  bench::at_most("T3", 0.6, pair.ratio("library without a clock", "nested unordered_map without a clock"),
+                 "without a clock, in nested unordered_map");
+}
+
+void measure_record() {
+  TemporaryFolder folder;
+  static kexlib::ProfileRecord record;
+  static SimpleRecord simple;
+  fill([](const std::string& name, std::int64_t begin, std::int64_t end) {
+    record.thread(4).begin(name, begin);
+    record.thread(4).end(end);
+    simple.begin(4, name, begin);
+    simple.end(4, end);
+  });
+  bench::at_most("T4", 17, static_cast<double>(record.memory()) / 1e6, "bytes of memory for an interval");
+
+  static std::string bytes;
+  bench::Comparison writing("a record of a million intervals, written to a file, each interval", 9);
+  writing.add("library", [] {
+    return bench::nanoseconds_each(1,
+                                   [] {
+                                     FileSink sink("ours.js");
+                                     kexlib::write_profile(record, 1e7, sink);
+                                   }) /
+           1e6;
+  });
+  writing.add("std::ofstream <<", [] {
+    return bench::nanoseconds_each(1,
+                                   [] {
+                                     std::ofstream stream("stream.js");
+                                     simple.write(stream, 1e7);
+                                   }) /
+           1e6;
+  });
+#ifdef BENCH_WITH_PEERS
+  writing.add("fmt, compiled format, intervals only", [] {
+    return bench::nanoseconds_each(1,
+                                   [] {
+                                     FileSink sink("fmt.js");
+                                     fmt::memory_buffer text;
+                                     const kexlib::Block* block = record.first_thread()->first_block();
+                                     for (; block; block = block->next_sibling())
+                                       for (auto* chunk = block->first_chunk(); chunk; chunk = chunk->next.get())
+                                         for (std::uint32_t i = 0; i < chunk->count.get(); ++i) {
+                                           const kexlib::Interval& interval = chunk->intervals()[i];
+                                           fmt::format_to(std::back_inserter(text),
+                                                          FMT_COMPILE("{{b: {:.6g}, e: {:.6g}}},"),
+                                                          static_cast<double>(interval.begin) * 1000.0 / 1e7,
+                                                          static_cast<double>(interval.end) * 1000.0 / 1e7);
+                                           if (text.size() > 60 * 1024)
+                                             sink.write({text.data(), text.size()}), text.clear();
+                                         }
+                                     sink.write({text.data(), text.size()});
+                                   }) /
+           1e6;
+  });
+#endif
+  writing.add("the ready bytes with one call", [] {
+    if (bytes.empty()) bytes = read_file("ours.js");
+    return bench::nanoseconds_each(1,
+                                   [] {
+                                     const HANDLE file = CreateFileA("raw.js", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                                                     FILE_ATTRIBUTE_NORMAL, nullptr);
+                                     DWORD written;
+                                     WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+                                     CloseHandle(file);
+                                   }) /
+           1e6;
+  });
+  writing.run();
+  bench::at_least("T5", 8, writing.ratio("std::ofstream <<", "library"), "times as fast as std::ofstream <<");
+#ifdef BENCH_WITH_PEERS
+  bench::at_least("T5", 2, writing.ratio("fmt, compiled format, intervals only", "library"), "times as fast as fmt");
+#endif
+  bench::at_least("T5", 0.25, writing.ratio("the ready bytes with one call", "library"),
+                  "of the speed of writing the ready bytes");
+  const bool identical = read_file("ours.js") == read_file("stream.js");
+  bench::at_least("T5", 1, identical ? 1 : 0, "byte-identical to the stream's file");
+  record.clear();
+}

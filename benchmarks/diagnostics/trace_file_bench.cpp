@@ -1,0 +1,81 @@
+#include <kexlib/diagnostics/trace_file.h>
+
+#include <windows.h>
+
+#include <support/bench.h>
+#include <support/desktop_folder.h>
+#include <support/files.h>
+
+#ifdef BENCH_WITH_PEERS
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+#endif
+
+#include <cstdarg>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+constexpr int lines = 2000;
+
+// What a user would write instead: format into a buffer, write, flush.
+void trace_to(std::ofstream& stream, const char* format, ...) {
+  char text[512];
+  va_list arguments;
+  va_start(arguments, format);
+  std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  stream << text;
+  stream.flush();
+}
+
+}  // namespace
+
+void measure_trace_line() {
+  TemporaryFolder folder;
+  DesktopFolder desktop(folder.path());
+  bench::Comparison line("one traced line, flushed");
+
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  line.add("library", [] {
+    int i = 0;
+    return bench::nanoseconds_each(lines, [&] { g_traceToFile.Trace("item %d of %d: %s\n", ++i, lines, "a name"); });
+  });
+
+  std::ofstream stream("stream.txt");
+  line.add("vsnprintf, std::ofstream, flush", [&] {
+    int i = 0;
+    return bench::nanoseconds_each(lines, [&] { trace_to(stream, "item %d of %d: %s\n", ++i, lines, "a name"); });
+  });
+
+  const HANDLE raw = CreateFileA("raw.txt", GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0, nullptr);
+  line.add("raw write of the ready bytes", [&] {
+    const std::string text = "item 1000 of 2000: a name\r\n";
+    return bench::nanoseconds_each(lines, [&] {
+      DWORD written;
+      WriteFile(raw, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    });
+  });
+
+#ifdef BENCH_WITH_PEERS
+  const auto logger = spdlog::basic_logger_st("bench", "spdlog.txt");
+  logger->set_pattern("%v");
+  logger->flush_on(spdlog::level::info);
+  line.add("spdlog, basic file sink, flush", [&] {
+    int i = 0;
+    return bench::nanoseconds_each(lines, [&] { logger->info("item {} of {}: {}", ++i, lines, "a name"); });
+  });
+#endif
+
+  line.run();
+  bench::at_most("T6", 1.10, line.ratio("library", "vsnprintf, std::ofstream, flush"),
+                 "in vsnprintf, std::ofstream and flush");
+#ifdef BENCH_WITH_PEERS
+  bench::at_least("T6", 1.5, line.ratio("spdlog, basic file sink, flush", "library"), "times as fast as spdlog");
+  spdlog::shutdown();
+#endif
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceOff);
+  CloseHandle(raw);
+}

@@ -1,0 +1,161 @@
+#!/usr/bin/env python3
+"""The driver: what it says when it cannot go on, and that a session leaves nothing behind.
+
+The arguments are the repository's root and the folder of the built programs.
+"""
+
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+ROOT, PROGRAMS = Path(sys.argv[1]), Path(sys.argv[2])
+
+
+class Refusals(unittest.TestCase):
+    """Each ends in one sentence and exit status 2."""
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+
+    def fake(self, program: str, script: str) -> None:
+        """Puts a program of that name before the real one."""
+        path = self.folder / program
+        path.write_text(f"#!/bin/sh\n{script}\n")
+        path.chmod(0o755)
+
+    def run_kex(self, *arguments: str) -> subprocess.CompletedProcess:
+        environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+        return subprocess.run([ROOT / "kex", *arguments], cwd="/", env=environment, capture_output=True, text=True)
+
+    def assert_refused(self, done: subprocess.CompletedProcess, sentence: str, lines: int = 1) -> None:
+        self.assertEqual(done.returncode, 2)
+        self.assertEqual(done.stdout, "")
+        self.assertIn(sentence, done.stderr)
+        self.assertEqual(done.stderr.count("\n"), lines)
+
+    def test_unknown_command(self):
+        self.assert_refused(self.run_kex("dance"), "kex: there is no command 'dance'; ./kex help lists them.")
+
+    def test_run_without_program(self):
+        self.assert_refused(self.run_kex("run"), "'run' takes the name of a program")
+
+    def test_run_of_a_missing_program(self):
+        self.assert_refused(self.run_kex("run", "/no/such.exe"), "there is no program '/no/such.exe'")
+
+    def test_missing_packages_without_root(self):
+        self.fake("dpkg-query", "echo installed cmake")
+        self.fake("id", "echo 1000")
+        self.assert_refused(self.run_kex("build"), "only root can install what is missing; run: apt-get install")
+
+    def test_no_network(self):
+        self.fake("dpkg-query", "echo installed cmake")
+        self.fake("id", "echo 0")
+        self.fake("apt-get", "echo 'E: Failed to fetch' >&2; exit 100")
+        done = self.run_kex("build")
+        self.assert_refused(done, "is there a network?", lines=2)
+        self.assertTrue(done.stderr.startswith("kex: installing "), done.stderr)
+
+    def test_missing_package(self):
+        self.fake("dpkg-query", "echo installed cmake")
+        self.fake("id", "echo 0")
+        self.fake("apt-get", "[ $1 = update ] || { echo 'E: Unable to locate package wine' >&2; exit 100; }")
+        self.assert_refused(self.run_kex("build"), "apt knows no package named wine", lines=2)
+
+    def test_no_debian(self):
+        # A folder with the tools that come before the question, and nothing else.
+        for tool in ("bash", "dirname", "readlink", "nproc", "env"):
+            (self.folder / tool).symlink_to(shutil.which(tool))
+        done = subprocess.run([ROOT / "kex", "build"], env={"PATH": str(self.folder)}, capture_output=True, text=True)
+        self.assert_refused(done, "this is no Debian machine")
+
+    def test_installs_nothing_that_is_there(self):
+        self.fake("apt-get", f"touch '{self.folder}/called'")
+        self.run_kex("run", "/no/such.exe")
+        self.assertFalse((self.folder / "called").exists())
+
+    def test_help(self):
+        done = self.run_kex("help")
+        self.assertEqual(done.returncode, 0)
+        self.assertTrue(done.stdout.startswith("kex: builds, tests, measures and shows kexlib\n"))
+        self.assertEqual(self.run_kex().stdout, done.stdout)
+
+
+class Session(unittest.TestCase):
+    """In a second checkout, while the first one's session, in which this test runs, goes on."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.root = Path(cls.enterClassContext(tempfile.TemporaryDirectory())) / "second checkout"
+        programs = cls.root / "build/mingw-release/bin"
+        shutil.copytree(ROOT / "scripts", cls.root / "scripts")
+        shutil.copytree(ROOT / "packaging", cls.root / "packaging")
+        shutil.copy(ROOT / "kex", cls.root)
+        programs.mkdir(parents=True)
+        for name in [*PROGRAMS.glob("*.dll"), PROGRAMS / "keeper.exe", PROGRAMS / "kexlib_host.exe"]:
+            shutil.copy(name, programs)
+        cls.programs = programs
+        cls.environment = {name: value for name, value in os.environ.items()
+                           if not name.startswith(("WINE", "KEX_")) and name != "DISPLAY"}
+
+    def start(self, program: str, *arguments: str) -> subprocess.Popen:
+        return subprocess.Popen(
+            [self.root / "kex", "run", self.programs / program, *arguments],
+            env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
+            preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+
+    def start_program_that_does_not_end(self) -> subprocess.Popen:
+        running = self.root / "running"
+        running.unlink(missing_ok=True)
+        process = self.start("keeper.exe", "Z:" + str(running).replace("/", "\\"))
+        self.assertTrue(self.becomes_true(running.exists, 60))
+        return process
+
+    def becomes_true(self, condition, seconds: float) -> bool:
+        end = time.monotonic() + seconds
+        while not condition():
+            if time.monotonic() > end:
+                return False
+            time.sleep(0.02)
+        return True
+
+    def processes_left(self) -> list[str]:
+        """What still runs with this checkout's Wine prefix in its environment."""
+        left = []
+        for process in Path("/proc").glob("[0-9]*"):
+            try:
+                if str(self.root).encode() in (process / "environ").read_bytes():
+                    left.append((process / "cmdline").read_bytes().replace(b"\0", b" ").decode())
+            except (PermissionError, FileNotFoundError, ProcessLookupError):
+                pass
+        return left
+
+    def test_program_that_ends(self):
+        process = self.start("kexlib_host.exe", "silent")
+        process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 7)
+        self.assertEqual(self.processes_left(), [])
+
+    def test_signals(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            with self.subTest(number.name):
+                process = self.start_program_that_does_not_end()
+                process.send_signal(number)
+                process.communicate(timeout=30)
+                self.assertEqual(process.returncode, 128 + number)
+                self.assertEqual(self.processes_left(), [])
+
+    def test_kill(self):
+        process = self.start_program_that_does_not_end()
+        process.kill()
+        process.wait()
+        self.assertTrue(self.becomes_true(lambda: not self.processes_left(), 20), self.processes_left())
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -1,0 +1,24 @@
+# Installs the package into an empty folder, builds the consumer against it and runs it.
+#   BUILD      the build tree        WORK       an empty folder's name
+#   TOOLCHAIN  its toolchain file    EMULATOR   what runs a program of it
+file(REMOVE_RECURSE ${WORK})
+file(MAKE_DIRECTORY ${WORK})
+
+function(run)
+  execute_process(COMMAND ${ARGN} WORKING_DIRECTORY ${WORK} COMMAND_ERROR_IS_FATAL ANY)
+endfunction()
+
+run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/installed)
+run(
+  ${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/build --toolchain ${TOOLCHAIN}
+  -Dkexlib_DIR=${WORK}/installed/lib/cmake/kexlib)
+run(${CMAKE_COMMAND} --build ${WORK}/build)
+
+# A program finds its libraries beside it.
+file(GLOB libraries ${WORK}/installed/bin/*.dll ${BUILD}/bin/lib*.dll)
+file(COPY ${libraries} DESTINATION ${WORK}/build)
+run(${EMULATOR} ${WORK}/build/consumer.exe)
+file(READ ${WORK}/consumer.js record)
+if(NOT record MATCHES "name: 'consumer'")
+  message(FATAL_ERROR "the consumer wrote: ${record}")
+endif()
