@@ -1,0 +1,10 @@
+# GoogleTest as GTest::gtest and GTest::gtest_main, built with our own toolchain and settings from the distribution's
+# sources where there are any.
+include(GoogleTest)
+if(EXISTS /usr/src/googletest)
+  set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+  set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+  add_subdirectory(/usr/src/googletest ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+else()
+  find_package(GTest REQUIRED)
+endif()
