@@ -4,7 +4,9 @@
 add_library(kexlib_settings INTERFACE)
 target_compile_features(kexlib_settings INTERFACE cxx_std_20)
 if(MSVC)
-  target_compile_options(kexlib_settings INTERFACE /W4 /WX /permissive- /utf-8 /Zc:__cplusplus)
+  # C4324: a class is padded because it is aligned, meant so where it is.
+  target_compile_options(kexlib_settings INTERFACE /W4 /WX /wd4324 /permissive- /utf-8 /Zc:__cplusplus)
+  target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
   target_compile_options(
     kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor

@@ -20,7 +20,7 @@ set_up_machine() {
   mkdir -p "$root/build"
   export DEBIAN_FRONTEND=noninteractive
   # shellcheck disable=SC2086
-  if ! { apt-get update && apt-get install -y --no-install-recommends $missing; } >"$log" 2>&1 </dev/null; then
+  if ! { apt-get update && apt-get -o DPkg::Lock::Timeout=600 install -y --no-install-recommends $missing; } >"$log" 2>&1 </dev/null; then
     local unknown
     unknown=$(sed -n 's/^E: Unable to locate package //p' "$log" | paste -sd ' ')
     [ -z "$unknown" ] || fail "apt knows no package named $unknown (see build/setup.log)."

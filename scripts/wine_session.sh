@@ -32,7 +32,7 @@ wait_until() {
   done
 }
 
-# Starts a program that must not outlive this shell nor hold its pipes or its lock.
+# Starts a program that must not outlive this shell nor hold its pipes or its lock (file 9).
 start_companion() {
   setsid setpriv --pdeathsig KILL "$@" </dev/null >/dev/null 2>&1 9>&- &
 }
@@ -81,14 +81,10 @@ stop_wine() {
   timeout 20 wineserver -w >/dev/null 2>&1 9>&- || true
 }
 
-# From here to the end of the command Wine can run programs. One command at a time in one checkout.
+# From here to the end of the command Wine can run programs.
 start_session() {
+  lock_checkout
   mkdir -p "$session_folder"
-  exec 9>"$session_folder/lock"
-  if ! flock --nonblock 9; then
-    say "waiting for another ./kex of this checkout to end"
-    flock 9
-  fi
   trap stop_session EXIT
   trap 'exit 129' HUP
   trap 'exit 130' INT

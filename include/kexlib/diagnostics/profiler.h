@@ -29,7 +29,7 @@
 //
 // Errors. None is ever reported and nothing is thrown, but for std::bad_alloc when there is no memory left.
 //
-// Unloading. Is profiling still on when kexlib.dll is unloaded (at the end of the process or by FreeLibrary), the
+// Unloading. If profiling is still on when kexlib.dll is unloaded (at the end of the process or by FreeLibrary), the
 // record goes to "profiler.js" in the current directory. TerminateProcess runs no unloading and writes nothing.
 #ifndef KEXLIB_DIAGNOSTICS_PROFILER_H
 #define KEXLIB_DIAGNOSTICS_PROFILER_H
@@ -38,8 +38,8 @@
 
 #include <string>
 
-/// Switches profiling on. The time base is taken anew at the next begin. Is it on already, nothing changes: record and
-/// time base are kept.
+/// Switches profiling on. The time base is taken anew at the next begin. If it is on already, nothing changes: the record
+/// and the time base are kept.
 KEXLIB_API void kex_start_profiling();
 
 /// Opens the block `name` on the calling thread, inside the innermost block that the thread has open. Ignored while
@@ -53,15 +53,15 @@ KEXLIB_API void kex_begin_block(const std::string& name);
 /// kex_start_profiling() and then kex_begin_block(name): the first such call switches profiling on.
 KEXLIB_API void kex_begin_block_with_auto_start(const std::string& name);
 
-/// Closes the innermost open block of the calling thread, whatever its name. Is none open, the call is ignored (though
-/// the thread will stand in the record). Ignored while profiling is off.
+/// Closes the innermost open block of the calling thread, whatever its name. If none is open, the call is ignored, though
+/// the thread will stand in the record. Ignored while profiling is off.
 KEXLIB_API void kex_end_block();
 
 /// Switches profiling off, writes the record to the file `path` and forgets the record. While profiling is off nothing
 /// happens, and no file is made.
 ///
 /// `path` is used as it is, in the ANSI code page, relative to the current directory unless it is absolute; a file that
-/// is there is overwritten, and others may read and write it meanwhile. Can it not be opened, nothing is written; the
+/// is there is overwritten, and others may read and write it meanwhile. If it cannot be opened, nothing is written; the
 /// record is gone all the same.
 ///
 /// The file is text with CR LF line ends, in the "C" locale whatever locale is set, and declares one variable:

@@ -7,7 +7,7 @@
 // The file is "QZFileTrace_DDMMYYYY_HHMMSS_N.txt" in the user's desktop folder (SHGetFolderPathA), or in "C:\" if there
 // is none: local time, N counted up from 0 until no file of that name exists. It is made when the first line is traced,
 // is complete up to the last line whenever one looks, and ends in a footer with the time at which it was closed. Others
-// may read and write it meanwhile. Is it still open when kexlib.dll is unloaded, it is closed with its footer.
+// may read and write it meanwhile. If it is still open when kexlib.dll is unloaded, it is closed with its footer.
 //
 // Errors. None is ever reported and nothing is thrown. A line that finds the file closed and cannot make it is lost;
 // the next line tries again, with a new name.
@@ -43,8 +43,8 @@ class KEXLIB_API CTraceToFile {
   /// than 511 characters is cut there. A null `format` is ignored.
   void Trace(const char* format, ...) KEXLIB_PRINTF(2, 3);
 
-  /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. Is none open,
-  /// nothing happens. The next traced line makes a new file.
+  /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. If none is
+  /// open, nothing happens. The next traced line makes a new file.
   void CloseFile();
 
   /// The mode of g_traceToFile.
