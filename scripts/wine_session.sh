@@ -8,7 +8,6 @@
 prefix_recipe=1 # raise it when prepare_prefix changes: older prefixes are made anew
 
 session_folder=$root/build/session
-session_program=
 export WINEPREFIX=$root/build/wine WINEARCH=win64
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
@@ -21,13 +20,13 @@ windows_path() {
   echo "Z:${1//\//\\}"
 }
 
-# Lets CONDITION (a command) become true within SECONDS, looking every 20 ms.
+# wait_until SECONDS PROCESS CONDITION...: lets a condition become true, looking every 20 ms; not when PROCESS has ended.
 wait_until() {
-  local left=$(($1 * 50))
-  shift
+  local left=$(($1 * 50)) process=$2
+  shift 2
   until "$@"; do
     left=$((left - 1))
-    [ $left -gt 0 ] || return 1
+    [ $left -gt 0 ] && kill -0 "$process" 2>/dev/null || return 1
     sleep 0.02
   done
 }
@@ -42,7 +41,7 @@ start_display() {
   rm -f "$number"
   start_companion sh -c 'exec 3>"$1"; exec Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -noreset' sh "$number"
   display_process=$!
-  wait_until 20 test -s "$number" || fail "the display server Xvfb did not start."
+  wait_until 20 $! test -s "$number" || fail "the display server Xvfb did not start."
   DISPLAY=:$(cat "$number")
   export DISPLAY
 }
@@ -73,7 +72,7 @@ start_keeper() {
   local ready=$session_folder/keeper-ready
   rm -f "$ready"
   start_companion wine "$programs/keeper.exe" "$(windows_path "$ready")"
-  wait_until 60 test -e "$ready" || fail "Wine did not start."
+  wait_until 60 $! test -e "$ready" || fail "Wine did not start."
 }
 
 stop_wine() {
@@ -85,10 +84,7 @@ stop_wine() {
 start_session() {
   lock_checkout
   mkdir -p "$session_folder"
-  trap stop_session EXIT
-  trap 'exit 129' HUP
-  trap 'exit 130' INT
-  trap 'exit 143' TERM
+  session_started=1
   stop_wine
   start_display
   prepare_prefix
@@ -98,18 +94,7 @@ start_session() {
 }
 
 stop_session() {
-  trap '' HUP INT TERM
-  [ -z "$session_program" ] || kill "$session_program" 2>/dev/null || true
+  [ -n "${session_started:-}" ] || return 0
   stop_wine
   [ -z "${display_process:-}" ] || { kill "$display_process" && wait "$display_process"; } 2>/dev/null || true
-}
-
-# Runs a command in the session and gives its status. It runs beside this shell, so that a signal ends both at once.
-in_session() {
-  local status=0
-  "$@" <&0 9>&- &
-  session_program=$!
-  wait "$session_program" || status=$?
-  session_program=
-  return $status
 }

@@ -106,15 +106,36 @@ class NestedMaps {
   std::unordered_map<DWORD, Thread> threads_;
 };
 
-class FileSink final : public kexlib::ByteSink {
- public:
-  explicit FileSink(const char* path) : file_(kexlib::text_file::open(path, kexlib::text_file::Start::Truncated)) {}
-  ~FileSink() { kexlib::text_file::close(file_); }
-  void write(std::string_view text) override { kexlib::text_file::write(file_, text); }
+// Opens a file, lets `write` fill it, and closes it.
+template <class Write>
+void write_file_by(const char* path, Write write) {
+  namespace text_file = kexlib::text_file;
+  const text_file::Handle file = text_file::open(path, text_file::Start::Truncated);
+  text_file::Sink sink(file);
+  write(sink);
+  text_file::close(file);
+}
 
- private:
-  kexlib::text_file::Handle file_;
-};
+#ifdef BENCH_WITH_PEERS
+void write_with_fmt(const kexlib::ProfileRecord& record, kexlib::ByteSink& sink) {
+  constexpr std::size_t piece = 60000;
+  fmt::memory_buffer text;
+  const kexlib::Block* block = record.first_thread()->first_block();
+  for (; block; block = block->next_sibling())
+    for (auto* chunk = block->first_chunk(); chunk; chunk = chunk->next.get())
+      for (std::uint32_t i = 0; i < chunk->count.get(); ++i) {
+        const kexlib::Interval& interval = chunk->intervals()[i];
+        fmt::format_to(std::back_inserter(text), FMT_COMPILE("{{b: {:.6g}, e: {:.6g}}},"),
+                       static_cast<double>(interval.begin) * 1000.0 / 1e7,
+                       static_cast<double>(interval.end) * 1000.0 / 1e7);
+        if (text.size() > piece) {
+          sink.write({text.data(), text.size()});
+          text.clear();
+        }
+      }
+  sink.write({text.data(), text.size()});
+}
+#endif
 
 // A million intervals of eight blocks under one, as a real run has them: some microseconds to milliseconds apart.
 template <class Record>
@@ -192,56 +213,31 @@ void measure_record() {
 
   static std::string bytes;
   bench::Comparison writing("a record of a million intervals, written to a file, each interval", 9);
-  writing.add("library", [] {
-    return bench::nanoseconds_each(1,
-                                   [] {
-                                     FileSink sink("ours.js");
-                                     kexlib::write_profile(record, 1e7, sink);
-                                   }) /
-           1e6;
+  const auto nanoseconds_an_interval = [](auto work) { return bench::nanoseconds_each(1, work) / 1e6; };
+  writing.add("library", [=] {
+    return nanoseconds_an_interval(
+        [] { write_file_by("ours.js", [](auto& sink) { kexlib::write_profile(record, 1e7, sink); }); });
   });
-  writing.add("std::ofstream <<", [] {
-    return bench::nanoseconds_each(1,
-                                   [] {
-                                     std::ofstream stream("stream.js");
-                                     simple.write(stream, 1e7);
-                                   }) /
-           1e6;
+  writing.add("std::ofstream <<", [=] {
+    return nanoseconds_an_interval([] {
+      std::ofstream stream("stream.js");
+      simple.write(stream, 1e7);
+    });
   });
 #ifdef BENCH_WITH_PEERS
-  writing.add("fmt, compiled format, intervals only", [] {
-    return bench::nanoseconds_each(1,
-                                   [] {
-                                     FileSink sink("fmt.js");
-                                     fmt::memory_buffer text;
-                                     const kexlib::Block* block = record.first_thread()->first_block();
-                                     for (; block; block = block->next_sibling())
-                                       for (auto* chunk = block->first_chunk(); chunk; chunk = chunk->next.get())
-                                         for (std::uint32_t i = 0; i < chunk->count.get(); ++i) {
-                                           const kexlib::Interval& interval = chunk->intervals()[i];
-                                           fmt::format_to(std::back_inserter(text),
-                                                          FMT_COMPILE("{{b: {:.6g}, e: {:.6g}}},"),
-                                                          static_cast<double>(interval.begin) * 1000.0 / 1e7,
-                                                          static_cast<double>(interval.end) * 1000.0 / 1e7);
-                                           if (text.size() > 60 * 1024)
-                                             sink.write({text.data(), text.size()}), text.clear();
-                                         }
-                                     sink.write({text.data(), text.size()});
-                                   }) /
-           1e6;
+  writing.add("fmt, compiled format, intervals only", [=] {
+    return nanoseconds_an_interval([] { write_file_by("fmt.js", [](auto& sink) { write_with_fmt(record, sink); }); });
   });
 #endif
-  writing.add("the ready bytes with one call", [] {
+  writing.add("the ready bytes with one call", [=] {
     if (bytes.empty()) bytes = read_file("ours.js");
-    return bench::nanoseconds_each(1,
-                                   [] {
-                                     const HANDLE file = CreateFileA("raw.js", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                                                     FILE_ATTRIBUTE_NORMAL, nullptr);
-                                     DWORD written;
-                                     WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
-                                     CloseHandle(file);
-                                   }) /
-           1e6;
+    return nanoseconds_an_interval([] {
+      const HANDLE file =
+          CreateFileA("raw.js", GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+      DWORD written;
+      WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+      CloseHandle(file);
+    });
   });
   writing.run();
   bench::at_least("T5", 8, writing.ratio("std::ofstream <<", "library"), "times as fast as std::ofstream <<");

@@ -13,15 +13,11 @@ namespace kexlib {
 // `Platform` tells thread and time: static std::uint32_t thread_id() and static std::int64_t now(), in ticks. Tests and
 // benchmarks bring their own.
 //
-// The switch and the time base are read without ordering: callers keep start and stop apart from other calls.
+// The switch and the time base are read without ordering: callers keep a stop apart from other calls.
 template <class Platform>
 class BlockRecorder {
  public:
-  void start() {
-    if (enabled_.load(std::memory_order_relaxed)) return;
-    base_.store(0, std::memory_order_relaxed);
-    enabled_.store(true, std::memory_order_relaxed);
-  }
+  void start() { enabled_.store(true, std::memory_order_relaxed); }
 
   void begin(std::string_view name) {
     if (!enabled_.load(std::memory_order_relaxed)) return;
@@ -38,7 +34,12 @@ class BlockRecorder {
   }
 
   // Switches off; tells whether it was on. The record stays until it is cleared.
-  bool stop() { return enabled_.exchange(false, std::memory_order_relaxed); }
+  bool stop() {
+    if (!enabled_.exchange(false, std::memory_order_relaxed)) return false;
+    // Here rather than at the start: the first scopes of several threads may start at once.
+    base_.store(0, std::memory_order_relaxed);
+    return true;
+  }
 
   ProfileRecord& record() { return record_; }
 

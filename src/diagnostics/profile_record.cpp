@@ -1,6 +1,7 @@
 #include <diagnostics/profile_record.h>
 
 #include <algorithm>
+#include <bit>
 #include <new>
 
 namespace kexlib {
@@ -31,13 +32,14 @@ void BlockIndex::grow(Arena& arena) {
   std::fill_n(slots, capacity, Slot{});
   const Slot* const old_slots = std::exchange(slots_, slots);
   const std::size_t old_capacity = std::exchange(capacity_, capacity);
+  shift_ = 64 - std::countr_zero(capacity);
   for (std::size_t i = 0; i < old_capacity; ++i)
     if (old_slots[i].block) put(old_slots[i]);
 }
 
 void BlockIndex::put(Slot slot) {
   const std::size_t mask = capacity_ - 1;
-  std::size_t at = slot.hash & mask;
+  std::size_t at = home(slot.hash);
   while (slots_[at].block) at = (at + 1) & mask;
   slots_[at] = slot;
 }

@@ -106,9 +106,13 @@ class BlockIndex {
   void grow(Arena& arena);
   void put(Slot slot);
 
+  // Where a search begins: at the high bits of the hash, to which every byte of a name comes through.
+  std::size_t home(std::uint64_t hash) const { return static_cast<std::size_t>(hash >> shift_); }
+
   Slot* slots_ = nullptr;
   std::size_t capacity_ = 0;  // a power of two, or nothing yet
   std::size_t count_ = 0;
+  int shift_ = 64;  // by which a hash becomes a number below the capacity
 };
 
 // A name under one parent. The top-level blocks of a thread have its root as parent.
@@ -254,26 +258,28 @@ inline bool equal(std::string_view a, std::string_view b) {
   return load(p + size - 8, 8) == load(q + size - 8, 8);
 }
 
+// Spreads a number over all bits of another one. The multiplier is 2^64 by the golden ratio; it carries each bit to the
+// higher ones, the shift carries those back.
+inline std::uint64_t mix(std::uint64_t value) {
+  value *= 0x9E3779B97F4A7C15;
+  return value ^ value >> 32;
+}
+
 }  // namespace bytes
 
 inline std::uint64_t BlockIndex::hash(std::string_view name) {
-  constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;  // 2^64 by the golden ratio
-  const auto mix = [](std::uint64_t value) {
-    value *= multiplier;
-    return value ^ value >> 32;
-  };
   const char* const data = name.data();
   const std::size_t size = name.size();
-  std::uint64_t hash = size * multiplier;
-  if (size < 8) return mix(hash ^ bytes::load(data, size));
-  for (std::size_t at = 0; at + 8 < size; at += 8) hash = mix(hash ^ bytes::load(data + at, 8));
-  return mix(hash ^ bytes::load(data + size - 8, 8));
+  std::uint64_t hash = bytes::mix(size);
+  if (size < 8) return bytes::mix(hash ^ bytes::load(data, size));
+  for (std::size_t at = 0; at + 8 < size; at += 8) hash = bytes::mix(hash ^ bytes::load(data + at, 8));
+  return bytes::mix(hash ^ bytes::load(data + size - 8, 8));
 }
 
 inline Block* BlockIndex::find(std::uint64_t hash, std::string_view name) const {
   if (capacity_ == 0) return nullptr;
   const std::size_t mask = capacity_ - 1;
-  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
+  for (std::size_t at = home(hash);; at = (at + 1) & mask) {
     const Slot& slot = slots_[at];
     if (!slot.block) return nullptr;
     if (slot.hash == hash && bytes::equal(slot.block->name(), name)) return slot.block;

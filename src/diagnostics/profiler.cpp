@@ -29,21 +29,12 @@ double ticks_per_second() {
   return static_cast<double>(frequency.QuadPart);
 }
 
-class FileSink final : public ByteSink {
- public:
-  explicit FileSink(text_file::Handle file) : file_(file) {}
-  void write(std::string_view text) override { text_file::write(file_, text); }
-
- private:
-  const text_file::Handle file_;
-};
-
 }  // namespace
 
 bool ProfilerState::stop_into(const char* path) {
   if (!stop()) return false;
   if (const text_file::Handle file = text_file::open(path, text_file::Start::Truncated)) {
-    FileSink sink(file);
+    text_file::Sink sink(file);
     write_profile(record(), ticks_per_second(), sink);
     text_file::close(file);
   }

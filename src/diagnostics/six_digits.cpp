@@ -27,9 +27,9 @@ constexpr DigitPairs digit_pairs;
 
 }  // namespace
 
-// Nearly all times are between a ten-thousandth and a million milliseconds. Those are scaled to a number of six digits,
-// which is right unless the scaled value lies so near to the middle between two numbers that the error of the scaling
-// (below 1e-9) could decide: then, and outside that range, the exact and slower way is taken.
+// Nearly all times are between a ten-thousandth and a million milliseconds. Those are scaled to a number of six digits.
+// The scales are exact and the product is rounded once, so it never crosses the middle between two numbers, but it may
+// come to lie on it: then, and outside that range, the exact and slower way is taken.
 char* write_six_digits(char* out, double value) {
   constexpr double scales[] = {1e5, 1e4, 1e3, 1e2, 1e1, 1e0};  // by the digits before the point, less one
   if (!(value >= 1e-4 && value < 999999.0)) {
@@ -55,7 +55,7 @@ char* write_six_digits(char* out, double value) {
 
   auto number = static_cast<std::uint32_t>(scaled);
   const double fraction = scaled - number;
-  if (fraction > 0.5 - 1e-7 && fraction < 0.5 + 1e-7) return write_exactly(out, value);
+  if (fraction == 0.5) return write_exactly(out, value);
   number += fraction > 0.5;
   if (number == 1000000) {
     number = 100000;

@@ -5,6 +5,8 @@
 #ifndef KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 #define KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 
+#include <diagnostics/byte_sink.h>
+
 #include <string_view>
 
 namespace kexlib::text_file {
@@ -20,6 +22,16 @@ Handle open(const char* path, Start start);
 void write(Handle file, std::string_view text);
 
 void close(Handle file);
+
+// Writes into an open file, which stays the caller's.
+class Sink final : public ByteSink {
+ public:
+  explicit Sink(Handle file) : file_(file) {}
+  void write(std::string_view text) override { text_file::write(file_, text); }
+
+ private:
+  const Handle file_;
+};
 
 }  // namespace kexlib::text_file
 

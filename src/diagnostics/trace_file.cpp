@@ -16,7 +16,7 @@ using namespace kexlib;
 
 namespace {
 
-// Local time by a strftime pattern; empty if it does not fit.
+// Local time by a strftime pattern; empty if there is none or it does not fit.
 template <std::size_t size>
 void format_local_time(char (&text)[size], const char* pattern) {
   const __time64_t now = _time64(nullptr);
@@ -39,12 +39,10 @@ void CTraceToFile::Trace(const char* format, ...) {
   if (mode_ == TraceOff || !format) return;
 
   char text[512];
-  text[0] = '\0';
   std::va_list arguments;
   va_start(arguments, format);
-  std::vsnprintf(text, sizeof text, format, arguments);
+  if (std::vsnprintf(text, sizeof text, format, arguments) < 0) text[0] = '\0';
   va_end(arguments);
-  text[sizeof text - 1] = '\0';
 
   if (mode_ & TraceToFile) {
     if (!file_) OpenFile();

@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <diagnostics/block_recorder.h>
+#include <support/record_text.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cstring>
 #include <set>
 #include <string>
 #include <thread>
@@ -27,17 +30,19 @@ std::vector<std::int64_t> begins_of(const Block& block) {
   return begins;
 }
 
-// A record that is cleared at its end, as the library's own is at unload.
-struct OwnRecord : ProfileRecord {
-  ~OwnRecord() { clear(); }
-};
-
-// A platform whose thread and time the test sets.
+// A platform whose thread and time the test sets, and which tells in which order it was asked.
 struct ScriptedPlatform {
-  static std::uint32_t thread_id() { return id; }
-  static std::int64_t now() { return time; }
+  static std::uint32_t thread_id() {
+    asked += "thread ";
+    return id;
+  }
+  static std::int64_t now() {
+    asked += "time ";
+    return time;
+  }
   static inline std::uint32_t id;
   static inline std::int64_t time;
+  static inline std::string asked;
 };
 
 TEST(Arena, GivesAlignedPiecesOfAnySizeThatKeepTheirBytes) {
@@ -79,6 +84,43 @@ TEST(BlockIndex, ComparesEveryByteOfNamesOfEveryLength) {
       EXPECT_FALSE(bytes::equal(name, other)) << length << " " << i;
     }
   }
+}
+
+// Two names of equal hash: the second half of the other one is chosen so that the mixing ends the same.
+TEST(BlockIndex, ComparesTheNamesWhereTheirHashesAreEqual) {
+  const auto state_after = [](const char* first_half) {
+    return bytes::mix(bytes::mix(16) ^ bytes::load(first_half, 8));
+  };
+  const std::string name = "AAAAAAAABBBBBBBB";
+  std::string other = "CCCCCCCC????????";
+  const std::uint64_t second_half = bytes::load("BBBBBBBB", 8) ^ state_after("AAAAAAAA") ^ state_after("CCCCCCCC");
+  std::memcpy(other.data() + 8, &second_half, 8);
+  ASSERT_EQ(BlockIndex::hash(name), BlockIndex::hash(other));
+  ThreadRecord thread(1);
+  for (const std::string& begun : {name, other, name}) {
+    thread.begin(begun, 1);
+    thread.end(2);
+  }
+  EXPECT_EQ(names_of(thread.first_block()), (std::vector<std::string>{name, other}));
+}
+
+// The index takes the high bits of the hash. Names that differ in one or two characters at any place must spread over
+// it, or a begin walks along all of them.
+TEST(BlockIndex, SpreadsNamesThatDifferInTwoCharacters) {
+  constexpr int bits = 13;
+  const std::string characters = "0123456789abcdefghijABCDEFGHIJ";
+  for (std::size_t length = 2; length <= 24; ++length)
+    for (std::size_t place = 0; place + 2 <= length; ++place) {
+      std::set<std::uint64_t> homes;
+      std::string name(length, 'x');
+      for (const char first : characters)
+        for (const char second : characters) {
+          name[place] = first;
+          name[place + 1] = second;
+          homes.insert(BlockIndex::hash(name) >> (64 - bits));
+        }
+      EXPECT_GT(homes.size(), characters.size() * characters.size() * 3 / 4) << length << " " << place;
+    }
 }
 
 TEST(ThreadRecord, KeepsOneBlockForAnameUnderOneParentInOrderOfFirstBegin) {
@@ -179,6 +221,39 @@ TEST(ProfileRecord, TakesThreadsThatStartAtTheSameTime) {
   EXPECT_EQ(found.size(), threads * ids_of_each);
 }
 
+// At the end of a process a record is written whose thread was stopped anywhere. Here it goes on meanwhile: whatever is
+// reachable must be complete.
+TEST(ProfileRecord, IsWholeAtEveryInstant) {
+  OwnRecord record;
+  constexpr std::int64_t rounds = 20000;
+  std::atomic<bool> ended{false};
+  std::thread owner([&] {
+    ThreadRecord& thread = record.thread(4);
+    for (std::int64_t i = 1; i <= rounds; ++i) {
+      thread.begin("same", i);
+      thread.end(i);
+      thread.begin("name " + std::to_string(i), i);
+      thread.end(i);
+    }
+    ended = true;
+  });
+  std::int64_t seen = 0;
+  while (!ended) {
+    const ThreadRecord* const thread = record.first_thread();
+    if (!thread || !thread->first_block()) continue;
+    std::int64_t last = 0;
+    for (const std::int64_t begin : begins_of(*thread->first_block())) {
+      ASSERT_EQ(begin, last + 1);
+      last = begin;
+    }
+    ASSERT_GE(last, seen);
+    seen = last;
+    for (const Block* block = thread->first_block(); block; block = block->next_sibling())
+      ASSERT_TRUE(block->name() == "same" || block->name().starts_with("name "));
+  }
+  owner.join();
+}
+
 TEST(ProfileRecord, IsEmptyAfterClearingAndUsableAgain) {
   OwnRecord record;
   record.thread(4).begin("a", 1);
@@ -190,7 +265,11 @@ TEST(ProfileRecord, IsEmptyAfterClearingAndUsableAgain) {
 
 class BlockRecorderTest : public testing::Test {
  protected:
-  BlockRecorderTest() { ScriptedPlatform::id = 4, ScriptedPlatform::time = 1000; }
+  BlockRecorderTest() {
+    ScriptedPlatform::id = 4;
+    ScriptedPlatform::time = 1000;
+    ScriptedPlatform::asked.clear();
+  }
   ~BlockRecorderTest() override { recorder_.record().clear(); }
 
   void begin_at(std::int64_t time, const std::string& name) {
@@ -232,6 +311,16 @@ TEST_F(BlockRecorderTest, TakesANewTimeBaseAfterAStop) {
   recorder_.start();
   begin_at(5000, "a");
   EXPECT_EQ(begins_of(*recorder_.record().first_thread()->first_block()), std::vector<std::int64_t>{0});
+}
+
+TEST_F(BlockRecorderTest, AsksForTheThreadAndThenForTheTimeOnceEach) {
+  recorder_.begin("a");
+  EXPECT_EQ(ScriptedPlatform::asked, "");
+  recorder_.start();
+  recorder_.begin("a");
+  EXPECT_EQ(ScriptedPlatform::asked, "thread time ");
+  recorder_.end();
+  EXPECT_EQ(ScriptedPlatform::asked, "thread time thread time ");
 }
 
 TEST_F(BlockRecorderTest, RecordsAThreadThatOnlyEnds) {

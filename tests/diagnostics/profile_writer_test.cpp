@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <diagnostics/six_digits.h>
 #include <support/record_text.h>
 
 #include <locale>
@@ -12,10 +13,6 @@
 using namespace kexlib;
 
 namespace {
-
-struct OwnRecord : ProfileRecord {
-  ~OwnRecord() { clear(); }
-};
 
 TEST(ProfileWriter, WritesAnEmptyRecord) {
   OwnRecord record;
@@ -70,8 +67,25 @@ TEST(ProfileWriter, WritesNamesAsTheyAre) {
   EXPECT_NE(written(record).find("      name: '" + name + "',\n"), std::string::npos);
 }
 
+// Where a time lies in the middle between two texts, the other order gives the other one now and then.
 TEST(ProfileWriter, MultipliesTicksBeforeItDivides) {
-  // 7 ticks of 3 in a second are 2333.33 either way; the last digits differ where the division comes first.
+  const auto text_of = [](double milliseconds) {
+    char text[six_digits_size];
+    return std::string(text, write_six_digits(text, milliseconds));
+  };
+  int different = 0;
+  for (std::int64_t ticks = 1000005; ticks < 1100000; ticks += 10) {
+    const std::string expected = text_of(static_cast<double>(ticks) * 1000.0 / 1e7);
+    if (text_of(static_cast<double>(ticks) / 1e7 * 1000.0) == expected) continue;
+    ++different;
+    OwnRecord record;
+    record.thread(4).begin("a", ticks);
+    ASSERT_NE(written(record, 1e7).find("{b: " + expected + ", e: 0},"), std::string::npos) << ticks;
+  }
+  EXPECT_GT(different, 100);
+}
+
+TEST(ProfileWriter, TakesCountersOfAnyFrequency) {
   for (const double frequency : {1e6, 3579545.0, 1e7, 24e6, 2.9e9})
     for (const std::int64_t ticks : {std::int64_t{1}, std::int64_t{123456789}, std::int64_t{9007199254740993}}) {
       OwnRecord record;

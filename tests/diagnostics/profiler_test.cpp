@@ -296,6 +296,12 @@ TEST_F(Profiler, WritesToAFileThatOthersHaveOpen) {
   CloseHandle(reader);
 }
 
+TEST_F(Profiler, ClosesTheFile) {
+  kex_start_profiling();
+  stop();
+  EXPECT_TRUE(DeleteFileA("record.js"));
+}
+
 TEST_F(Profiler, PrintsPointsWhateverLocaleIsSet) {
   const std::string previous = std::setlocale(LC_ALL, nullptr);
   ASSERT_NE(std::setlocale(LC_ALL, "German"), nullptr);

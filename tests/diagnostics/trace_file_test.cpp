@@ -98,6 +98,42 @@ TEST_F(TraceFileOnDesktop, SendsTheSameTextToBoth) {
   EXPECT_EQ(traced(), "a\r\nb");
 }
 
+TEST_F(TraceFileOnDesktop, WritesTheFileBeforeItTellsTheDebugger) {
+  std::string in_file;
+  DebuggerOutput debugger([&] { in_file = only_file(); });
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebuggerAndFile);
+  g_traceToFile.Trace("text");
+  EXPECT_EQ(in_file, "text");
+}
+
+TEST_F(TraceFileOnDesktop, IsMadeByAnEmptyTextToo) {
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  g_traceToFile.Trace("%s", "");
+  EXPECT_EQ(trace_files().size(), 1u);
+  EXPECT_EQ(only_file(), "");
+}
+
+// Machines that run tests are on universal time, where a wrong choice would not show.
+TEST_F(TraceFileOnDesktop, TellsLocalTime) {
+  _putenv("TZ=KEX-05:30");
+  _tzset();
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  g_traceToFile.Trace("text");
+  g_traceToFile.CloseFile();
+  const std::string name = trace_files()[0];
+  const std::string text = only_file();
+  const bool name_is_local = is_time_since(start_, name, "QZFileTrace_%d%m%Y_%H%M%S_0.txt");
+  const bool footer_is_local = is_time_since(start_, text.substr(8), "File closed at %d/%m/%Y %H:%M:%S");
+  char universal[64];
+  std::strftime(universal, sizeof universal, "%H%M", std::gmtime(&start_));
+  const std::string local = local_time(start_, "%H%M");
+  _putenv("TZ=");
+  _tzset();
+  ASSERT_NE(local, universal);
+  EXPECT_TRUE(name_is_local) << name;
+  EXPECT_TRUE(footer_is_local) << text;
+}
+
 TEST_F(TraceFileOnDesktop, IsMadeByTheFirstLineWithItsTimeAndACounter) {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
   EXPECT_EQ(trace_files().size(), 0u);
@@ -226,6 +262,16 @@ TEST_F(TraceFileOnDesktop, FormatsInTheLocaleThatIsSet) {
   g_traceToFile.Trace("%.1f", 1.5);
   std::setlocale(LC_ALL, previous.c_str());
   EXPECT_EQ(debugger.texts()[0], "1,5");
+}
+
+// Run-time libraries differ: some give what comes before, some nothing.
+TEST_F(TraceFileOnDesktop, CutsOrDropsATextThatCannotBeFormatted) {
+  DebuggerOutput debugger;
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebugger);
+  const wchar_t unpaired[] = {0xD800, 0};
+  g_traceToFile.Trace("before %ls", unpaired);
+  ASSERT_EQ(debugger.texts().size(), 1u);
+  EXPECT_TRUE(debugger.texts()[0] == "before " || debugger.texts()[0].empty()) << debugger.texts()[0];
 }
 
 TEST_F(TraceFileOnDesktop, IgnoresANullFormat) {

@@ -47,6 +47,7 @@ class Refusals(unittest.TestCase):
 
     def test_run_of_a_missing_program(self):
         self.assert_refused(self.run_kex("run", "/no/such.exe"), "there is no program '/no/such.exe'")
+        self.assert_refused(self.run_kex("run", "/tmp/"), "there is no program '/tmp/'")
 
     def test_missing_packages_without_root(self):
         self.fake("dpkg-query", "echo installed cmake")
@@ -104,10 +105,14 @@ class Session(unittest.TestCase):
                            if not name.startswith(("WINE", "KEX_")) and name != "DISPLAY"}
 
     def start(self, program: str, *arguments: str) -> subprocess.Popen:
-        return subprocess.Popen(
+        process = subprocess.Popen(
             [self.root / "kex", "run", self.programs / program, *arguments],
             env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True,
             preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_DFL))
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.wait, 60)
+        self.addCleanup(process.terminate)
+        return process
 
     def start_program_that_does_not_end(self) -> subprocess.Popen:
         running = self.root / "running"
@@ -137,18 +142,48 @@ class Session(unittest.TestCase):
 
     def test_program_that_ends(self):
         process = self.start("kexlib_host.exe", "silent")
-        process.communicate(timeout=60)
-        self.assertEqual(process.returncode, 7)
+        self.assertEqual(process.wait(60), 7)
         self.assertEqual(self.processes_left(), [])
+        prefix = self.root / "build/wine"
+        self.assertTrue((prefix / "system.reg").exists())
+        desktops = list(prefix.glob("drive_c/users/*/Desktop"))
+        self.assertNotEqual(desktops, [])
+        self.assertFalse(any(desktop.is_symlink() for desktop in desktops))
 
     def test_signals(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             with self.subTest(number.name):
                 process = self.start_program_that_does_not_end()
                 process.send_signal(number)
-                process.communicate(timeout=30)
-                self.assertEqual(process.returncode, 128 + number)
+                self.assertEqual(process.wait(60), 128 + number)
                 self.assertEqual(self.processes_left(), [])
+
+    def test_second_command_in_one_checkout(self):
+        first = self.start_program_that_does_not_end()
+        second = self.start("kexlib_host.exe", "silent")
+        self.assertEqual(second.stdout.readline(), "kex: waiting for another ./kex of this checkout to end\n")
+        first.terminate()
+        self.assertEqual(first.wait(60), 143)
+        self.assertEqual(second.wait(60), 7)
+
+    def test_display_that_does_not_start(self):
+        programs = self.root / "programs"
+        programs.mkdir()
+        (programs / "Xvfb").symlink_to("/bin/false")
+        done = subprocess.run([self.root / "kex", "run", self.programs / "kexlib_host.exe", "silent"],
+                              env=self.environment | {"PATH": f"{programs}:{os.environ['PATH']}"},
+                              capture_output=True, text=True, timeout=10)
+        self.assertEqual((done.returncode, done.stderr), (2, "kex: the display server Xvfb did not start.\n"))
+
+    def test_build_folder_that_cannot_be_written_to(self):
+        root = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        for name in ("kex", "scripts", "packaging"):
+            (root / name).symlink_to(self.root / name)
+        (root / "kex").unlink()
+        shutil.copy(self.root / "kex", root)
+        (root / "build").touch()
+        done = subprocess.run([root / "kex", "build"], env=self.environment, capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stderr), (2, "kex: the folder build cannot be written to.\n"))
 
     def test_kill(self):
         process = self.start_program_that_does_not_end()

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <support/crash_report.h>
+
 #include <atomic>
 #include <cstdlib>
 #include <string>
@@ -24,9 +26,15 @@ void keep_profiling(std::atomic<bool>& running) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  report_crashes();
   const std::string ending = argc > 1 ? argv[1] : "";
 
   if (ending == "silent") return exit_code;
+  if (ending == "crash") {
+    std::thread([] {}).join();
+    volatile int* volatile nowhere = nullptr;
+    *nowhere = 1;
+  }
 
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
   g_traceToFile.Trace("%s\n", ending.c_str());

@@ -1,8 +1,18 @@
 // A plug-in that is the only user of kexlib in its program: when it is freed, kexlib is unloaded.
 #include <kexlib/diagnostics.h>
 
+#include <string>
+
 extern "C" __declspec(dllexport) void run_plugin() {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
   g_traceToFile.Trace("plug-in\n");
   kexProfileScope scope("plug-in");
+}
+
+// More than three megabytes of record that nobody writes to a file by stopping.
+extern "C" __declspec(dllexport) void profile_much() {
+  kexProfileScope scope("plug-in");
+  for (int i = 0; i < 200000; ++i) {
+    kexProfileScope inner("inner");
+  }
 }

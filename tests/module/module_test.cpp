@@ -5,6 +5,7 @@
 
 #include <kexlib/version.h>
 #include <support/child_process.h>
+#include <support/crash_report.h>
 #include <support/desktop_folder.h>
 #include <support/files.h>
 
@@ -123,12 +124,19 @@ TEST_F(UnloadInChildProcess, WritesAWholeRecordWhileAnotherThreadIsInsideTheProf
 }
 
 TEST_F(UnloadInChildProcess, FinishesRecordAndTraceAtFreeLibraryTimeAndAgain) {
-  EXPECT_EQ(run_program("plugin_host.exe", ""), 0u);
+  EXPECT_EQ(run_program("plugin_host.exe", "three times"), 0u);
   const std::vector<std::string> names = files();
   EXPECT_EQ(names, (std::vector<std::string>{"round 1.js", "round 2.js", "round 3.js", "trace", "trace", "trace"}));
   EXPECT_TRUE(std::regex_match(trace(), std::regex("plug-in\r\n\r\n\r\nFile closed at .{19}"))) << trace();
   for (const char* const name : {"round 1.js", "round 2.js", "round 3.js"})
     EXPECT_NE(read_file(name).find("name: 'plug-in'"), std::string::npos);
+}
+
+TEST_F(UnloadInChildProcess, GivesItsMemoryBackAtFreeLibrary) { EXPECT_EQ(run_program("plugin_host.exe", "flat"), 0u); }
+
+// What every test here stands on: a crash is no success.
+TEST_F(UnloadInChildProcess, TellsACrashByItsExitCode) {
+  EXPECT_EQ(run_program("kexlib_host.exe", "crash"), crash_exit_code);
 }
 
 }  // namespace

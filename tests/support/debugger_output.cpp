@@ -2,9 +2,12 @@
 
 #include <windows.h>
 
+#include <utility>
+
 namespace {
 
 std::vector<std::string> caught;
+std::function<void()> call;
 
 // Without a debugger the system raises each text as an exception: the length with terminator, and the text.
 LONG CALLBACK catch_text(EXCEPTION_POINTERS* exception) {
@@ -13,12 +16,16 @@ LONG CALLBACK catch_text(EXCEPTION_POINTERS* exception) {
   if (record.ExceptionCode != print_exception) return EXCEPTION_CONTINUE_SEARCH;
   caught.emplace_back(reinterpret_cast<const char*>(record.ExceptionInformation[1]),
                       record.ExceptionInformation[0] - 1);
+  if (call) call();
   return EXCEPTION_CONTINUE_EXECUTION;
 }
 
 }  // namespace
 
-DebuggerOutput::DebuggerOutput() : handler_(AddVectoredExceptionHandler(1, catch_text)) { caught.clear(); }
+DebuggerOutput::DebuggerOutput(std::function<void()> on_text) : handler_(AddVectoredExceptionHandler(1, catch_text)) {
+  caught.clear();
+  call = std::move(on_text);
+}
 
 DebuggerOutput::~DebuggerOutput() { RemoveVectoredExceptionHandler(handler_); }
 

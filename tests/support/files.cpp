@@ -11,9 +11,11 @@ namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() : previous_(fs::current_path()) {
   static std::atomic<int> count{0};
-  path_ =
-      fs::temp_directory_path() / ("kexlib_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count));
-  fs::create_directory(path_);
+  // Process ids come again, and a process that was killed leaves its folders: it must be a new one.
+  do {
+    path_ =
+        fs::temp_directory_path() / ("kexlib_" + std::to_string(GetCurrentProcessId()) + "_" + std::to_string(++count));
+  } while (!fs::create_directory(path_));
   fs::current_path(path_);
 }
 

@@ -2,7 +2,15 @@
 // new one. Makes the file that it is given once its window stands.
 #include <windows.h>
 
+// A test that was killed may have left the user's desktop folder elsewhere.
+static void restore_desktop_folder() {
+  const char folder[] = "%USERPROFILE%\\Desktop";
+  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
+                  "Desktop", REG_EXPAND_SZ, folder, sizeof folder);
+}
+
 int main(int, char** arguments) {
+  restore_desktop_folder();
   CreateWindowA("STATIC", "keeper", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
   CloseHandle(CreateFileA(arguments[1], GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   MSG message;

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include <support/crash_report.h>
+
 #include <chrono>
 #include <cstdio>
 #include <thread>
@@ -38,6 +40,7 @@ class Watchdog : public testing::EmptyTestEventListener {
 
 int main(int argc, char** argv) {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
+  report_crashes();
   testing::InitGoogleTest(&argc, argv);
   testing::UnitTest::GetInstance()->listeners().Append(new Watchdog);
   return RUN_ALL_TESTS();

@@ -12,6 +12,11 @@
 #include <string>
 #include <vector>
 
+// A record that is cleared at its end, as the library's own is when it is freed.
+struct OwnRecord : kexlib::ProfileRecord {
+  ~OwnRecord() { clear(); }
+};
+
 class StringSink final : public kexlib::ByteSink {
  public:
   void write(std::string_view text) override { text_ += text; }

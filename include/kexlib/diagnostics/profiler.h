@@ -23,9 +23,10 @@
 // Cost. Two counter reads and about twenty nanoseconds for a begin and its end, about sixteen bytes for an interval.
 // While profiling is off a call is one test of a flag. Nothing is formatted before the stop.
 //
-// Threads. Any thread may begin and end blocks, and no lock is ever taken. kex_start_profiling and kex_stop_profiling
-// must not run at the same time as another thread's profiler call: the caller sees to that. A thread is known by its
-// GetCurrentThreadId: where Windows gives the id of an ended thread to a new one, the new one continues its record.
+// Threads. Any thread may begin and end blocks and start profiling, at any time, and no lock is ever taken. But
+// kex_stop_profiling must not run at the same time as another thread's profiler call: the caller sees to that. A thread
+// is known by its GetCurrentThreadId: where Windows gives the id of an ended thread to a new one, the new one continues
+// its record, inside the blocks that the ended one left open.
 //
 // Errors. None is ever reported and nothing is thrown, but for std::bad_alloc when there is no memory left.
 //
@@ -38,23 +39,22 @@
 
 #include <string>
 
-/// Switches profiling on. The time base is taken anew at the next begin. If it is on already, nothing changes: the record
-/// and the time base are kept.
+/// Switches profiling on. The time base is taken anew at the next begin. If it is on already, nothing changes: the
+/// record and the time base are kept.
 KEXLIB_API void kex_start_profiling();
 
 /// Opens the block `name` on the calling thread, inside the innermost block that the thread has open. Ignored while
 /// profiling is off.
 ///
 /// `name` may be any text of any length; it is compared byte for byte and later written as it is, without escaping: a
-/// name that holds a quote makes a file that is no valid script (the viewer page reads it all the same). The bytes are
-/// copied.
+/// name that holds a quote makes a file that is no valid script. The bytes are copied.
 KEXLIB_API void kex_begin_block(const std::string& name);
 
 /// kex_start_profiling() and then kex_begin_block(name): the first such call switches profiling on.
 KEXLIB_API void kex_begin_block_with_auto_start(const std::string& name);
 
-/// Closes the innermost open block of the calling thread, whatever its name. If none is open, the call is ignored, though
-/// the thread will stand in the record. Ignored while profiling is off.
+/// Closes the innermost open block of the calling thread, whatever its name. If none is open, the call is ignored,
+/// though the thread will stand in the record. Ignored while profiling is off.
 KEXLIB_API void kex_end_block();
 
 /// Switches profiling off, writes the record to the file `path` and forgets the record. While profiling is off nothing

@@ -40,7 +40,9 @@ class KEXLIB_API CTraceToFile {
 
   /// Formats as vsnprintf does, in the C locale that the process has set, and sends the text where the mode of this
   /// object says. Nothing is added: lines end in the caller's own "\n", which the file gets as CR LF. A text longer
-  /// than 511 characters is cut there. A null `format` is ignored.
+  /// than 511 characters is cut there; a wide string that has no narrow form is cut or makes the whole text empty, as
+  /// the run-time library has it. A null `format` is ignored. Keep widths and precisions, those given by `*` too, below
+  /// a million: run-time libraries may take as much stack.
   void Trace(const char* format, ...) KEXLIB_PRINTF(2, 3);
 
   /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. If none is
