@@ -14,10 +14,8 @@
 #include <fmt/format.h>
 #endif
 
-#include <algorithm>
 #include <array>
-#include <cstdio>
-#include <cstdlib>
+#include <atomic>
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -52,7 +50,14 @@ double two_counter_reads() {
 
 double library_pair() { return nanoseconds_a_pair(kex_begin_block, kex_end_block); }
 
-double library_pair_on_each_of_two_threads() {
+// Each scope starts profiling, which is on already.
+double library_scope() {
+  unsigned i = 0;
+  return bench::nanoseconds_each(pairs, [&] { kexProfileScope scope(names[i++ % names.size()]); });
+}
+
+template <class Measure>
+double on_each_of_two_threads(Measure measure) {
   double times[2];
   std::atomic<int> ready{0};
   const auto run = [&](double& time) {
@@ -60,7 +65,7 @@ double library_pair_on_each_of_two_threads() {
     ++ready;
     while (ready < 2) {
     }
-    time = library_pair();
+    time = measure();
   };
   std::thread other(run, std::ref(times[0]));
   run(times[1]);
@@ -162,7 +167,13 @@ void measure_blocks() {
   });
   pair.add("library, each of two threads", [] {
     kex_start_profiling();
-    const double time = library_pair_on_each_of_two_threads();
+    const double time = on_each_of_two_threads(library_pair);
+    kex_stop_profiling("NUL");
+    return time;
+  });
+  pair.add("library, scopes on each of two threads", [] {
+    kex_start_profiling();
+    const double time = on_each_of_two_threads(library_scope);
     kex_stop_profiling("NUL");
     return time;
   });
@@ -195,6 +206,8 @@ void measure_blocks() {
                  "one thread, in two counter reads");
   bench::at_most("T2", 1.5, pair.ratio("library, each of two threads", "library, one thread"),
                  "each of two threads, in one thread's time");
+  bench::at_most("T2", 1.5, pair.ratio("library, scopes on each of two threads", "library, one thread"),
+                 "scopes on each of two threads, in one thread's time");
   bench::at_most("T3", 0.6, pair.ratio("library without a clock", "nested unordered_map without a clock"),
                  "without a clock, in nested unordered_map");
 }

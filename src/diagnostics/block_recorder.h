@@ -17,7 +17,10 @@ namespace kexlib {
 template <class Platform>
 class BlockRecorder {
  public:
-  void start() { enabled_.store(true, std::memory_order_relaxed); }
+  void start() {
+    // Asked first: every scope starts, and a store would take the switch from the other threads' caches each time.
+    if (!enabled_.load(std::memory_order_relaxed)) enabled_.store(true, std::memory_order_relaxed);
+  }
 
   void begin(std::string_view name) {
     if (!enabled_.load(std::memory_order_relaxed)) return;
