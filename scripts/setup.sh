@@ -17,10 +17,13 @@ set_up_machine() {
   [ -n "$missing" ] || return 0
   [ "$(id -u)" = 0 ] || fail "only root can install what is missing; run: apt-get install --no-install-recommends $missing"
   say "installing $missing"
-  mkdir -p "$root/build"
+  make_build_folder
   export DEBIAN_FRONTEND=noninteractive
   # shellcheck disable=SC2086
-  if ! { apt-get update && apt-get -o DPkg::Lock::Timeout=600 install -y --no-install-recommends $missing; } >"$log" 2>&1 </dev/null; then
+  if ! {
+    apt-get update &&
+      apt-get -o DPkg::Lock::Timeout=600 install -y --no-install-recommends $missing
+  } >"$log" 2>&1 </dev/null; then
     local unknown
     unknown=$(sed -n 's/^E: Unable to locate package //p' "$log" | paste -sd ' ')
     [ -z "$unknown" ] || fail "apt knows no package named $unknown (see build/setup.log)."

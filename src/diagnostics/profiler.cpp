@@ -11,8 +11,6 @@
 
 namespace kexlib {
 
-using module::profiler;
-
 inline std::uint32_t ProfilerPlatform::thread_id() { return GetCurrentThreadId(); }
 
 inline std::int64_t ProfilerPlatform::now() {

@@ -4,6 +4,7 @@
 
 namespace {
 
+constexpr char usual_folder[] = "%USERPROFILE%\\Desktop";
 constexpr char key[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders";
 
 void set_desktop(const std::string& folder) {
@@ -14,13 +15,16 @@ void set_desktop(const std::string& folder) {
 }  // namespace
 
 DesktopFolder::DesktopFolder(const std::filesystem::path& folder) {
-  char value[MAX_PATH] = "%USERPROFILE%\\Desktop";
+  char value[MAX_PATH];
   DWORD size = sizeof value;
-  RegGetValueA(HKEY_CURRENT_USER, key, "Desktop", RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND, nullptr, value, &size);
-  previous_ = value;
+  const bool is_set = RegGetValueA(HKEY_CURRENT_USER, key, "Desktop", RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND, nullptr,
+                                   value, &size) == ERROR_SUCCESS;
+  previous_ = is_set ? value : usual_folder;
   move_to(folder);
 }
 
 DesktopFolder::~DesktopFolder() { set_desktop(previous_); }
 
 void DesktopFolder::move_to(const std::filesystem::path& folder) { set_desktop(folder.string()); }
+
+void restore_desktop_folder() { set_desktop(usual_folder); }

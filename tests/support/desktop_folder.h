@@ -19,4 +19,7 @@ class DesktopFolder {
   std::string previous_;
 };
 
+// Puts the desktop folder where it is on a new system: a test that was killed may have left it elsewhere.
+void restore_desktop_folder();
+
 #endif

@@ -2,12 +2,7 @@
 // new one. Makes the file that it is given once its window stands.
 #include <windows.h>
 
-// A test that was killed may have left the user's desktop folder elsewhere.
-static void restore_desktop_folder() {
-  const char folder[] = "%USERPROFILE%\\Desktop";
-  RegSetKeyValueA(HKEY_CURRENT_USER, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\User Shell Folders",
-                  "Desktop", REG_EXPAND_SZ, folder, sizeof folder);
-}
+#include <support/desktop_folder.h>
 
 int main(int, char** arguments) {
   restore_desktop_folder();
