@@ -34,3 +34,10 @@ if(MINGW)
     file(COPY ${path} DESTINATION ${PROJECT_BINARY_DIR}/bin)
   endforeach()
 endif()
+
+# Linked by every program: the manifest for version 6 of the common controls. Visual Studio's linker makes one itself.
+add_library(program_manifest INTERFACE)
+if(MINGW)
+  target_sources(program_manifest INTERFACE ${PROJECT_SOURCE_DIR}/cmake/program.rc)
+  target_include_directories(program_manifest INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where windres looks for it
+endif()

@@ -1,0 +1,242 @@
+// COM's values in owning types: interface pointers, strings and variants.
+#ifndef FRAMEWORK_ATLCOMCLI_H
+#define FRAMEWORK_ATLCOMCLI_H
+
+#include <type_traits>
+#include <utility>
+
+#include <atlconv.h>
+
+namespace ATL {
+
+// A counted reference to a COM object.
+//
+//     CComPtr<IDispatch> dispatch;
+//     HRESULT result = unknown->QueryInterface(&dispatch);    // & wants an empty pointer
+template <class T>
+class CComPtr {
+ public:
+  CComPtr() noexcept = default;
+  CComPtr(std::nullptr_t) noexcept {}
+  CComPtr(T* object) noexcept : p(object) {
+    if (p) p->AddRef();
+  }
+  CComPtr(const CComPtr& other) noexcept : CComPtr(other.p) {}
+  CComPtr(CComPtr&& other) noexcept : p(other.Detach()) {}
+  ~CComPtr() {
+    if (p) p->Release();
+  }
+
+  CComPtr& operator=(T* object) noexcept {
+    CComPtr(object).swap(*this);
+    return *this;
+  }
+  CComPtr& operator=(const CComPtr& other) noexcept { return *this = other.p; }
+  CComPtr& operator=(CComPtr&& other) noexcept {
+    CComPtr(std::move(other)).swap(*this);
+    return *this;
+  }
+
+  operator T*() const noexcept { return p; }
+  T& operator*() const {
+    ATLASSERT(p);
+    return *p;
+  }
+  T* operator->() const {
+    ATLASSERT(p);
+    return p;
+  }
+  // For out-parameters. The pointer has to be empty, or its object would be lost.
+  T** operator&() {
+    ATLASSERT(!p);
+    return &p;
+  }
+
+  void Release() noexcept {
+    if (T* object = Detach()) object->Release();
+  }
+  // Takes over a reference that the caller holds; Detach hands it out.
+  void Attach(T* object) noexcept {
+    Release();
+    p = object;
+  }
+  T* Detach() noexcept { return std::exchange(p, nullptr); }
+  // E_POINTER for a null target.
+  HRESULT CopyTo(T** target) const noexcept {
+    if (!target) return E_POINTER;
+    *target = p;
+    if (p) p->AddRef();
+    return S_OK;
+  }
+
+  HRESULT CoCreateInstance(REFCLSID classId, IUnknown* outer = nullptr, DWORD context = CLSCTX_ALL) {
+    ATLASSERT(!p);
+    return ::CoCreateInstance(classId, outer, context, __uuidof(T), reinterpret_cast<void**>(&p));
+  }
+  template <class Q>
+  HRESULT QueryInterface(Q** target) const {
+    ATLASSERT(p && target && !*target);
+    return p->QueryInterface(__uuidof(Q), reinterpret_cast<void**>(target));
+  }
+
+  T* p = nullptr;
+
+ protected:
+  void swap(CComPtr& other) noexcept { std::swap(p, other.p); }
+};
+
+// A CComPtr that asks whatever it is given for its own interface, and is empty where the object has none.
+template <class T>
+class CComQIPtr : public CComPtr<T> {
+ public:
+  CComQIPtr() noexcept = default;
+  CComQIPtr(T* object) noexcept : CComPtr<T>(object) {}
+  CComQIPtr(IUnknown* object) noexcept requires(!std::is_same_v<T, IUnknown>) {
+    if (object) object->QueryInterface(__uuidof(T), reinterpret_cast<void**>(&this->p));
+  }
+  CComQIPtr& operator=(T* object) noexcept {
+    CComPtr<T>::operator=(object);
+    return *this;
+  }
+  CComQIPtr& operator=(IUnknown* object) noexcept requires(!std::is_same_v<T, IUnknown>) {
+    CComQIPtr(object).swap(*this);
+    return *this;
+  }
+};
+
+// A BSTR that frees itself. A null BSTR counts as empty text. Running out of memory throws E_OUTOFMEMORY (AtlThrow).
+class CComBSTR {
+ public:
+  CComBSTR() noexcept = default;
+  CComBSTR(LPCOLESTR text) : m_str(text ? allocated(SysAllocString(text)) : nullptr) {}
+  CComBSTR(int length, LPCOLESTR text) : m_str(allocated(SysAllocStringLen(text, static_cast<UINT>(length)))) {}
+  // Widened in the calling thread's code page.
+  CComBSTR(LPCSTR text) : m_str(text ? allocated(SysAllocString(CA2W(text))) : nullptr) {}
+  CComBSTR(const CComBSTR& other) : m_str(other.Copy()) {
+    if (other.m_str) allocated(m_str);
+  }
+  CComBSTR(CComBSTR&& other) noexcept : m_str(other.Detach()) {}
+  ~CComBSTR() { SysFreeString(m_str); }
+
+  CComBSTR& operator=(CComBSTR other) noexcept {
+    std::swap(m_str, other.m_str);
+    return *this;
+  }
+
+  operator BSTR() const noexcept { return m_str; }
+  // For out-parameters. The string has to be empty, or its text would be lost.
+  BSTR* operator&() {
+    ATLASSERT(!m_str);
+    return &m_str;
+  }
+  // True where there is no BSTR at all.
+  bool operator!() const noexcept { return !m_str; }
+
+  unsigned Length() const noexcept { return SysStringLen(m_str); }
+  // A new BSTR with the same bytes, zeros inside included; null where there is none or no memory.
+  BSTR Copy() const noexcept {
+    return m_str ? SysAllocStringByteLen(reinterpret_cast<LPCSTR>(m_str), SysStringByteLen(m_str)) : nullptr;
+  }
+  void Attach(BSTR text) noexcept {
+    if (text != m_str) SysFreeString(std::exchange(m_str, text));
+  }
+  BSTR Detach() noexcept { return std::exchange(m_str, nullptr); }
+  void Empty() noexcept { Attach(nullptr); }
+
+  // By the user's language, letter case counting; null equals empty.
+  friend bool operator==(const CComBSTR& a, const CComBSTR& b) {
+    return VarBstrCmp(a.m_str, b.m_str, LOCALE_USER_DEFAULT, 0) == static_cast<HRESULT>(VARCMP_EQ);
+  }
+
+  BSTR m_str = nullptr;
+
+ private:
+  static BSTR allocated(BSTR text) {
+    if (!text) AtlThrow(E_OUTOFMEMORY);
+    return text;
+  }
+};
+
+// A VARIANT that clears itself. A failing copy leaves VT_ERROR with its code behind and throws it (AtlThrow).
+class CComVariant : public VARIANT {
+ public:
+  CComVariant() noexcept { VariantInit(this); }
+  CComVariant(const VARIANT& value) : CComVariant() { copied(Copy(&value)); }
+  CComVariant(const CComVariant& value) : CComVariant(static_cast<const VARIANT&>(value)) {}
+  CComVariant(LPCOLESTR text) : CComVariant() {
+    vt = VT_BSTR;
+    bstrVal = CComBSTR(text).Detach();
+  }
+  CComVariant(LPCSTR text) : CComVariant() {
+    vt = VT_BSTR;
+    bstrVal = CComBSTR(text).Detach();
+  }
+  CComVariant(bool value) noexcept : CComVariant() {
+    vt = VT_BOOL;
+    boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
+  }
+  CComVariant(short value) noexcept : CComVariant() {
+    vt = VT_I2;
+    iVal = value;
+  }
+  CComVariant(int value) noexcept : CComVariant() {
+    vt = VT_I4;
+    lVal = value;
+  }
+  CComVariant(long value) noexcept : CComVariant() {
+    vt = VT_I4;
+    lVal = value;
+  }
+  CComVariant(double value) noexcept : CComVariant() {
+    vt = VT_R8;
+    dblVal = value;
+  }
+  CComVariant(IDispatch* object) noexcept : CComVariant() {
+    vt = VT_DISPATCH;
+    pdispVal = object;
+    if (object) object->AddRef();
+  }
+  CComVariant(IUnknown* object) noexcept : CComVariant() {
+    vt = VT_UNKNOWN;
+    punkVal = object;
+    if (object) object->AddRef();
+  }
+  ~CComVariant() { Clear(); }
+
+  CComVariant& operator=(const VARIANT& value) {
+    if (this != &value) copied(Copy(&value));
+    return *this;
+  }
+  CComVariant& operator=(const CComVariant& value) { return *this = static_cast<const VARIANT&>(value); }
+
+  HRESULT Clear() noexcept { return VariantClear(this); }
+  HRESULT Copy(const VARIANT* value) noexcept { return VariantCopy(this, const_cast<VARIANT*>(value)); }
+  HRESULT ChangeType(VARTYPE type, const VARIANT* source = nullptr) noexcept {
+    return VariantChangeType(this, source ? const_cast<VARIANT*>(source) : this, 0, type);
+  }
+  // Takes over what the caller's variant holds, which is empty afterwards; Detach hands it out.
+  HRESULT Attach(VARIANT* source) noexcept {
+    if (!source) return E_INVALIDARG;
+    HRESULT result = Clear();
+    if (SUCCEEDED(result)) *static_cast<VARIANT*>(this) = std::exchange(*source, VARIANT{});
+    return result;
+  }
+  HRESULT Detach(VARIANT* target) noexcept {
+    if (!target) return E_POINTER;
+    HRESULT result = VariantClear(target);
+    if (SUCCEEDED(result)) *target = std::exchange(*static_cast<VARIANT*>(this), VARIANT{});
+    return result;
+  }
+
+ private:
+  void copied(HRESULT result) {
+    if (SUCCEEDED(result)) return;
+    vt = VT_ERROR;
+    scode = result;
+    AtlThrow(result);
+  }
+};
+
+}  // namespace ATL
+
+#endif

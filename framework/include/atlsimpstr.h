@@ -1,0 +1,173 @@
+// The buffer of a CString: counted, shared between copies, split off at the first write (copy-on-write).
+#ifndef FRAMEWORK_ATLSIMPSTR_H
+#define FRAMEWORK_ATLSIMPSTR_H
+
+#include <climits>
+#include <cstring>
+#include <cwchar>
+#include <utility>
+
+#include <atldef.h>
+
+namespace ATL {
+
+struct CStringData;
+
+// Memory of string buffers. It is taken and given back in one place, so that it does not matter which module made a
+// string and which one lets go of it last. Null where there is none.
+KEXFRAMEWORK_API CStringData* AllocateStringData(size_t bytes) noexcept;
+KEXFRAMEWORK_API void FreeStringData(CStringData* data) noexcept;
+
+// What stands before the characters of every string. The count is atomic: copies of one string may live on different
+// threads.
+struct CStringData {
+  int nDataLength;   // characters, without the terminator
+  int nAllocLength;  // room for characters, without the terminator
+  long nRefs;        // owners; 0 for the one empty string, which nobody owns
+
+  void* data() { return this + 1; }
+  bool IsShared() const { return nRefs != 1; }
+  void AddRef() {
+    if (nRefs) InterlockedIncrement(&nRefs);
+  }
+  void Release() {
+    if (nRefs && !InterlockedDecrement(&nRefs)) FreeStringData(this);
+  }
+};
+
+// The buffer of all empty strings, one for the process, so that it outlives each module.
+struct CNilStringData : CStringData {
+  wchar_t achNil[2];
+};
+extern KEXFRAMEWORK_API CNilStringData g_nilString;
+
+// Owns one count of a buffer. CStringT adds what knows about text.
+//
+// Indices are checked: one outside 0..GetLength() throws E_INVALIDARG through AtlThrow. The index GetLength() reads the
+// terminator.
+template <typename BaseType>
+class CSimpleStringT {
+ public:
+  using XCHAR = BaseType;
+  using PXSTR = XCHAR*;
+  using PCXSTR = const XCHAR*;
+
+  CSimpleStringT() noexcept = default;
+  CSimpleStringT(const CSimpleStringT& other) noexcept : m_data(other.m_data) { m_data->AddRef(); }
+  CSimpleStringT(CSimpleStringT&& other) noexcept : m_data(std::exchange(other.m_data, &g_nilString)) {}
+  CSimpleStringT(PCXSTR text, int length) { SetString(text, length); }
+  ~CSimpleStringT() { m_data->Release(); }
+
+  CSimpleStringT& operator=(const CSimpleStringT& other) noexcept {
+    other.m_data->AddRef();
+    std::exchange(m_data, other.m_data)->Release();
+    return *this;
+  }
+  CSimpleStringT& operator=(CSimpleStringT&& other) noexcept {
+    std::swap(m_data, other.m_data);
+    return *this;
+  }
+
+  int GetLength() const noexcept { return m_data->nDataLength; }
+  bool IsEmpty() const noexcept { return GetLength() == 0; }
+  PCXSTR GetString() const noexcept { return static_cast<PCXSTR>(m_data->data()); }
+  operator PCXSTR() const noexcept { return GetString(); }
+  XCHAR GetAt(int index) const {
+    check(index >= 0 && index <= GetLength());
+    return GetString()[index];
+  }
+  XCHAR operator[](int index) const { return GetAt(index); }
+
+  // Lets go of the text, and of the buffer.
+  void Empty() noexcept { std::exchange(m_data, &g_nilString)->Release(); }
+
+  // Replaces the text. The source may lie inside this string's own buffer.
+  void SetString(PCXSTR text) { SetString(text, length_of(text)); }
+  void SetString(PCXSTR text, int length) {
+    if (length == 0) return Empty();
+    check(text && length > 0);
+    if (is_inside(text)) {
+      *this = CSimpleStringT(text, length);
+      return;
+    }
+    if (m_data->IsShared()) Empty();  // what is replaced need not be copied
+    std::memcpy(GetBuffer(length), text, bytes(length));
+    ReleaseBufferSetLength(length);
+  }
+
+  void Append(PCXSTR text) { Append(text, length_of(text)); }
+  void Append(PCXSTR text, int length) {
+    if (length == 0) return;
+    check(text && length > 0 && length < INT_MAX / 2 - GetLength());
+    if (is_inside(text)) {
+      CSimpleStringT copy(text, length);
+      return Append(copy, length);
+    }
+    int start = GetLength();
+    int room = start + length;
+    // Half as much again, so that appending a character at a time stays linear.
+    if (room > m_data->nAllocLength && start) room += start / 2;
+    std::memcpy(GetBuffer(room) + start, text, bytes(length));
+    ReleaseBufferSetLength(start + length);
+  }
+
+  // The buffer for writing, of this string alone from now on; at least `room` characters and a terminator fit. The
+  // pointer holds until the next call that writes; a copy made meanwhile shares what is written through it.
+  PXSTR GetBuffer() { return GetBuffer(GetLength()); }
+  PXSTR GetBuffer(int room) {
+    check(room >= 0 && room < INT_MAX / 2);
+    if (m_data->IsShared() || room > m_data->nAllocLength) fork(room);
+    return static_cast<PXSTR>(m_data->data());
+  }
+  PXSTR GetBufferSetLength(int length) {
+    PXSTR buffer = GetBuffer(length);
+    ReleaseBufferSetLength(length);
+    return buffer;
+  }
+  // Ends a write: the text ends at its first terminator, or at `length`.
+  void ReleaseBuffer(int length = -1) {
+    if (length < 0) {
+      length = 0;
+      while (length < m_data->nAllocLength && GetString()[length]) ++length;
+    }
+    ReleaseBufferSetLength(length);
+  }
+  void ReleaseBufferSetLength(int length) {
+    check(length >= 0 && length <= m_data->nAllocLength);
+    if (m_data == &g_nilString) return;
+    m_data->nDataLength = length;
+    static_cast<PXSTR>(m_data->data())[length] = 0;
+  }
+
+ protected:
+  static int length_of(PCXSTR text) {
+    if (!text) return 0;
+    if constexpr (sizeof(XCHAR) == 1)
+      return lstrlenA(text);
+    else
+      return lstrlenW(text);
+  }
+  static size_t bytes(int length) { return static_cast<size_t>(length) * sizeof(XCHAR); }
+  static void check(bool holds) {
+    if (!holds) AtlThrow(E_INVALIDARG);
+  }
+
+ private:
+  bool is_inside(PCXSTR text) const { return text >= GetString() && text <= GetString() + GetLength(); }
+
+  // Gives this string a buffer of its own that holds its text and has this room at least.
+  void fork(int room) {
+    if (room < GetLength()) room = GetLength();
+    CStringData* own = AllocateStringData(sizeof(CStringData) + bytes(room + 1));
+    if (!own) AtlThrow(E_OUTOFMEMORY);
+    *own = {GetLength(), room, 1};
+    std::memcpy(own->data(), m_data->data(), bytes(GetLength() + 1));
+    std::exchange(m_data, own)->Release();
+  }
+
+  CStringData* m_data = &g_nilString;
+};
+
+}  // namespace ATL
+
+#endif

@@ -1,0 +1,10 @@
+#include <afxdisp.h>
+
+namespace ATL {
+
+void AtlThrow(HRESULT result) {
+  if (result == E_OUTOFMEMORY) AfxThrowMemoryException();
+  AfxThrowOleException(result);
+}
+
+}  // namespace ATL

@@ -1,0 +1,46 @@
+#include <afxdisp.h>
+
+#include <framework/error_text.h>
+
+namespace {
+
+// Made with the module, since there may be no memory left when it is needed.
+CMemoryException memory_exception(false);
+
+}  // namespace
+
+CException::CException(bool autoDelete) : m_bAutoDelete(autoDelete) {}
+
+CException::~CException() = default;
+
+void CException::Delete() {
+  if (m_bAutoDelete) delete this;
+}
+
+BOOL CException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text("", message, room);
+}
+
+BOOL CMemoryException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text("Out of memory.", message, room);
+}
+
+BOOL CInvalidArgException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text("An invalid argument was given.", message, room);
+}
+
+COleException::COleException(SCODE code) : m_sc(code) {}
+
+BOOL COleException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_system_text(static_cast<DWORD>(m_sc), message, room);
+}
+
+void AfxThrowMemoryException() { throw &memory_exception; }
+
+void AfxThrowInvalidArgException() { throw new CInvalidArgException; }
+
+void AfxThrowOleException(SCODE code) { throw new COleException(code); }

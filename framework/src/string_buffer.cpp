@@ -1,0 +1,13 @@
+#include <atlsimpstr.h>
+
+#include <cstdlib>
+
+namespace ATL {
+
+constinit CNilStringData g_nilString = {{0, 0, 0}, {0, 0}};
+
+CStringData* AllocateStringData(size_t bytes) noexcept { return static_cast<CStringData*>(std::malloc(bytes)); }
+
+void FreeStringData(CStringData* data) noexcept { std::free(data); }
+
+}  // namespace ATL
