@@ -56,8 +56,8 @@ class CMessageLoop {
   CMessageLoop& operator=(const CMessageLoop&) = delete;
   virtual ~CMessageLoop() = default;
 
-  // Adding one twice has it called twice; removing says whether it was there. Both may be called from filters and
-  // handlers.
+  // Adding one twice has it called twice; removing says whether it was there. A filter or handler may remove
+  // itself while it is called.
   BOOL AddMessageFilter(CMessageFilter* filter) { return add(m_filters, filter); }
   BOOL RemoveMessageFilter(CMessageFilter* filter) { return remove(m_filters, filter); }
   BOOL AddIdleHandler(CIdleHandler* handler) { return add(m_handlers, handler); }
@@ -94,9 +94,14 @@ class CMessageLoop {
       if (i < m_filters.size() && m_filters[i]->PreTranslateMessage(message)) return TRUE;
     return FALSE;
   }
-  // Calls the idle handlers in the order in which they were added. TRUE asks to be called again before the next message.
+  // Calls the idle handlers in the order in which they were added. TRUE asks to be called again before the next
+  // message.
   virtual BOOL OnIdle(int /*idleCount*/) {
-    for (size_t i = 0; i < m_handlers.size(); ++i) m_handlers[i]->OnIdle();
+    for (size_t i = 0; i < m_handlers.size();) {
+      CIdleHandler* handler = m_handlers[i];
+      handler->OnIdle();
+      if (i < m_handlers.size() && m_handlers[i] == handler) ++i;
+    }
     return FALSE;
   }
   // Whether the loop may become idle again after the message. Messages that come by themselves, or all the time, do

@@ -14,26 +14,26 @@
 namespace WTL {
 
 // What the wrappers have in common: the handle, and making a window of the control's class.
-#define KEXFRAMEWORK_CONTROL(theClass, windowClass)                                                                    \
- public:                                                                                                               \
-  theClass(HWND window = nullptr) noexcept : TBase(window) {}                                                          \
-  theClass& operator=(HWND window) noexcept {                                                                          \
-    this->m_hWnd = window;                                                                                             \
-    return *this;                                                                                                      \
-  }                                                                                                                    \
-  static LPCTSTR GetWndClassName() noexcept { return windowClass; }                                                    \
-  HWND Create(HWND parent, ATL::_U_RECT rect = nullptr, LPCTSTR name = nullptr, DWORD style = 0,                       \
-              DWORD extendedStyle = 0, ATL::_U_MENUorID menuOrId = 0U, LPVOID parameter = nullptr) noexcept {          \
-    return ATL::CWindow::Create(GetWndClassName(), parent, rect, name, style, extendedStyle, menuOrId, parameter);     \
-  }                                                                                                                    \
-                                                                                                                       \
- private:                                                                                                              \
-  /* A message whose result is a number, and one whose parameter is a text or a structure. */                         \
-  int number(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const noexcept {                                      \
-    return static_cast<int>(this->SendMessage(message, wParam, lParam));                                               \
-  }                                                                                                                    \
-  int number(UINT message, WPARAM wParam, const void* parameter) const noexcept {                                      \
-    return number(message, wParam, reinterpret_cast<LPARAM>(parameter));                                               \
+#define KEXFRAMEWORK_CONTROL(theClass, windowClass)                                                                \
+ public:                                                                                                           \
+  theClass(HWND window = nullptr) noexcept : TBase(window) {}                                                      \
+  theClass& operator=(HWND window) noexcept {                                                                      \
+    this->m_hWnd = window;                                                                                         \
+    return *this;                                                                                                  \
+  }                                                                                                                \
+  static LPCTSTR GetWndClassName() noexcept { return windowClass; }                                                \
+  HWND Create(HWND parent, ATL::_U_RECT rect = nullptr, LPCTSTR name = nullptr, DWORD style = 0,                   \
+              DWORD extendedStyle = 0, ATL::_U_MENUorID menuOrId = 0U, LPVOID parameter = nullptr) noexcept {      \
+    return ATL::CWindow::Create(GetWndClassName(), parent, rect, name, style, extendedStyle, menuOrId, parameter); \
+  }                                                                                                                \
+                                                                                                                   \
+ private:                                                                                                          \
+  /* A message whose result is a number, and one whose parameter is a text or a structure. */                      \
+  int number(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const noexcept {                                  \
+    return static_cast<int>(this->SendMessage(message, wParam, lParam));                                           \
+  }                                                                                                                \
+  int number(UINT message, WPARAM wParam, const void* parameter) const noexcept {                                  \
+    return number(message, wParam, reinterpret_cast<LPARAM>(parameter));                                           \
   }
 
 // A push button, check box or radio button.
@@ -185,8 +185,7 @@ class CTreeViewCtrlT : public TBase {
     description.hInsertAfter = after;
     description.item.mask = TVIF_TEXT;
     description.item.pszText = const_cast<LPTSTR>(text);
-    return reinterpret_cast<HTREEITEM>(
-        this->SendMessage(TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&description)));
+    return reinterpret_cast<HTREEITEM>(this->SendMessage(TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&description)));
   }
   BOOL DeleteItem(HTREEITEM item) noexcept { return number(TVM_DELETEITEM, 0, item); }
   // Cut to the room.
@@ -201,8 +200,7 @@ class CTreeViewCtrlT : public TBase {
 
   // By a TVGN_ relation; null where there is none.
   HTREEITEM GetNextItem(HTREEITEM item, UINT relation) const noexcept {
-    return reinterpret_cast<HTREEITEM>(
-        this->SendMessage(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
+    return reinterpret_cast<HTREEITEM>(this->SendMessage(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
   }
   HTREEITEM GetRootItem() const noexcept { return GetNextItem(nullptr, TVGN_ROOT); }
   HTREEITEM GetChildItem(HTREEITEM item) const noexcept { return GetNextItem(item, TVGN_CHILD); }

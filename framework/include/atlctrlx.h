@@ -93,8 +93,8 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     CRect window, client;
     this->GetWindowRect(window);
     this->GetClientRect(client);
-    this->SetWindowPos(nullptr, 0, 0, width + window.Width() - client.Width(), height + window.Height() - client.Height(),
-                       SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    this->SetWindowPos(nullptr, 0, 0, width + window.Width() - client.Width(),
+                       height + window.Height() - client.Height(), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
   bool IsHoverMode() const { return (m_dwExtendedStyle & BMPBTN_HOVER) != 0; }
@@ -138,21 +138,21 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   BEGIN_MSG_MAP(CBitmapButtonImpl)
-    MESSAGE_HANDLER(WM_CREATE, OnCreate)
-    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
-    MESSAGE_RANGE_HANDLER(WM_MOUSEFIRST, WM_MOUSELAST, OnMouseMessage)
-    MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBackground)
-    MESSAGE_HANDLER(WM_PAINT, OnPaint)
-    MESSAGE_HANDLER(WM_PRINTCLIENT, OnPaint)
-    MESSAGE_HANDLER(WM_SETFOCUS, OnFocus)
-    MESSAGE_HANDLER(WM_KILLFOCUS, OnFocus)
-    MESSAGE_HANDLER(WM_ENABLE, OnEnable)
-    MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
-    MESSAGE_HANDLER(WM_MOUSELEAVE, OnMouseLeave)
-    MESSAGE_HANDLER(WM_LBUTTONDBLCLK, OnLButtonDblClk)
-    MESSAGE_HANDLER(WM_KEYDOWN, OnKey)
-    MESSAGE_HANDLER(WM_KEYUP, OnKey)
-    MESSAGE_HANDLER(BM_SETSTATE, OnSetState)
+  MESSAGE_HANDLER(WM_CREATE, OnCreate)
+  MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
+  MESSAGE_RANGE_HANDLER(WM_MOUSEFIRST, WM_MOUSELAST, OnMouseMessage)
+  MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBackground)
+  MESSAGE_HANDLER(WM_PAINT, OnPaint)
+  MESSAGE_HANDLER(WM_PRINTCLIENT, OnPaint)
+  MESSAGE_HANDLER(WM_SETFOCUS, OnFocus)
+  MESSAGE_HANDLER(WM_KILLFOCUS, OnFocus)
+  MESSAGE_HANDLER(WM_ENABLE, OnEnable)
+  MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
+  MESSAGE_HANDLER(WM_MOUSELEAVE, OnMouseLeave)
+  MESSAGE_HANDLER(WM_LBUTTONDBLCLK, OnLButtonDblClk)
+  MESSAGE_HANDLER(WM_KEYDOWN, OnKey)
+  MESSAGE_HANDLER(WM_KEYUP, OnKey)
+  MESSAGE_HANDLER(BM_SETSTATE, OnSetState)
   END_MSG_MAP()
 
   LRESULT OnCreate(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {

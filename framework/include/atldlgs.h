@@ -53,7 +53,9 @@ class CPropertySheetWindow : public ATL::CWindow {
     return static_cast<BOOL>(SendMessage(PSM_ADDPAGE, 0, reinterpret_cast<LPARAM>(page)));
   }
   // PSWIZB_ flags. Posted, so that a page may call it while it becomes the active one.
-  void SetWizardButtons(DWORD buttons) noexcept { ::PostMessage(m_hWnd, PSM_SETWIZBUTTONS, 0, static_cast<LPARAM>(buttons)); }
+  void SetWizardButtons(DWORD buttons) noexcept {
+    ::PostMessage(m_hWnd, PSM_SETWIZBUTTONS, 0, static_cast<LPARAM>(buttons));
+  }
   // PSBTN_ button.
   BOOL PressButton(int button) noexcept {
     return static_cast<BOOL>(SendMessage(PSM_PRESSBUTTON, static_cast<WPARAM>(button)));
@@ -103,9 +105,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   }
 
   // As those of the sheet window if it is there; otherwise they say what it will begin with.
-  int GetActiveIndex() const {
-    return this->m_hWnd ? TBase::GetActiveIndex() : static_cast<int>(m_psh.nStartPage);
-  }
+  int GetActiveIndex() const { return this->m_hWnd ? TBase::GetActiveIndex() : static_cast<int>(m_psh.nStartPage); }
   BOOL SetActivePage(int page) {
     if (this->m_hWnd) return TBase::SetActivePage(page);
     m_psh.nStartPage = static_cast<UINT>(page);
@@ -136,8 +136,8 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   void OnSheetInitialized() {}
 
   BEGIN_MSG_MAP(CPropertySheetImpl)
-    MESSAGE_HANDLER(WM_COMMAND, OnCommand)
-    MESSAGE_HANDLER(WM_SYSCOMMAND, OnSysCommand)
+  MESSAGE_HANDLER(WM_COMMAND, OnCommand)
+  MESSAGE_HANDLER(WM_SYSCOMMAND, OnSysCommand)
   END_MSG_MAP()
 
   // A modeless sheet that was closed has no page any more, and waits to be destroyed.
@@ -265,7 +265,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   void OnHelp() {}
 
   BEGIN_MSG_MAP(CPropertyPageImpl)
-    MESSAGE_HANDLER(WM_NOTIFY, OnNotify)
+  MESSAGE_HANDLER(WM_NOTIFY, OnNotify)
   END_MSG_MAP()
 
   // Notifications of the sheet; those of controls are left to T's message map.

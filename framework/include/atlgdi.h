@@ -80,7 +80,9 @@ class CLogFont : public LOGFONT {
   CLogFont() noexcept : LOGFONT{} {}
   explicit CLogFont(const LOGFONT& description) noexcept : LOGFONT(description) {}
   // That of an existing font.
-  explicit CLogFont(HFONT font) noexcept : LOGFONT{} { ::GetObject(font, sizeof(LOGFONT), static_cast<LOGFONT*>(this)); }
+  explicit CLogFont(HFONT font) noexcept : LOGFONT{} {
+    ::GetObject(font, sizeof(LOGFONT), static_cast<LOGFONT*>(this));
+  }
 
   // The height of the letters in points, for a device (null: the screen) that maps one unit to a pixel. It becomes
   // negative: the height of the characters without the room above them.

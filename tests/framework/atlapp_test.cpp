@@ -28,8 +28,8 @@ struct Idle : CIdleHandler {
 class Target : public CWindowImpl<Target> {
  public:
   BEGIN_MSG_MAP(Target)
-    MESSAGE_RANGE_HANDLER(WM_USER, WM_USER + 99, OnUser)
-    MESSAGE_HANDLER(WM_CHAR, OnChar)
+  MESSAGE_RANGE_HANDLER(WM_USER, WM_USER + 99, OnUser)
+  MESSAGE_HANDLER(WM_CHAR, OnChar)
   END_MSG_MAP()
   LRESULT OnUser(UINT message, WPARAM, LPARAM, BOOL&) {
     log += std::to_string(message - WM_USER) + ' ';
@@ -108,27 +108,40 @@ TEST_F(MessageLoop, AMessageThatAFilterDealtWithGoesNoFurther) {
   EXPECT_EQ(target.log, "1 ");
 }
 
-TEST_F(MessageLoop, AFilterMayRemoveItselfAndOthers) {
-  int calls = 0;
-  Filter first([&](MSG*) -> BOOL { return ++calls, FALSE; });
-  Filter second([](MSG*) -> BOOL { return FALSE; });
-  Filter last([&](MSG*) -> BOOL {
-    loop.RemoveMessageFilter(&second);
-    loop.RemoveMessageFilter(&last);
+TEST_F(MessageLoop, AFilterMayRemoveItself) {
+  std::string order;
+  auto note = [&](MSG* message, char name) {
+    if (message->message == WM_USER) order += name;
     return FALSE;
+  };
+  Filter first([&](MSG* message) -> BOOL { return note(message, '1'); });
+  Filter once([&](MSG* message) -> BOOL { return loop.RemoveMessageFilter(&once), note(message, '2'); });
+  Filter last([&](MSG* message) -> BOOL { return note(message, '3'); });
+  for (Filter* filter : {&first, &once, &last}) loop.AddMessageFilter(filter);
+  run({WM_USER, WM_USER});
+  EXPECT_EQ(order, "32131");
+}
+
+TEST_F(MessageLoop, AnIdleHandlerMayRemoveItself) {
+  std::string order;
+  Idle once([&] {
+    order += "1";
+    loop.RemoveIdleHandler(&once);
   });
-  for (Filter* filter : {&first, &second, &last}) loop.AddMessageFilter(filter);
-  run({WM_USER});
-  EXPECT_EQ(calls, 2);
-  EXPECT_EQ(target.log, "0 ");
+  Idle always([&] { order += "2"; });
+  loop.AddIdleHandler(&once);
+  loop.AddIdleHandler(&always);
+  loop.OnIdle(0);
+  loop.OnIdle(0);
+  EXPECT_EQ(order, "122");
 }
 
 TEST_F(MessageLoop, IsIdleOnceWhenNoMessageIsWaiting) {
   std::string order;
   Idle first([&] { order += "1"; }), second([&] {
-         order += "2";
-         target.PostMessage(WM_CLOSE);
-       });
+    order += "2";
+    target.PostMessage(WM_CLOSE);
+  });
   loop.AddIdleHandler(&first);
   loop.AddIdleHandler(&second);
   Filter quit([&](MSG* message) -> BOOL {
@@ -179,7 +192,8 @@ TEST(MessageLoopOf, IdleMessages) {
     MSG message{nullptr, number, 0, 0, 0, {}};
     return CMessageLoop::IsIdleMessage(&message);
   };
-  for (UINT number : {UINT{WM_MOUSEMOVE}, UINT{WM_NCMOUSEMOVE}, UINT{WM_PAINT}, 0x0118u}) EXPECT_FALSE(ends_idleness(number)) << number;
+  for (UINT number : {UINT{WM_MOUSEMOVE}, UINT{WM_NCMOUSEMOVE}, UINT{WM_PAINT}, 0x0118u})
+    EXPECT_FALSE(ends_idleness(number)) << number;
   for (UINT number : {UINT{WM_TIMER}, UINT{WM_KEYDOWN}, UINT{WM_LBUTTONDOWN}, UINT{WM_USER}})
     EXPECT_TRUE(ends_idleness(number)) << number;
 }

@@ -12,7 +12,7 @@ namespace {
 class Parent : public CWindowImpl<Parent, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Parent)
-    COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
+  COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
   END_MSG_MAP()
   LRESULT OnClicked(WORD, WORD id, HWND, BOOL&) {
     clicked = id;
@@ -210,7 +210,7 @@ TEST_F(Controls, AToolWithoutAnIdentifierIsTheWholeWindow) {
 
 TEST_F(Controls, AWrapperMayNameAnyWindow) {
   CButton button;
-  make(button);
+  make(button, BS_CHECKBOX);
   CButton same = button.m_hWnd;
   same.SetCheck(BST_CHECKED);
   EXPECT_EQ(button.GetCheck(), BST_CHECKED);

@@ -40,8 +40,8 @@ HIMAGELIST make_images() {
 class Parent : public CWindowImpl<Parent, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Parent)
-    COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
-    COMMAND_CODE_HANDLER(BN_DOUBLECLICKED, OnDoubleClicked)
+  COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
+  COMMAND_CODE_HANDLER(BN_DOUBLECLICKED, OnDoubleClicked)
   END_MSG_MAP()
   LRESULT OnClicked(WORD, WORD, HWND, BOOL&) {
     ++clicks;
@@ -218,8 +218,9 @@ TEST_F(BitmapButton, HasTheEdgeThatItsStyleSays) {
   Picture released = paint();
   button->SetState(TRUE);
   Picture pressed = paint();
-  for (auto [style, raised, sunken] : {std::tuple<DWORD, UINT, UINT>{BMPBTN_AUTO3D_SINGLE, BDR_RAISEDINNER, BDR_SUNKENOUTER},
-                                       {BMPBTN_AUTO3D_DOUBLE, EDGE_RAISED, EDGE_SUNKEN}}) {
+  for (auto [style, raised, sunken] :
+       {std::tuple<DWORD, UINT, UINT>{BMPBTN_AUTO3D_SINGLE, BDR_RAISEDINNER, BDR_SUNKENOUTER},
+        {BMPBTN_AUTO3D_DOUBLE, EDGE_RAISED, EDGE_SUNKEN}}) {
     button->SetBitmapButtonExtendedStyle(style);
     button->SetState(FALSE);
     EXPECT_TRUE(paint() == with_edge(released, 40, raised));

@@ -59,7 +59,7 @@ void expect_ownership(Make make) {
     copy = nullptr;
   }
   EXPECT_TRUE(is_there(second)) << "a handle owns nothing";
-  Owner(second);
+  { Owner last(second); }
   EXPECT_FALSE(is_there(second));
 }
 
@@ -291,7 +291,7 @@ TEST(DeviceContext, WritesAndMeasuresText) {
 class Painted : public CWindowImpl<Painted, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Painted)
-    MESSAGE_HANDLER(WM_PAINT, OnPaint)
+  MESSAGE_HANDLER(WM_PAINT, OnPaint)
   END_MSG_MAP()
   LRESULT OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
     CPaintDC dc(m_hWnd);

@@ -5,8 +5,8 @@
 
 #include <gdiplus.h>
 
-#include <cstring>
 #include <filesystem>
+#include <utility>
 
 namespace {
 
@@ -40,7 +40,16 @@ Picture::Picture(HWND window) : Picture(client_size(window).cx, client_size(wind
   ReleaseDC(window, source);
 }
 
+Picture::Picture(Picture&& other) noexcept
+    : width_(other.width_),
+      height_(other.height_),
+      dc_(std::exchange(other.dc_, nullptr)),
+      bits_(other.bits_),
+      bitmap_(other.bitmap_),
+      original_(other.original_) {}
+
 Picture::~Picture() {
+  if (!dc_) return;
   SelectObject(dc_, original_);
   DeleteObject(bitmap_);
   DeleteDC(dc_);

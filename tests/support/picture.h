@@ -13,8 +13,8 @@ class Picture {
   // Of what a window shows in its client area now.
   explicit Picture(HWND window);
   ~Picture();
-  Picture(const Picture&) = delete;
-  Picture& operator=(const Picture&) = delete;
+  Picture(Picture&& other) noexcept;
+  Picture& operator=(Picture&&) = delete;
 
   HDC dc() const { return dc_; }
   COLORREF at(int x, int y) const { return GetPixel(dc_, x, y); }
