@@ -458,19 +458,12 @@ TEST_F(BitmapButtonOnScreen, ShowsThatTheMouseIsOverIt) {
 TEST_F(BitmapButtonOnScreen, WithoutHoverModeTheMouseChangesNothing) {
   make(0);
   EXPECT_TRUE(comes(red));
-  bool moved = false;
   move(10, 10);
-  EXPECT_TRUE(pump_until([&] {
-    POINT cursor;
-    GetCursorPos(&cursor);
-    return WindowFromPoint(cursor) == button->m_hWnd;
-  }));
   mouse(MOUSEEVENTF_LEFTDOWN);  // a press shows that the moves before it have arrived
   EXPECT_TRUE(comes(green));
   EXPECT_FALSE(button->m_fMouseOver);
   mouse(MOUSEEVENTF_LEFTUP);
   EXPECT_TRUE(comes(blue)) << "the focus that a click gives";
-  EXPECT_FALSE(moved);
 }
 
 TEST_F(BitmapButtonOnScreen, IsPressedWhileTheMouseIsHeldDownOverIt) {
