@@ -1,0 +1,89 @@
+#include <support/resource_counts.h>
+
+#include <windows.h>
+
+#include <psapi.h>
+#include <winternl.h>
+
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// The table of GDI handles, which every process has in view. GetGuiResources would count them, but not everywhere.
+struct GdiEntry {
+  unsigned long long object;
+  unsigned short process;
+  unsigned short reserved;
+  unsigned short count;
+  unsigned char type;
+  unsigned char flags;
+  unsigned long long user;
+};
+constexpr size_t gdi_entries = 16384;
+constexpr size_t gdi_table_in_peb = 0xF8;
+
+struct HandleEntry {
+  ULONG process;
+  BYTE type;
+  BYTE flags;
+  USHORT handle;
+  void* object;
+  ULONG access;
+};
+struct HandleTable {
+  ULONG count;
+  HandleEntry entries[1];
+};
+constexpr auto system_handle_information = static_cast<SYSTEM_INFORMATION_CLASS>(16);
+
+bool is_of_the_system(HWND window) {
+  char name[64];
+  GetClassNameA(window, name, sizeof name);
+  return !strcmp(name, "IME") || !strcmp(name, "MSCTFIME UI") || !strcmp(name, "OleMainThreadWndClass") ||
+         !strcmp(name, "OleDdeWndClass");
+}
+
+}  // namespace
+
+int count_gdi_objects() {
+  GdiFlush();
+  PROCESS_BASIC_INFORMATION process;
+  NtQueryInformationProcess(GetCurrentProcess(), ProcessBasicInformation, &process, sizeof process, nullptr);
+  auto* peb = reinterpret_cast<const char*>(process.PebBaseAddress);
+  const GdiEntry* table;
+  memcpy(&table, peb + gdi_table_in_peb, sizeof table);
+  int count = 0;
+  for (size_t i = 0; i < gdi_entries; ++i) count += table[i].type != 0;
+  return count;
+}
+
+int count_kernel_handles() {
+  std::vector<char> buffer(1 << 20);
+  ULONG needed;
+  while (NtQuerySystemInformation(system_handle_information, buffer.data(), static_cast<ULONG>(buffer.size()), &needed))
+    buffer.resize(buffer.size() * 2);
+  auto* table = reinterpret_cast<const HandleTable*>(buffer.data());
+  int count = 0;
+  for (ULONG i = 0; i < table->count; ++i) count += table->entries[i].process == GetCurrentProcessId();
+  return count;
+}
+
+int count_windows() {
+  int count = 0;
+  EnumThreadWindows(
+      GetCurrentThreadId(),
+      [](HWND window, LPARAM counted) -> BOOL {
+        if (!is_of_the_system(window)) ++*reinterpret_cast<int*>(counted);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&count));
+  return count;
+}
+
+size_t count_memory() {
+  PROCESS_MEMORY_COUNTERS_EX counters = {};
+  counters.cb = sizeof counters;
+  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+  return counters.PrivateUsage;
+}
