@@ -1,5 +1,7 @@
 #include <framework/error_text.h>
 
+#include <atlstr.h>
+
 #include <cstring>
 
 namespace framework {
@@ -19,6 +21,14 @@ BOOL give_system_text(DWORD code, LPTSTR message, UINT room) {
   BOOL given = give_text(length ? text : "", message, room);
   LocalFree(text);
   return given;
+}
+
+BOOL give_text_of_cause(const char* const* texts, std::size_t count, int cause, const char* name, LPTSTR message,
+                        UINT room) {
+  bool known = cause >= 0 && static_cast<std::size_t>(cause) < count;
+  CString text(texts[known ? cause : 1]);
+  text.Replace("%s", *name ? name : "an unnamed file");
+  return give_text(text, message, room);
 }
 
 }  // namespace framework

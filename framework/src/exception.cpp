@@ -1,4 +1,5 @@
 #include <afxdisp.h>
+#include <afxwin.h>
 
 #include <framework/error_text.h>
 
@@ -32,6 +33,16 @@ BOOL CInvalidArgException::GetErrorMessage(LPTSTR message, UINT room, UINT* help
   return framework::give_text("An invalid argument was given.", message, room);
 }
 
+BOOL CNotSupportedException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text("This is not supported.", message, room);
+}
+
+BOOL CResourceException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text("The system has no such resource left.", message, room);
+}
+
 COleException::COleException(SCODE code) : m_sc(code) {}
 
 BOOL COleException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
@@ -50,5 +61,9 @@ BOOL COleDispatchException::GetErrorMessage(LPTSTR message, UINT room, UINT* hel
 void AfxThrowMemoryException() { throw &memory_exception; }
 
 void AfxThrowInvalidArgException() { throw new CInvalidArgException; }
+
+void AfxThrowNotSupportedException() { throw new CNotSupportedException; }
+
+void AfxThrowResourceException() { throw new CResourceException; }
 
 void AfxThrowOleException(SCODE code) { throw new COleException(code); }

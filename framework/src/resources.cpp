@@ -1,8 +1,53 @@
 #include <afxwin.h>
 
-HINSTANCE AfxFindStringResourceHandle(UINT id) {
-  // The system keeps strings in blocks of sixteen, numbered from 1.
-  return AfxFindResourceHandle(MAKEINTRESOURCE(id / 16 + 1), RT_STRING);
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+namespace {
+
+// The modules that offer their resources, the newest last.
+struct Libraries {
+  std::mutex lock;
+  std::vector<CDynLinkLibrary*> list;
+};
+
+Libraries& libraries() {
+  static Libraries all;
+  return all;
 }
 
-HINSTANCE AfxFindResourceHandle(LPCSTR, LPCSTR) { return GetModuleHandleA(nullptr); }
+// The first module that holds something, in the order in which they are looked through; null where none does.
+template <typename Holds>
+HINSTANCE first_module(Holds holds) {
+  if (holds(AfxGetResourceHandle())) return AfxGetResourceHandle();
+  std::lock_guard guard(libraries().lock);
+  const std::vector<CDynLinkLibrary*>& list = libraries().list;
+  auto found =
+      std::find_if(list.rbegin(), list.rend(), [&](CDynLinkLibrary* each) { return holds(each->m_hResource); });
+  return found == list.rend() ? nullptr : (*found)->m_hResource;
+}
+
+}  // namespace
+
+CDynLinkLibrary::CDynLinkLibrary(HINSTANCE module, HINSTANCE resources) : m_hModule(module), m_hResource(resources) {
+  std::lock_guard guard(libraries().lock);
+  libraries().list.push_back(this);
+}
+
+CDynLinkLibrary::~CDynLinkLibrary() {
+  std::lock_guard guard(libraries().lock);
+  std::erase(libraries().list, this);
+}
+
+HINSTANCE AfxFindResourceHandle(LPCSTR name, LPCSTR type) {
+  HINSTANCE found = first_module([&](HINSTANCE module) { return FindResourceA(module, name, type) != nullptr; });
+  return found ? found : AfxGetResourceHandle();
+}
+
+HINSTANCE AfxFindStringResourceHandle(UINT id) {
+  // Not by FindResource: the system keeps strings in blocks of sixteen, in which this one may be missing.
+  const wchar_t* text = nullptr;
+  return first_module(
+      [&](HINSTANCE module) { return LoadStringW(module, id, reinterpret_cast<LPWSTR>(&text), 0) > 0; });
+}

@@ -1,0 +1,14 @@
+// The thread object that AfxGetThread gives.
+#ifndef FRAMEWORK_CURRENT_THREAD_H
+#define FRAMEWORK_CURRENT_THREAD_H
+
+class CWinThread;
+
+namespace framework {
+
+// Of the calling thread; null for none.
+void set_current_thread(CWinThread* thread);
+
+}  // namespace framework
+
+#endif

@@ -1,0 +1,43 @@
+#include <afxwin.h>
+
+#include <framework/current_thread.h>
+
+CWinApp::CWinApp(LPCTSTR appName) : m_pszAppName(appName), m_hInstance(AfxGetInstanceHandle()) {
+  m_bAutoDelete = FALSE;
+  m_hThread = GetCurrentThread();
+  m_nThreadID = GetCurrentThreadId();
+  AfxGetModuleState()->m_pCurrentWinApp = this;
+  framework::set_current_thread(this);
+}
+
+CWinApp::~CWinApp() {
+  m_hThread = nullptr;  // it names whatever thread asks, and is not to be closed
+  if (AfxGetAppModuleState()->m_pCurrentWinApp == this) AfxGetAppModuleState()->m_pCurrentWinApp = nullptr;
+  if (AfxGetApp() == this) AfxGetModuleState()->m_pCurrentWinApp = nullptr;
+}
+
+BOOL CWinApp::InitInstance() { return TRUE; }
+
+int CWinApp::Run() {
+  if (!m_pMainWnd) PostQuitMessage(0);
+  return CWinThread::Run();
+}
+
+void CWinApp::WinHelp(DWORD_PTR data, UINT command) {
+  if (!m_pszHelpFilePath || !m_pMainWnd) return;
+  ::WinHelpA(m_pMainWnd->GetSafeHwnd(), m_pszHelpFilePath, command, data);
+}
+
+void CWinApp::WinHelpInternal(DWORD_PTR data, UINT command) { WinHelp(data, command); }
+
+BOOL AfxWinInit(HINSTANCE instance, HINSTANCE, LPTSTR commandLine, int showCommand) {
+  AFX_MODULE_STATE* state = AfxGetModuleState();
+  state->m_hCurrentInstanceHandle = instance;
+  state->m_hCurrentResourceHandle = instance;
+  if (CWinApp* app = AfxGetApp()) {
+    app->m_hInstance = instance;
+    app->m_lpCmdLine = commandLine;
+    app->m_nCmdShow = showCommand;
+  }
+  return TRUE;
+}
