@@ -9,7 +9,7 @@ if(MSVC)
   target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
   target_compile_options(
-    kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+    kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
                               -Wold-style-cast -Wundef -Werror -fvisibility=hidden)
 endif()
 if(WIN32)

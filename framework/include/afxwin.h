@@ -50,7 +50,10 @@ class AFX_MAINTAIN_STATE2 {
 };
 
 // Lets a state hold on this thread until the block ends, by an exception too.
-#define AFX_MANAGE_STATE(state) AFX_MAINTAIN_STATE2 _ctlState(state)
+#define AFX_MANAGE_STATE(state) AFX_MANAGE_STATE_NAMED(state, __LINE__)
+// A name for each line, so that the one in a block within hides nothing.
+#define AFX_MANAGE_STATE_NAMED(state, line) AFX_MANAGE_STATE_JOINED(state, line)
+#define AFX_MANAGE_STATE_JOINED(state, line) AFX_MAINTAIN_STATE2 _ctlState##line(state)
 
 // Of the module whose state holds on this thread.
 inline HINSTANCE AfxGetInstanceHandle() { return AfxGetModuleState()->m_hCurrentInstanceHandle; }
@@ -178,7 +181,8 @@ inline CWnd* AfxGetMainWnd() {
   return thread ? thread->GetMainWnd() : nullptr;
 }
 
-// The application, and its first thread: the one that makes the object. There is one at a time in a module.
+// The application, and its first thread: the one that makes the object. It belongs to the module whose state holds
+// then, and there is one at a time.
 class KEXFRAMEWORK_API CWinApp : public CWinThread {
  public:
   explicit CWinApp(LPCTSTR appName = nullptr);
@@ -199,6 +203,9 @@ class KEXFRAMEWORK_API CWinApp : public CWinThread {
   HINSTANCE m_hInstance;
   LPTSTR m_lpCmdLine = nullptr;
   int m_nCmdShow = SW_SHOWNORMAL;
+
+ private:
+  AFX_MODULE_STATE* m_state;  // that of its module
 };
 
 // Gives the application object what the program's entry point was called with; called from there, where that is not

@@ -2,18 +2,18 @@
 
 #include <framework/current_thread.h>
 
-CWinApp::CWinApp(LPCTSTR appName) : m_pszAppName(appName), m_hInstance(AfxGetInstanceHandle()) {
+CWinApp::CWinApp(LPCTSTR appName)
+    : m_pszAppName(appName), m_hInstance(AfxGetInstanceHandle()), m_state(AfxGetModuleState()) {
   m_bAutoDelete = FALSE;
   m_hThread = GetCurrentThread();
   m_nThreadID = GetCurrentThreadId();
-  AfxGetModuleState()->m_pCurrentWinApp = this;
+  m_state->m_pCurrentWinApp = this;
   framework::set_current_thread(this);
 }
 
 CWinApp::~CWinApp() {
   m_hThread = nullptr;  // it names whatever thread asks, and is not to be closed
-  if (AfxGetAppModuleState()->m_pCurrentWinApp == this) AfxGetAppModuleState()->m_pCurrentWinApp = nullptr;
-  if (AfxGetApp() == this) AfxGetModuleState()->m_pCurrentWinApp = nullptr;
+  if (m_state->m_pCurrentWinApp == this) m_state->m_pCurrentWinApp = nullptr;
 }
 
 BOOL CWinApp::InitInstance() { return TRUE; }

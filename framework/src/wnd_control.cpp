@@ -1,52 +1,18 @@
 // CWnd as the host of an ActiveX control.
 #include <afxdisp.h>
 #include <afxwin.h>
+#include <atlwin.h>
 
 #include <framework/dispatch.h>
 
 #include <climits>
 #include <vector>
 
-// The system's host library, which no header declares.
-extern "C" {
-HRESULT WINAPI AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** container);
-HRESULT WINAPI AtlAxGetControl(HWND window, IUnknown** control);
-}
-
 namespace {
-
-// The class of the windows that host. The host library keeps its own data in a window, and must not be asked about one
-// that is none of its own: the class tells.
-class HostClass {
- public:
-  HostClass() {
-    WNDCLASSA description{};
-    description.style = CS_GLOBALCLASS;  // windows are made for whichever module's state holds
-    description.lpfnWndProc = DefWindowProcA;
-    description.hInstance = _AtlBaseModule.GetModuleInstance();
-    description.hCursor = LoadCursorA(nullptr, IDC_ARROW);
-    description.lpszClassName = "kexframework.ControlHost";
-    atom_ = RegisterClassA(&description);
-  }
-  HostClass(const HostClass&) = delete;
-  HostClass& operator=(const HostClass&) = delete;
-  ~HostClass() { UnregisterClassA(name(), _AtlBaseModule.GetModuleInstance()); }
-
-  LPCSTR name() const { return MAKEINTRESOURCEA(atom_); }
-  bool is_that_of(HWND window) const { return atom_ && window && GetClassLongPtrA(window, GCW_ATOM) == atom_; }
-
- private:
-  ATOM atom_;
-};
-
-const HostClass& host_class() {
-  static const HostClass registered;
-  return registered;
-}
 
 CComPtr<IUnknown> control_of(HWND window) {
   CComPtr<IUnknown> control;
-  if (host_class().is_that_of(window)) AtlAxGetControl(window, &control);
+  AtlAxGetControl(window, &control);
   return control;
 }
 
@@ -128,8 +94,8 @@ BOOL CWnd::CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const 
   CComPtr<IUnknown> control;
   if (FAILED(make(clsid, licenseKey, &control))) return FALSE;
   if (FAILED(persist ? load(control, persist, storage) : begin_anew(control))) return FALSE;
-  // Not the virtual one: a control's own class overrides it to come here.
-  if (!CWnd::Create(host_class().name(), windowName, style | WS_CLIPCHILDREN, rect, parent, id)) return FALSE;
+  // Not the virtual one: a control's own class overrides it to come here. A text would name another control.
+  if (!AtlAxWinInit() || !CWnd::Create(ATLAXWIN_CLASS, "", style | WS_CLIPCHILDREN, rect, parent, id)) return FALSE;
   CComPtr<IUnknown> container;
   if (FAILED(AtlAxAttachControl(control, m_hWnd, &container))) {
     DestroyWindow();

@@ -3,6 +3,7 @@
 
 #include <afxdisp.h>
 #include <atlstr.h>
+#include <framework/resources.h>
 
 #include <cmath>
 #include <limits>
@@ -281,6 +282,26 @@ TEST(String, WideFormatTakesWideTexts) {
   CStringW text;
   text.Format(L"%s=%d", L"wide", 5);
   EXPECT_STREQ(text.GetString(), L"wide=5");
+}
+
+TEST(String, LoadsStringResources) {
+  HINSTANCE module = GetModuleHandleA(nullptr);
+  CStringA text;
+  EXPECT_TRUE(text.LoadString(module, IDS_FIRST));
+  EXPECT_STREQ(text, "first");
+  EXPECT_TRUE(text.LoadString(IDS_LONG));
+  EXPECT_EQ(text.GetLength(), 160);
+  CStringW wide;
+  EXPECT_TRUE(wide.LoadString(module, IDS_ACCENTS));
+  EXPECT_STREQ(wide.GetString(), L"Gr\x00F6\x00DF\x0065");
+}
+
+TEST(String, KeepsItsTextWhereThereIsNoResource) {
+  CStringA text("kept");
+  EXPECT_FALSE(text.LoadString(GetModuleHandleA(nullptr), IDS_MISSING));
+  EXPECT_FALSE(text.LoadString(GetModuleHandleA(nullptr), IDS_FAR));
+  EXPECT_FALSE(text.LoadString(GetModuleHandleA("kernel32.dll"), IDS_FIRST));
+  EXPECT_STREQ(text, "kept");
 }
 
 class CodePage : public testing::Test {

@@ -1,0 +1,93 @@
+#include <afx.h>
+#include <atlwin.h>
+
+#include <framework/system_library.h>
+
+namespace ATL {
+
+namespace {
+
+// The system's own host for ActiveX controls.
+struct Host {
+  HRESULT(WINAPI* create_control)(LPCOLESTR name, HWND window, IStream* stream, IUnknown** container);
+  HRESULT(WINAPI* attach_control)(IUnknown* control, HWND window, IUnknown** container);
+  HRESULT(WINAPI* get_control)(HWND window, IUnknown** control);
+  HRESULT(WINAPI* get_host)(HWND window, IUnknown** host);
+  bool there;
+
+  Host() {
+    framework::SystemLibrary library("atl.dll");
+    there = library.find(create_control, "AtlAxCreateControl") && library.find(attach_control, "AtlAxAttachControl") &&
+            library.find(get_control, "AtlAxGetControl") && library.find(get_host, "AtlAxGetHost");
+  }
+};
+
+const Host& host() {
+  static const Host found;
+  return found;
+}
+
+UINT get_control_message() {
+  static const UINT message = RegisterWindowMessageA("WM_ATLGETCONTROL");
+  return message;
+}
+UINT get_host_message() {
+  static const UINT message = RegisterWindowMessageA("WM_ATLGETHOST");
+  return message;
+}
+
+using Getter = HRESULT(WINAPI*)(HWND, IUnknown**);
+LRESULT answer(Getter get, HWND window) {
+  IUnknown* object = nullptr;
+  return SUCCEEDED(get(window, &object)) ? reinterpret_cast<LRESULT>(object) : 0;
+}
+
+// Whether the window has the control that its text names, or names none yet.
+bool has_its_control(HWND window, LPCSTR name) {
+  if (!name || !*name) return true;
+  CComPtr<IUnknown> container;
+  return host().there && SUCCEEDED(host().create_control(CA2W(name), window, nullptr, &container));
+}
+
+// The library takes the window over when it makes the control; what it leaves unanswered comes here.
+LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_CREATE) {
+    try {
+      return has_its_control(window, reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName) ? 0 : -1;
+    } catch (CException* exception) {  // a text that cannot be converted
+      exception->Delete();
+      return -1;
+    }
+  }
+  if (message == get_control_message()) return answer(host().get_control, window);
+  if (message == get_host_message()) return answer(host().get_host, window);
+  return DefWindowProc(window, message, wParam, lParam);
+}
+
+HRESULT ask(HWND window, UINT message, IUnknown** object) {
+  if (!object) return E_POINTER;
+  *object = reinterpret_cast<IUnknown*>(SendMessage(window, message, 0, 0));
+  return *object ? S_OK : E_FAIL;
+}
+
+}  // namespace
+
+BOOL AtlAxWinInit() {
+  if (!host().there) return FALSE;
+  // A class of the whole process: whichever module makes the window names it by its own instance.
+  static CWndClassInfo info = {{sizeof(WNDCLASSEX), CS_GLOBALCLASS | CS_DBLCLKS, host_procedure, 0, 0, nullptr, nullptr,
+                                nullptr, reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1), nullptr, ATLAXWIN_CLASS, nullptr},
+                               nullptr};
+  WNDPROC none;
+  return info.Register(&none) != 0;
+}
+
+HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** container) {
+  return host().there ? host().attach_control(control, window, container) : E_FAIL;
+}
+
+HRESULT AtlAxGetControl(HWND window, IUnknown** control) { return ask(window, get_control_message(), control); }
+
+HRESULT AtlAxGetHost(HWND window, IUnknown** host) { return ask(window, get_host_message(), host); }
+
+}  // namespace ATL

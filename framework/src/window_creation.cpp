@@ -1,0 +1,34 @@
+#include <atlwin.h>
+
+namespace ATL {
+
+namespace {
+
+// Where each thread keeps the innermost of its objects that wait for a window.
+class Waiting {
+ public:
+  Waiting() noexcept : slot_(TlsAlloc()) {}
+  ~Waiting() { TlsFree(slot_); }
+  _AtlCreateWndData* get() const noexcept { return static_cast<_AtlCreateWndData*>(TlsGetValue(slot_)); }
+  void set(_AtlCreateWndData* innermost) const noexcept { TlsSetValue(slot_, innermost); }
+
+ private:
+  DWORD slot_;
+};
+const Waiting waiting;
+
+}  // namespace
+
+_AtlCreateWndData::_AtlCreateWndData(void* object) noexcept : m_object(object), m_outer(waiting.get()) {
+  waiting.set(this);
+}
+
+_AtlCreateWndData::~_AtlCreateWndData() { waiting.set(m_outer); }
+
+void* _AtlCreateWndData::Extract() noexcept {
+  // The innermost may have got its window: then the message is of a window that nobody announced.
+  _AtlCreateWndData* innermost = waiting.get();
+  return innermost ? std::exchange(innermost->m_object, nullptr) : nullptr;
+}
+
+}  // namespace ATL

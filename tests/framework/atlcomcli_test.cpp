@@ -1,0 +1,244 @@
+// COM's values in owning types.
+#include <gtest/gtest.h>
+
+#include <afxdisp.h>
+#include <atlcomcli.h>
+#include <shlobj.h>
+
+#include <string>
+
+// An object that knows its references. In the open, since the compiler takes an interface that nobody else can
+// implement for one that it knows through and through.
+struct CountedObject : IDispatch {
+  ULONG references = 0;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** target) override {
+    if (id != IID_IUnknown && id != IID_IDispatch) {
+      *target = nullptr;
+      return E_NOINTERFACE;
+    }
+    *target = static_cast<IDispatch*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+  ULONG STDMETHODCALLTYPE Release() override { return --references; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
+    return E_NOTIMPL;
+  }
+};
+
+namespace {
+
+TEST(ComPtr, HoldsOneReferenceForAsLongAsItLives) {
+  CountedObject object;
+  {
+    CComPtr<IDispatch> first(&object);
+    EXPECT_EQ(object.references, 1U);
+    CComPtr<IDispatch> second(first);
+    EXPECT_EQ(object.references, 2U);
+    CComPtr<IDispatch> third;
+    third = second;
+    EXPECT_EQ(object.references, 3U);
+    third = nullptr;
+    EXPECT_EQ(object.references, 2U);
+    CComPtr<IDispatch> fourth(std::move(second));
+    EXPECT_EQ(object.references, 2U);
+    EXPECT_FALSE(second);  // NOLINT(bugprone-use-after-move): what is left behind is the point
+    first.Release();
+    EXPECT_EQ(object.references, 1U);
+    first.Release();
+    EXPECT_EQ(object.references, 1U);
+  }
+  EXPECT_EQ(object.references, 0U);
+}
+
+TEST(ComPtr, AssignedToItselfKeepsItsObject) {
+  CountedObject object;
+  CComPtr<IDispatch> pointer(&object);
+  CComPtr<IDispatch>& same = pointer;
+  pointer = same;
+  pointer = pointer.p;
+  EXPECT_EQ(object.references, 1U);
+}
+
+TEST(ComPtr, AttachesAndDetachesWithoutCounting) {
+  CountedObject object;
+  object.references = 1;
+  CComPtr<IDispatch> pointer;
+  pointer.Attach(&object);
+  EXPECT_EQ(object.references, 1U);
+  EXPECT_EQ(pointer.Detach(), &object);
+  EXPECT_EQ(object.references, 1U);
+  EXPECT_FALSE(pointer);
+}
+
+TEST(ComPtr, CopiesToAnOutPointerWithAReference) {
+  CountedObject object;
+  CComPtr<IDispatch> pointer(&object);
+  IDispatch* target = nullptr;
+  EXPECT_EQ(pointer.CopyTo(&target), S_OK);
+  EXPECT_EQ(target, &object);
+  EXPECT_EQ(object.references, 2U);
+  EXPECT_EQ(pointer.CopyTo(nullptr), E_POINTER);
+  target->Release();
+}
+
+TEST(ComPtr, CreatesObjectsAndAsksThem) {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  {
+    CComPtr<IShellLinkA> link;
+    ASSERT_EQ(link.CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER), S_OK);
+    CComPtr<IPersistFile> file;
+    EXPECT_EQ(link.QueryInterface(&file), S_OK);
+    CComPtr<IDispatch> none;
+    EXPECT_EQ(link.QueryInterface(&none), E_NOINTERFACE);
+    EXPECT_FALSE(none);
+  }
+  CoUninitialize();
+}
+
+TEST(ComQIPtr, AsksForItsInterfaceAndIsEmptyWithoutIt) {
+  CountedObject object;
+  {
+    CComQIPtr<IDispatch> dispatch(static_cast<IUnknown*>(&object));
+    EXPECT_EQ(dispatch, &object);
+    EXPECT_EQ(object.references, 1U);
+    CComQIPtr<IPersistFile> file(static_cast<IUnknown*>(&object));
+    EXPECT_FALSE(file);
+    dispatch = static_cast<IUnknown*>(nullptr);
+    EXPECT_FALSE(dispatch);
+    dispatch = static_cast<IUnknown*>(&object);
+    EXPECT_EQ(object.references, 1U);
+  }
+  EXPECT_EQ(object.references, 0U);
+}
+
+TEST(ComBSTR, CopiesItsTextWhole) {
+  CComBSTR text(3, L"a\0b");
+  EXPECT_EQ(text.Length(), 3U);
+  CComBSTR copy(text);
+  EXPECT_NE(copy.m_str, text.m_str);
+  EXPECT_EQ(std::wstring(copy, copy.Length()), std::wstring(L"a\0b", 3));
+  copy = CComBSTR(L"other");
+  EXPECT_STREQ(copy, L"other");
+  copy = copy.m_str;
+  EXPECT_STREQ(copy, L"other");
+}
+
+TEST(ComBSTR, WidensNarrowText) {
+  EXPECT_STREQ(CComBSTR("narrow"), L"narrow");
+  EXPECT_FALSE(CComBSTR(static_cast<LPCSTR>(nullptr)).m_str);
+}
+
+TEST(ComBSTR, TellsNoTextFromAnEmptyOne) {
+  CComBSTR none, empty(L"");
+  EXPECT_TRUE(!none);
+  EXPECT_FALSE(!empty);
+  EXPECT_EQ(none.Length(), 0U);
+  EXPECT_EQ(none.Copy(), nullptr);
+  EXPECT_TRUE(none == empty);  // for comparison both are empty text
+}
+
+TEST(ComBSTR, ComparesWithLetterCase) {
+  EXPECT_TRUE(CComBSTR(L"text") == CComBSTR(L"text"));
+  EXPECT_FALSE(CComBSTR(L"text") == CComBSTR(L"Text"));
+}
+
+TEST(ComBSTR, TakesOverAndHandsOut) {
+  BSTR raw = SysAllocString(L"raw");
+  CComBSTR text;
+  text.Attach(raw);
+  text.Attach(raw);  // its own: nothing happens
+  EXPECT_EQ(text.m_str, raw);
+  EXPECT_EQ(text.Detach(), raw);
+  EXPECT_FALSE(text.m_str);
+  *&text = raw;
+  text.Empty();
+  EXPECT_FALSE(text.m_str);
+}
+
+TEST(ComVariant, TakesEachTypeWithItsTag) {
+  EXPECT_EQ(CComVariant().vt, VT_EMPTY);
+  EXPECT_EQ(CComVariant(short{-3}).iVal, -3);
+  EXPECT_EQ(CComVariant(short{-3}).vt, VT_I2);
+  EXPECT_EQ(CComVariant(70000).vt, VT_I4);
+  EXPECT_EQ(CComVariant(70000L).lVal, 70000);
+  EXPECT_EQ(CComVariant(1.5).vt, VT_R8);
+  EXPECT_EQ(CComVariant(true).vt, VT_BOOL);
+  EXPECT_EQ(CComVariant(true).boolVal, VARIANT_TRUE);
+  EXPECT_EQ(CComVariant(false).boolVal, VARIANT_FALSE);
+  EXPECT_STREQ(CComVariant(L"wide").bstrVal, L"wide");
+  EXPECT_STREQ(CComVariant("narrow").bstrVal, L"narrow");
+}
+
+TEST(ComVariant, CountsTheObjectsItHolds) {
+  CountedObject object;
+  {
+    CComVariant first(static_cast<IDispatch*>(&object));
+    EXPECT_EQ(object.references, 1U);
+    CComVariant second(first), third;
+    third = second;
+    EXPECT_EQ(object.references, 3U);
+    third.Clear();
+    EXPECT_EQ(third.vt, VT_EMPTY);
+    EXPECT_EQ(object.references, 2U);
+    CComVariant unknown(static_cast<IUnknown*>(&object));
+    EXPECT_EQ(unknown.vt, VT_UNKNOWN);
+  }
+  EXPECT_EQ(object.references, 0U);
+}
+
+TEST(ComVariant, AssignedToItselfKeepsItsValue) {
+  CComVariant value(L"text");
+  BSTR text = value.bstrVal;
+  CComVariant& same = value;
+  value = same;
+  EXPECT_EQ(value.bstrVal, text);
+}
+
+TEST(ComVariant, ChangesTypesAsTheSystemDoes) {
+  CComVariant value(L" 12 ");
+  EXPECT_EQ(value.ChangeType(VT_I4), S_OK);
+  EXPECT_EQ(value.lVal, 12);
+  CComVariant target, source(L"abc");
+  EXPECT_EQ(target.ChangeType(VT_I4, &source), DISP_E_TYPEMISMATCH);
+}
+
+TEST(ComVariant, TakesOverAndHandsOut) {
+  VARIANT raw;
+  raw.vt = VT_BSTR;
+  raw.bstrVal = SysAllocString(L"raw");
+  BSTR text = raw.bstrVal;
+  CComVariant value(5);
+  EXPECT_EQ(value.Attach(&raw), S_OK);
+  EXPECT_EQ(raw.vt, VT_EMPTY);
+  EXPECT_EQ(value.bstrVal, text);
+  EXPECT_EQ(value.Detach(&raw), S_OK);
+  EXPECT_EQ(value.vt, VT_EMPTY);
+  EXPECT_EQ(raw.bstrVal, text);
+  VariantClear(&raw);
+  EXPECT_EQ(value.Attach(nullptr), E_INVALIDARG);
+  EXPECT_EQ(value.Detach(nullptr), E_POINTER);
+}
+
+TEST(ComVariant, ACopyThatFailsIsThrownAndLeavesTheErrorBehind) {
+  VARIANT bad = {};
+  bad.vt = static_cast<VARTYPE>(0x7F);  // no type at all
+  CComVariant value(5);
+  HRESULT thrown = S_OK;
+  try {
+    value = bad;
+  } catch (COleException* exception) {
+    thrown = exception->m_sc;
+    exception->Delete();
+  }
+  EXPECT_EQ(thrown, DISP_E_BADVARTYPE);
+  EXPECT_EQ(value.vt, VT_ERROR);
+  EXPECT_EQ(value.scode, thrown);
+}
+
+}  // namespace
