@@ -61,7 +61,7 @@ class BitmapButton : public testing::Test {
  protected:
   void SetUp() override {
     RECT place{200, 200, 400, 400};
-    ASSERT_TRUE(parent.Create(nullptr, place, "bitmap button", WS_POPUP | WS_VISIBLE));
+    ASSERT_TRUE(parent.Create(nullptr, place, "bitmap button", WS_POPUP));
   }
   void TearDown() override {
     if (parent.IsWindow()) parent.DestroyWindow();
@@ -72,7 +72,7 @@ class BitmapButton : public testing::Test {
     return plain.Create(parent, place, "", WS_CHILD | WS_VISIBLE, 0, 17U);
   }
 
-  // A button with these styles and pictures for all its states, on screen.
+  // A button with these styles and pictures for all its states.
   CBitmapButton& make(DWORD style) {
     button = std::make_unique<CBitmapButton>(style, make_images());
     button->SetImages(normal, pushed, hot, disabled);
@@ -412,6 +412,7 @@ class BitmapButtonOnScreen : public BitmapButton {
   void SetUp() override {
     SetCursorPos(5, 5);
     BitmapButton::SetUp();
+    parent.ShowWindow(SW_SHOW);
     SetForegroundWindow(parent);
     ASSERT_TRUE(pump_until([&] { return GetForegroundWindow() == parent.m_hWnd; }));
   }

@@ -130,7 +130,7 @@ class Sheet : public CPropertySheetImpl<Sheet> {
   size_t step = 0;
 };
 
-class PropertySheets : public testing::Test {
+class PropertySheetsOnScreen : public testing::Test {
  protected:
   void SetUp() override { told.clear(); }
   void add_pages() {
@@ -149,7 +149,7 @@ class PropertySheets : public testing::Test {
   Sheet sheet{"Settings"};
 };
 
-TEST_F(PropertySheets, AsksForItsCallbackAndNothingElse) {
+TEST_F(PropertySheetsOnScreen, AsksForItsCallbackAndNothingElse) {
   Sheet made("title", 2, GetDesktopWindow());
   EXPECT_EQ(made.m_psh.dwSize, sizeof(PROPSHEETHEADER));
   EXPECT_EQ(made.m_psh.dwFlags, DWORD{PSH_USECALLBACK});
@@ -162,7 +162,7 @@ TEST_F(PropertySheets, AsksForItsCallbackAndNothingElse) {
   EXPECT_EQ(Sheet().m_psh.pszCaption, nullptr);
 }
 
-TEST_F(PropertySheets, OkAppliesThePagesThatWereThere) {
+TEST_F(PropertySheetsOnScreen, OkAppliesThePagesThatWereThere) {
   add_pages();
   EXPECT_GT(sheet.run({sheet.expect_page(0), sheet.go_to(1), sheet.expect_page(1), sheet.press(PSBTN_OK)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 2 init, 2 active, 2 kill, 1 apply, 2 apply, ");
@@ -171,34 +171,34 @@ TEST_F(PropertySheets, OkAppliesThePagesThatWereThere) {
   EXPECT_EQ(first.m_hWnd, nullptr);
 }
 
-TEST_F(PropertySheets, CancelResetsThePagesThatWereThere) {
+TEST_F(PropertySheetsOnScreen, CancelResetsThePagesThatWereThere) {
   add_pages();
   EXPECT_EQ(sheet.run({sheet.press(PSBTN_CANCEL)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, APageMayRefuseToBeCancelled) {
+TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeCancelled) {
   first.cancel = FALSE;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.press(PSBTN_CANCEL), [] { told += "still there, "; }}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 cancel?, still there, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, APageMayRefuseToBeLeft) {
+TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeLeft) {
   first.kill = FALSE;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.go_to(1), sheet.expect_page(0), sheet.press(PSBTN_OK), sheet.expect_page(0)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 1 kill, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, APageMayRefuseToBeApplied) {
+TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeApplied) {
   first.apply = FALSE;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.press(PSBTN_OK), sheet.expect_page(0)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 1 apply, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, APageMaySayThatThereIsSomethingToApply) {
+TEST_F(PropertySheetsOnScreen, APageMaySayThatThereIsSomethingToApply) {
   add_pages();
   auto enabled = [&] { return ::IsWindowEnabled(::GetDlgItem(sheet, apply_button)); };
   sheet.run({[&] {
@@ -211,7 +211,7 @@ TEST_F(PropertySheets, APageMaySayThatThereIsSomethingToApply) {
   }});
 }
 
-TEST_F(PropertySheets, HelpIsThePages) {
+TEST_F(PropertySheetsOnScreen, HelpIsThePages) {
   first.m_psp.dwFlags |= PSP_HASHELP;
   sheet.m_psh.dwFlags |= PSH_HASHELP;
   add_pages();
@@ -219,7 +219,7 @@ TEST_F(PropertySheets, HelpIsThePages) {
   EXPECT_EQ(told, "1 init, 1 active, 1 help, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, WhatAControlSaysIsNotTakenForTheSheets) {
+TEST_F(PropertySheetsOnScreen, WhatAControlSaysIsNotTakenForTheSheets) {
   add_pages();
   sheet.run({[&] {
     NMHDR header{first.GetDlgItem(IDC_PUSH), IDC_PUSH, static_cast<UINT>(PSN_APPLY)};
@@ -228,7 +228,7 @@ TEST_F(PropertySheets, WhatAControlSaysIsNotTakenForTheSheets) {
   EXPECT_EQ(told, "1 init, 1 active, 1 cancel?, 1 reset, ");
 }
 
-TEST_F(PropertySheets, BeginsWithThePageAndTheTitleThatItIsGiven) {
+TEST_F(PropertySheetsOnScreen, BeginsWithThePageAndTheTitleThatItIsGiven) {
   add_pages();
   EXPECT_EQ(sheet.GetActiveIndex(), 0);
   EXPECT_TRUE(sheet.SetActivePage(1));
@@ -247,7 +247,7 @@ TEST_F(PropertySheets, BeginsWithThePageAndTheTitleThatItIsGiven) {
   EXPECT_EQ(told, "2 init, 2 active, 2 cancel?, 2 reset, ");
 }
 
-TEST_F(PropertySheets, TakesPagesWhileItIsThere) {
+TEST_F(PropertySheetsOnScreen, TakesPagesWhileItIsThere) {
   add_pages();
   sheet.run({[&] {
                EXPECT_TRUE(sheet.AddPage(third));
@@ -258,7 +258,7 @@ TEST_F(PropertySheets, TakesPagesWhileItIsThere) {
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 3 init, 3 active, 3 cancel?, 1 reset, 3 reset, ");
 }
 
-TEST_F(PropertySheets, MayBeShownAgainWithNewPages) {
+TEST_F(PropertySheetsOnScreen, MayBeShownAgainWithNewPages) {
   for (int i = 0; i < 2; ++i) {
     add_pages();
     EXPECT_EQ(sheet.m_arrPages.size(), 2u);
@@ -269,14 +269,14 @@ TEST_F(PropertySheets, MayBeShownAgainWithNewPages) {
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 1 apply, 1 init, 1 active, 1 kill, 1 apply, ");
 }
 
-TEST_F(PropertySheets, TakesTheParentGivenFirst) {
+TEST_F(PropertySheetsOnScreen, TakesTheParentGivenFirst) {
   sheet.m_psh.hwndParent = GetDesktopWindow();
   add_pages();
   sheet.run({});
   EXPECT_EQ(sheet.m_psh.hwndParent, GetDesktopWindow());
 }
 
-TEST_F(PropertySheets, ATitleOfAPageIsItsTab) {
+TEST_F(PropertySheetsOnScreen, ATitleOfAPageIsItsTab) {
   CPropertyPage<IDD_FIRST_PAGE> plain("Named"), unnamed;
   EXPECT_TRUE(sheet.AddPage(plain));
   EXPECT_TRUE(sheet.AddPage(unnamed.Create()));
@@ -303,7 +303,7 @@ UINT CALLBACK count_releases(HWND, UINT message, LPPROPSHEETPAGE) {
   return 1;
 }
 
-TEST_F(PropertySheets, PagesGoWithTheSheetThatWasNeverShown) {
+TEST_F(PropertySheetsOnScreen, PagesGoWithTheSheetThatWasNeverShown) {
   released = 0;
   first.m_psp.dwFlags |= PSP_USECALLBACK;
   first.m_psp.pfnCallback = count_releases;
@@ -319,14 +319,14 @@ TEST_F(PropertySheets, PagesGoWithTheSheetThatWasNeverShown) {
   EXPECT_EQ(released, 3) << "the system lets those go that were shown";
 }
 
-TEST_F(PropertySheets, APageThatTheSystemRefusesIsNotAdded) {
+TEST_F(PropertySheetsOnScreen, APageThatTheSystemRefusesIsNotAdded) {
   PROPSHEETPAGE none{};
   EXPECT_FALSE(sheet.AddPage(&none));
   EXPECT_FALSE(sheet.AddPage(HPROPSHEETPAGE{}));
   EXPECT_TRUE(sheet.m_arrPages.empty());
 }
 
-TEST_F(PropertySheets, ACopyBeginsAsTheOriginalWould) {
+TEST_F(PropertySheetsOnScreen, ACopyBeginsAsTheOriginalWould) {
   sheet.SetTitle("Copied");
   Sheet copy(sheet);
   EXPECT_STREQ(copy.m_psh.pszCaption, "Copied");
@@ -338,7 +338,7 @@ TEST_F(PropertySheets, ACopyBeginsAsTheOriginalWould) {
 
 // ---- wizards --------------------------------------------------------------------------------------------------------
 
-TEST_F(PropertySheets, AWizardGoesForthAndBackAndFinishes) {
+TEST_F(PropertySheetsOnScreen, AWizardGoesForthAndBackAndFinishes) {
   add_wizard_pages();
   EXPECT_GT(sheet.run({sheet.press(PSBTN_NEXT), sheet.expect_page(1), sheet.press(PSBTN_BACK), sheet.expect_page(0),
                        sheet.press(PSBTN_NEXT), sheet.press(PSBTN_NEXT),
@@ -353,7 +353,7 @@ TEST_F(PropertySheets, AWizardGoesForthAndBackAndFinishes) {
             "2 next, 2 kill, 3 init, 3 active, 3 finish, ");
 }
 
-TEST_F(PropertySheets, APageOfAWizardMayKeepTheUserOrSendHimElsewhere) {
+TEST_F(PropertySheetsOnScreen, APageOfAWizardMayKeepTheUserOrSendHimElsewhere) {
   add_wizard_pages();
   first.next = -1;
   second.back = -1;
@@ -363,7 +363,7 @@ TEST_F(PropertySheets, APageOfAWizardMayKeepTheUserOrSendHimElsewhere) {
              sheet.expect_page(2)});
 }
 
-TEST_F(PropertySheets, APageThatDoesNotWantToBeActiveIsPassedOver) {
+TEST_F(PropertySheetsOnScreen, APageThatDoesNotWantToBeActiveIsPassedOver) {
   add_wizard_pages();
   second.active = FALSE;
   sheet.run({sheet.press(PSBTN_NEXT), sheet.expect_page(2)});
@@ -372,14 +372,14 @@ TEST_F(PropertySheets, APageThatDoesNotWantToBeActiveIsPassedOver) {
             "3 reset, ");
 }
 
-TEST_F(PropertySheets, APageMayRefuseToFinish) {
+TEST_F(PropertySheetsOnScreen, APageMayRefuseToFinish) {
   add_wizard_pages();
   first.finish = FALSE;
   EXPECT_GT(sheet.run({sheet.press(PSBTN_FINISH), sheet.expect_page(0), sheet.press(PSBTN_FINISH)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 finish, 1 finish, ");
 }
 
-TEST_F(PropertySheets, TheButtonsOfAWizardAreSetAfterWhatIsUnderWay) {
+TEST_F(PropertySheetsOnScreen, TheButtonsOfAWizardAreSetAfterWhatIsUnderWay) {
   add_wizard_pages();
   auto enabled = [&] { return ::IsWindowEnabled(::GetDlgItem(sheet, next_button)); };
   sheet.run({[&] {
@@ -392,7 +392,7 @@ TEST_F(PropertySheets, TheButtonsOfAWizardAreSetAfterWhatIsUnderWay) {
 
 // ---- modeless sheets ------------------------------------------------------------------------------------------------
 
-TEST_F(PropertySheets, AModelessOneGoesWhenItIsClosed) {
+TEST_F(PropertySheetsOnScreen, AModelessOneGoesWhenItIsClosed) {
   for (auto [message, parameter] :
        {std::pair<UINT, WPARAM>{WM_COMMAND, IDOK}, {WM_COMMAND, IDCANCEL}, {WM_SYSCOMMAND, SC_CLOSE}}) {
     CPropertySheet modeless("Modeless");
@@ -407,7 +407,7 @@ TEST_F(PropertySheets, AModelessOneGoesWhenItIsClosed) {
   }
 }
 
-TEST_F(PropertySheets, AModelessOneThatMayNotBeClosedStays) {
+TEST_F(PropertySheetsOnScreen, AModelessOneThatMayNotBeClosedStays) {
   first.cancel = FALSE;
   CPropertySheet modeless("Modeless");
   EXPECT_TRUE(modeless.AddPage(first));
@@ -418,7 +418,7 @@ TEST_F(PropertySheets, AModelessOneThatMayNotBeClosedStays) {
   EXPECT_FALSE(modeless.IsWindow());
 }
 
-TEST_F(PropertySheets, RoundsLeaveNothingBehind) {
+TEST_F(PropertySheetsOnScreen, RoundsLeaveNothingBehind) {
   auto round = [&] {
     First a("a");
     Second b("b");

@@ -302,7 +302,7 @@ class Painted : public CWindowImpl<Painted, CWindow, CFrameWinTraits> {
   RECT to_paint{};
 };
 
-TEST(PaintDC, PaintsWhatIsInvalidAndMakesItValid) {
+TEST(PaintDCOnScreen, PaintsWhatIsInvalidAndMakesItValid) {
   Painted window;
   RECT place{10, 10, 210, 210};
   window.Create(nullptr, place, "painted", WS_POPUP | WS_VISIBLE);
@@ -318,7 +318,7 @@ TEST(PaintDC, PaintsWhatIsInvalidAndMakesItValid) {
   window.DestroyWindow();
 }
 
-TEST(WindowDC, CoversTheFrameToo) {
+TEST(WindowDCOnScreen, CoversTheFrameToo) {
   Painted window;
   RECT place{10, 10, 210, 210};
   window.Create(nullptr, place, "frame", WS_POPUP | WS_CAPTION | WS_VISIBLE);
