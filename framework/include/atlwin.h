@@ -23,6 +23,9 @@
 #include <cstdlib>
 #include <cstring>
 
+// A method's name here, and a macro of windowsx.h.
+#undef SubclassWindow
+
 struct AtlThunkData_t;
 
 namespace ATL {
@@ -35,6 +38,14 @@ class _U_RECT {
   _U_RECT(LPRECT rect) : m_lpRect(rect) {}
   _U_RECT(RECT& rect) : m_lpRect(&rect) {}
   LPRECT m_lpRect;
+};
+
+// A text, or the identifier of a resource.
+class _U_STRINGorID {
+ public:
+  _U_STRINGorID(LPCTSTR text) : m_lpstr(text) {}
+  _U_STRINGorID(UINT id) : m_lpstr(MAKEINTRESOURCE(id)) {}
+  LPCTSTR m_lpstr;
 };
 
 // The menu of a top-level window, or the identifier of a child.

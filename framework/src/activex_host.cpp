@@ -1,3 +1,4 @@
+#include <afx.h>
 #include <atlwin.h>
 
 #include <framework/system_library.h>
@@ -40,13 +41,22 @@ LRESULT answer(Getter get, HWND window) {
   return SUCCEEDED(get(window, &object)) ? reinterpret_cast<LRESULT>(object) : 0;
 }
 
+// Whether the window has the control that its text names, or names none yet.
+bool has_its_control(HWND window, LPCSTR name) {
+  if (!name || !*name) return true;
+  CComPtr<IUnknown> container;
+  return host().there && SUCCEEDED(host().create_control(CA2W(name), window, nullptr, &container));
+}
+
 // The library takes the window over when it makes the control; what it leaves unanswered comes here.
 LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CREATE) {
-    LPCSTR name = reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName;
-    if (!name || !*name) return 0;  // a host without a control yet
-    CComPtr<IUnknown> container;
-    return SUCCEEDED(host().create_control(CA2W(name), window, nullptr, &container)) ? 0 : -1;
+    try {
+      return has_its_control(window, reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName) ? 0 : -1;
+    } catch (CException* exception) {  // a text that cannot be converted
+      exception->Delete();
+      return -1;
+    }
   }
   if (message == get_control_message()) return answer(host().get_control, window);
   if (message == get_host_message()) return answer(host().get_host, window);

@@ -559,6 +559,22 @@ TEST(Superclass, OfNothingMakesNoWindow) {
   EXPECT_FALSE(orphan.Create(HWND_MESSAGE));
 }
 
+TEST(WindowClass, OfAModuleGoesWithIt) {
+  for (int round = 0; round < 2; ++round) {
+    HMODULE plugin = LoadLibraryA("window_class_plugin.dll");
+    ASSERT_TRUE(plugin);
+    auto make_and_destroy_window =
+        reinterpret_cast<BOOL (*)()>(reinterpret_cast<void*>(GetProcAddress(plugin, "make_and_destroy_window")));
+    EXPECT_TRUE(make_and_destroy_window());
+    WNDCLASSEX info = {};
+    info.cbSize = sizeof info;
+    EXPECT_TRUE(GetClassInfoEx(plugin, "TestPluginWindow", &info));
+    FreeLibrary(plugin);
+    EXPECT_FALSE(GetModuleHandleA("window_class_plugin.dll"));
+    EXPECT_FALSE(GetClassInfoEx(plugin, "TestPluginWindow", &info));
+  }
+}
+
 // Destroys itself in its own handler, nested as deeply as it is told, and deletes itself at the end.
 class SelfDestroying : public CWindowImpl<SelfDestroying, CWindow, CFrameWinTraits> {
  public:

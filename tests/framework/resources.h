@@ -7,6 +7,10 @@
 #define IDC_EDIT 1002
 #define IDC_LIST 1003
 
+#define IDD_FIRST_PAGE 110
+#define IDD_SECOND_PAGE 111
+#define IDD_THIRD_PAGE 112
+
 #define IDD_MISSING 199 /* there is no such dialog */
 
 #define IDS_FIRST 200

@@ -1,0 +1,300 @@
+// WTL's bitmap button: a button that shows pictures of an image list, one for each of its states.
+//
+//     CBitmapButton button(BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE, images);
+//     button.SetImages(0, 1, 2, 3);
+//     button.SubclassWindow(GetDlgItem(IDC_OPEN));
+//     button.SetToolTipText("Open");
+#ifndef FRAMEWORK_ATLCTRLX_H
+#define FRAMEWORK_ATLCTRLX_H
+
+#include <atlctrls.h>
+#include <atlmisc.h>
+#include <atlstr.h>
+
+#include <utility>
+
+namespace WTL {
+
+// Extended styles of a bitmap button.
+enum {
+  BMPBTN_HOVER = 0x01,            // looks different while the mouse is over it, instead of while it has the focus
+  BMPBTN_AUTO3D_SINGLE = 0x02,    // has an edge one pixel wide
+  BMPBTN_AUTO3D_DOUBLE = 0x04,    // has an edge two pixels wide
+  BMPBTN_AUTOSIZE = 0x08,         // takes the size of its pictures
+  BMPBTN_SHAREIMAGELISTS = 0x10,  // leaves the image list to somebody else
+  BMPBTN_CHECK = 0x40,            // stays pressed while it is checked
+};
+
+// A button T of the application's, derived from this: whatever member of these names T has is used.
+//
+// The system's button does the work with mouse and keyboard and notifies the parent (BN_CLICKED); this shows it.
+template <class T, class TBase = CButton, class TWinTraits = ATL::CControlWinTraits>
+class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
+  using Window = ATL::CWindowImpl<T, TBase, TWinTraits>;
+
+ public:
+  using Window::StartWindowProc;
+  DECLARE_WND_SUPERCLASS(nullptr, TBase::GetWndClassName())
+
+  enum { _nImageNormal, _nImagePushed, _nImageFocusOrHover, _nImageDisabled, _nImageCount };
+
+  explicit CBitmapButtonImpl(DWORD extendedStyle = BMPBTN_AUTOSIZE, HIMAGELIST images = nullptr)
+      : m_dwExtendedStyle(extendedStyle), m_ImageList(images) {}
+  CBitmapButtonImpl(const CBitmapButtonImpl&) = default;
+  CBitmapButtonImpl& operator=(const CBitmapButtonImpl&) = default;
+  ~CBitmapButtonImpl() override {
+    if (!(m_dwExtendedStyle & BMPBTN_SHAREIMAGELISTS)) m_ImageList.Destroy();
+  }
+
+  BOOL SubclassWindow(HWND button) {
+    if (!Window::SubclassWindow(button)) return FALSE;
+    self().Init();
+    return TRUE;
+  }
+
+  DWORD GetBitmapButtonExtendedStyle() const { return m_dwExtendedStyle; }
+  // Changes the styles of the mask, or with 0 all of them, and returns those of before.
+  DWORD SetBitmapButtonExtendedStyle(DWORD style, DWORD mask = 0) {
+    DWORD changed = mask ? (m_dwExtendedStyle & ~mask) | (style & mask) : style;
+    return std::exchange(m_dwExtendedStyle, changed);
+  }
+
+  HIMAGELIST GetImageList() const { return m_ImageList; }
+  // Returns the list of before, which is the caller's now.
+  HIMAGELIST SetImageList(HIMAGELIST images) {
+    HIMAGELIST before = std::exchange(m_ImageList.m_hImageList, images);
+    if (images && takes_size_of_images()) SizeToImage();
+    return before;
+  }
+  // The pictures of the states; -1 leaves a state as it was. A state without a picture shows the normal one.
+  void SetImages(int normal, int pushed = -1, int focusOrHover = -1, int disabled = -1) {
+    const int images[_nImageCount] = {normal, pushed, focusOrHover, disabled};
+    for (int i = 0; i < _nImageCount; ++i)
+      if (images[i] != -1) m_nImage[i] = images[i];
+  }
+
+  // Null or empty shows no tooltip.
+  void SetToolTipText(LPCTSTR text) {
+    m_strToolTipText = text;
+    if (m_tip.IsWindow()) show_tooltip_text();
+  }
+
+  // For BMPBTN_CHECK.
+  bool GetCheck() const { return m_fChecked; }
+  void SetCheck(bool check, bool update = true) {
+    m_fChecked = check;
+    if (update && this->IsWindow()) redraw();
+  }
+
+  // Gives the button the size of the pictures.
+  void SizeToImage() {
+    int width = 0, height = 0;
+    if (!m_ImageList.GetIconSize(width, height)) return;
+    CRect window, client;
+    this->GetWindowRect(window);
+    this->GetClientRect(client);
+    this->SetWindowPos(nullptr, 0, 0, width + window.Width() - client.Width(),
+                       height + window.Height() - client.Height(), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+
+  bool IsHoverMode() const { return (m_dwExtendedStyle & BMPBTN_HOVER) != 0; }
+
+  // Paints the button. T may have one of its own.
+  void DoPaint(CDCHandle dc) {
+    bool pressed = m_fPressed || ((m_dwExtendedStyle & BMPBTN_CHECK) && m_fChecked);
+    bool edge = (m_dwExtendedStyle & (BMPBTN_AUTO3D_SINGLE | BMPBTN_AUTO3D_DOUBLE)) != 0;
+    bool highlighted = IsHoverMode() ? m_fMouseOver : m_fFocus;
+
+    int state = pressed                    ? _nImagePushed
+                : highlighted              ? _nImageFocusOrHover
+                : !this->IsWindowEnabled() ? _nImageDisabled
+                                           : _nImageNormal;
+    int image = m_nImage[state] == -1 ? m_nImage[_nImageNormal] : m_nImage[state];
+    // Without a picture of its own, a pressed button with an edge moves the normal one.
+    int shift = pressed && edge && m_nImage[_nImagePushed] == -1 ? 1 : 0;
+    if (image != -1) m_ImageList.Draw(dc, image, shift, shift, ILD_NORMAL);
+
+    if (!edge) return;
+    CRect rect;
+    this->GetClientRect(rect);
+    bool single = (m_dwExtendedStyle & BMPBTN_AUTO3D_SINGLE) != 0;
+    if (pressed)
+      dc.DrawEdge(rect, single ? BDR_SUNKENOUTER : EDGE_SUNKEN, BF_RECT);
+    else if (!IsHoverMode() || m_fMouseOver)
+      dc.DrawEdge(rect, single ? BDR_RAISEDINNER : EDGE_RAISED, BF_RECT);
+
+    if (!IsHoverMode() && m_fFocus) {
+      rect.DeflateRect(2 * ::GetSystemMetrics(SM_CXEDGE), 2 * ::GetSystemMetrics(SM_CYEDGE));
+      dc.DrawFocusRect(rect);
+    }
+  }
+
+  // Called when the object has got its window.
+  void Init() {
+    this->ModifyStyle(0, BS_OWNERDRAW);
+    m_tip.Create(this->m_hWnd, nullptr, nullptr, WS_POPUP);
+    if (!m_strToolTipText.IsEmpty()) show_tooltip_text();
+    if (!m_ImageList.IsNull() && takes_size_of_images()) SizeToImage();
+  }
+
+  BEGIN_MSG_MAP(CBitmapButtonImpl)
+  MESSAGE_HANDLER(WM_CREATE, OnCreate)
+  MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
+  MESSAGE_RANGE_HANDLER(WM_MOUSEFIRST, WM_MOUSELAST, OnMouseMessage)
+  MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBackground)
+  MESSAGE_HANDLER(WM_PAINT, OnPaint)
+  MESSAGE_HANDLER(WM_PRINTCLIENT, OnPaint)
+  MESSAGE_HANDLER(WM_SETFOCUS, OnFocus)
+  MESSAGE_HANDLER(WM_KILLFOCUS, OnFocus)
+  MESSAGE_HANDLER(WM_ENABLE, OnEnable)
+  MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
+  MESSAGE_HANDLER(WM_MOUSELEAVE, OnMouseLeave)
+  MESSAGE_HANDLER(WM_LBUTTONDBLCLK, OnLButtonDblClk)
+  MESSAGE_HANDLER(WM_KEYDOWN, OnKey)
+  MESSAGE_HANDLER(WM_KEYUP, OnKey)
+  MESSAGE_HANDLER(BM_SETSTATE, OnSetState)
+  END_MSG_MAP()
+
+  LRESULT OnCreate(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {
+    LRESULT result = this->DefWindowProc(uMsg, wParam, lParam);
+    if (result != -1) self().Init();
+    return result;
+  }
+
+  LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& bHandled) {
+    m_tip.DestroyWindow();
+    bHandled = FALSE;
+    return 0;
+  }
+
+  LRESULT OnMouseMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled) {
+    MSG message{this->m_hWnd, uMsg, wParam, lParam, static_cast<DWORD>(::GetMessageTime()), place(::GetMessagePos())};
+    if (m_tip.IsWindow()) m_tip.RelayEvent(&message);
+    bHandled = FALSE;
+    return 0;
+  }
+
+  // Painting covers everything, so there is nothing to erase.
+  LRESULT OnEraseBackground(UINT, WPARAM, LPARAM, BOOL&) { return 1; }
+
+  LRESULT OnPaint(UINT, WPARAM wParam, LPARAM, BOOL&) {
+    if (wParam)
+      self().DoPaint(CDCHandle(reinterpret_cast<HDC>(wParam)));
+    else
+      self().DoPaint(CDCHandle(CPaintDC(this->m_hWnd).m_hDC));
+    return 0;
+  }
+
+  LRESULT OnFocus(UINT uMsg, WPARAM, LPARAM, BOOL& bHandled) {
+    m_fFocus = uMsg == WM_SETFOCUS;
+    redraw();
+    bHandled = FALSE;
+    return 0;
+  }
+
+  LRESULT OnEnable(UINT, WPARAM, LPARAM, BOOL& bHandled) {
+    redraw();
+    bHandled = FALSE;
+    return 0;
+  }
+
+  LRESULT OnMouseMove(UINT, WPARAM, LPARAM lParam, BOOL& bHandled) {
+    CRect rect;
+    this->GetClientRect(rect);
+    // The messages go on outside of the button while a mouse button is held down.
+    if (IsHoverMode()) set_mouse_over(rect.PtInRect(place(lParam)));
+    bHandled = FALSE;
+    return 0;
+  }
+
+  LRESULT OnMouseLeave(UINT, WPARAM, LPARAM, BOOL& bHandled) {
+    set_mouse_over(false);
+    bHandled = FALSE;
+    return 0;
+  }
+
+  // An owner-drawn button takes the second of two quick clicks for a double click; for us it is a click like the first.
+  LRESULT OnLButtonDblClk(UINT, WPARAM wParam, LPARAM lParam, BOOL&) {
+    return this->DefWindowProc(WM_LBUTTONDOWN, wParam, lParam);
+  }
+
+  // A button in hover mode behaves as one of a toolbar: the space bar does not press it.
+  LRESULT OnKey(UINT, WPARAM wParam, LPARAM, BOOL& bHandled) {
+    bHandled = wParam == VK_SPACE && IsHoverMode();
+    return 0;
+  }
+
+  // The system's button says so of itself whenever mouse, keyboard or capture press or release it.
+  LRESULT OnSetState(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {
+    LRESULT result = this->DefWindowProc(uMsg, wParam, lParam);
+    if (m_fPressed != (wParam != 0)) {
+      m_fPressed = wParam != 0;
+      redraw();
+    }
+    return result;
+  }
+
+  DWORD m_dwExtendedStyle;
+  CImageList m_ImageList;
+  int m_nImage[_nImageCount] = {-1, -1, -1, -1};
+  CToolTipCtrl m_tip;
+  ATL::CString m_strToolTipText;
+
+  // Bits as elsewhere in the system's windows: 0 or 1.
+  unsigned m_fMouseOver : 1 = 0;
+  unsigned m_fFocus : 1 = 0;
+  unsigned m_fPressed : 1 = 0;
+  unsigned m_fChecked : 1 = 0;
+
+ private:
+  T& self() { return static_cast<T&>(*this); }
+
+  // Signed: there are places left of and above the origin.
+  template <typename Packed>
+  static CPoint place(Packed packed) {
+    return {static_cast<short>(LOWORD(packed)), static_cast<short>(HIWORD(packed))};
+  }
+
+  bool takes_size_of_images() const { return (m_dwExtendedStyle & BMPBTN_AUTOSIZE) && this->IsWindow(); }
+
+  // At once: whoever handles the click may take his time.
+  void redraw() {
+    this->Invalidate(FALSE);
+    this->UpdateWindow();
+  }
+
+  void set_mouse_over(bool over) {
+    if (m_fMouseOver == over) return;
+    m_fMouseOver = over;
+    redraw();
+    if (!over) return;
+    TRACKMOUSEEVENT leaving{sizeof(TRACKMOUSEEVENT), TME_LEAVE, this->m_hWnd, 0};
+    ::TrackMouseEvent(&leaving);
+  }
+
+  void show_tooltip_text() {
+    CToolInfo tool(0, this->m_hWnd, 0, nullptr, const_cast<LPTSTR>(m_strToolTipText.GetString()));
+    if (m_tip.GetToolCount())
+      m_tip.UpdateTipText(tool);
+    else
+      m_tip.AddTool(tool);
+    m_tip.Activate(!m_strToolTipText.IsEmpty());
+  }
+};
+
+// The bitmap button to use as it is.
+class CBitmapButton : public CBitmapButtonImpl<CBitmapButton> {
+ public:
+  DECLARE_WND_SUPERCLASS("WTL_BitmapButton", GetWndClassName())
+
+  explicit CBitmapButton(DWORD extendedStyle = BMPBTN_AUTOSIZE, HIMAGELIST images = nullptr)
+      : CBitmapButtonImpl(extendedStyle, images) {}
+};
+
+}  // namespace WTL
+
+#ifndef _WTL_NO_AUTOMATIC_NAMESPACE
+using namespace WTL;
+#endif
+
+#endif

@@ -1,0 +1,65 @@
+// WTL's geometry: the system's SIZE, POINT and RECT with operations.
+#ifndef FRAMEWORK_ATLMISC_H
+#define FRAMEWORK_ATLMISC_H
+
+#include <atldef.h>
+
+namespace WTL {
+
+// A width and a height.
+class CSize : public SIZE {
+ public:
+  CSize() noexcept : SIZE{} {}
+  CSize(int width, int height) noexcept : SIZE{width, height} {}
+  CSize(SIZE size) noexcept : SIZE(size) {}
+
+  bool operator==(SIZE other) const noexcept { return cx == other.cx && cy == other.cy; }
+};
+
+// A place, in pixels from some origin.
+class CPoint : public POINT {
+ public:
+  CPoint() noexcept : POINT{} {}
+  CPoint(int left, int top) noexcept : POINT{left, top} {}
+  CPoint(POINT point) noexcept : POINT(point) {}
+
+  bool operator==(POINT other) const noexcept { return x == other.x && y == other.y; }
+};
+
+// A rectangle. Its right and bottom edges are the first that lie outside.
+class CRect : public RECT {
+ public:
+  CRect() noexcept : RECT{} {}
+  CRect(int leftEdge, int topEdge, int rightEdge, int bottomEdge) noexcept
+      : RECT{leftEdge, topEdge, rightEdge, bottomEdge} {}
+  CRect(const RECT& rect) noexcept : RECT(rect) {}
+  CRect(POINT place, SIZE size) noexcept : RECT{place.x, place.y, place.x + size.cx, place.y + size.cy} {}
+
+  operator LPRECT() noexcept { return this; }
+  operator LPCRECT() const noexcept { return this; }
+
+  int Width() const noexcept { return right - left; }
+  int Height() const noexcept { return bottom - top; }
+  CSize Size() const noexcept { return {Width(), Height()}; }
+  CPoint TopLeft() const noexcept { return {static_cast<int>(left), static_cast<int>(top)}; }
+  // Rounded towards the top left.
+  CPoint CenterPoint() const noexcept {
+    return {static_cast<int>(left) + Width() / 2, static_cast<int>(top) + Height() / 2};
+  }
+  BOOL PtInRect(POINT point) const noexcept { return ::PtInRect(this, point); }
+
+  // Moves each edge outwards, or inwards for a negative distance.
+  void InflateRect(int x, int y) noexcept { ::InflateRect(this, x, y); }
+  void DeflateRect(int x, int y) noexcept { ::InflateRect(this, -x, -y); }
+  void OffsetRect(int x, int y) noexcept { ::OffsetRect(this, x, y); }
+
+  bool operator==(const RECT& other) const noexcept { return ::EqualRect(this, &other); }
+};
+
+}  // namespace WTL
+
+#ifndef _WTL_NO_AUTOMATIC_NAMESPACE
+using namespace WTL;
+#endif
+
+#endif

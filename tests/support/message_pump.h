@@ -1,0 +1,14 @@
+// Waiting for what windows do: messages are dispatched until it has happened.
+#ifndef TESTS_SUPPORT_MESSAGE_PUMP_H
+#define TESTS_SUPPORT_MESSAGE_PUMP_H
+
+#include <chrono>
+#include <functional>
+
+// Dispatches this thread's messages until `happened` says yes; false when that takes too long.
+bool pump_until(const std::function<bool()>& happened, std::chrono::milliseconds at_most = std::chrono::seconds(10));
+
+// Dispatches the messages that are waiting.
+void pump_waiting();
+
+#endif

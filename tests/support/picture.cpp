@@ -1,0 +1,86 @@
+#include <support/files.h>
+#include <support/picture.h>
+
+#include <objidl.h>
+
+#include <gdiplus.h>
+
+#include <filesystem>
+#include <utility>
+
+namespace {
+
+constexpr CLSID png_encoder = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+
+SIZE client_size(HWND window) {
+  RECT client;
+  GetClientRect(window, &client);
+  return {client.right, client.bottom};
+}
+
+}  // namespace
+
+Picture::Picture(int width, int height) : width_(width), height_(height), dc_(CreateCompatibleDC(nullptr)) {
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), width, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  bitmap_ = CreateDIBSection(dc_, &info, DIB_RGB_COLORS, &bits_, nullptr, 0);
+  original_ = SelectObject(dc_, bitmap_);
+}
+
+Picture::Picture(int width, int height, COLORREF background) : Picture(width, height) {
+  RECT all{0, 0, width, height};
+  HBRUSH brush = CreateSolidBrush(background);
+  FillRect(dc_, &all, brush);
+  DeleteObject(brush);
+}
+
+Picture::Picture(HWND window) : Picture(client_size(window).cx, client_size(window).cy) {
+  HDC source = GetDC(window);
+  BitBlt(dc_, 0, 0, width_, height_, source, 0, 0, SRCCOPY);
+  ReleaseDC(window, source);
+}
+
+Picture::Picture(Picture&& other) noexcept
+    : width_(other.width_),
+      height_(other.height_),
+      dc_(std::exchange(other.dc_, nullptr)),
+      bits_(other.bits_),
+      bitmap_(other.bitmap_),
+      original_(other.original_) {}
+
+Picture::~Picture() {
+  if (!dc_) return;
+  SelectObject(dc_, original_);
+  DeleteObject(bitmap_);
+  DeleteDC(dc_);
+}
+
+bool Picture::operator==(const Picture& other) const {
+  if (width_ != other.width_ || height_ != other.height_) return false;
+  GdiFlush();
+  constexpr unsigned colors = 0xFFFFFF;  // the fourth byte is nobody's
+  auto mine = static_cast<const unsigned*>(bits_), theirs = static_cast<const unsigned*>(other.bits_);
+  for (int i = 0; i < width_ * height_; ++i)
+    if ((mine[i] ^ theirs[i]) & colors) return false;
+  return true;
+}
+
+bool Picture::save(const std::string& name, int magnified) const {
+  auto folder = program_folder().parent_path().parent_path() / "pictures";
+  std::filesystem::create_directories(folder);
+
+  Picture large(width_ * magnified, height_ * magnified);
+  StretchBlt(large.dc_, 0, 0, large.width_, large.height_, dc_, 0, 0, width_, height_, SRCCOPY);
+  GdiFlush();
+
+  ULONG_PTR token;
+  Gdiplus::GdiplusStartupInput input;
+  if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return false;
+  bool saved;
+  {
+    Gdiplus::Bitmap bitmap(large.bitmap_, nullptr);
+    saved = bitmap.Save((folder / (name + ".png")).c_str(), &png_encoder, nullptr) == Gdiplus::Ok;
+  }
+  Gdiplus::GdiplusShutdown(token);
+  return saved;
+}
