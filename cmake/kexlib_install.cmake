@@ -2,8 +2,14 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
+# Where the framework is our own, users compile against it too.
+if(TARGET kexframework)
+  set_target_properties(kexframework PROPERTIES EXPORT_NAME framework)
+  set(framework kexframework)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/framework/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kexlib/framework)
+endif()
 install(
-  TARGETS kexlib
+  TARGETS kexlib ${framework}
   EXPORT kexlib_targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

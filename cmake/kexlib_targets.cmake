@@ -35,9 +35,9 @@ if(MINGW)
   endforeach()
 endif()
 
-# Linked by every program: the manifest for version 6 of the common controls. Visual Studio's linker makes one itself.
-add_library(program_manifest INTERFACE)
+# Every program carries the manifest for version 6 of the common controls. Visual Studio's linker makes one itself.
 if(MINGW)
-  target_sources(program_manifest INTERFACE ${PROJECT_SOURCE_DIR}/cmake/program.rc)
-  target_include_directories(program_manifest INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where windres looks for it
+  target_sources(kexlib_settings INTERFACE
+                 $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${PROJECT_SOURCE_DIR}/cmake/program.rc>)
+  target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where windres looks for the manifest
 endif()

@@ -32,6 +32,23 @@ TEST(Module, TellsItsVersionInItsResource) {
                                                               std::to_string(KEXLIB_VERSION_PATCH));
 }
 
+TEST(Programs, AllAskForVersion6OfTheCommonControls) {
+  int programs = 0;
+  for (const std::string& name : files_in(program_folder())) {
+    if (!name.ends_with(".exe")) continue;
+    HMODULE program = LoadLibraryExA((program_folder() / name).string().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    ASSERT_TRUE(program) << name;
+    HRSRC manifest = FindResourceA(program, MAKEINTRESOURCEA(1), MAKEINTRESOURCEA(24));
+    ASSERT_TRUE(manifest) << name;
+    const std::string text(static_cast<const char*>(LockResource(LoadResource(program, manifest))),
+                           SizeofResource(program, manifest));
+    EXPECT_NE(text.find("Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\""), std::string::npos) << name;
+    FreeLibrary(program);
+    ++programs;
+  }
+  EXPECT_GE(programs, 5);
+}
+
 // The programs trace into `folder_` too: they are started with it as the desktop.
 class UnloadInChildProcess : public testing::Test {
  protected:

@@ -1,8 +1,13 @@
 #include <kexlib/diagnostics.h>
 
+#include <atlstr.h>
+
 int main() {
   {
-    kexProfileScope scope("consumer");
+    // The package carries what its users' sources are written on, too.
+    CString name;
+    name.Format("%s", "consumer");
+    kexProfileScope scope(name);
     g_traceToFile.Trace("off, so nowhere\n");
   }
   kex_stop_profiling("consumer.js");
