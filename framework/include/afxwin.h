@@ -98,6 +98,25 @@ class KEXFRAMEWORK_API CWnd : public CObject {
   // FALSE where there is none.
   virtual BOOL DestroyWindow();
 
+  // ActiveX controls. The window is one that hosts the control, by the system's host library (atl.dll); the control
+  // goes with it, by DestroyWindow, this object or the parent. COM has to be initialised on this thread.
+
+  // Makes a control of a class. windowName is set as its Caption, or else its Text, where it has one of the two; null
+  // sets neither. The control's state is loaded from what is left of the file `persist`: a stream, or with `storage` a
+  // compound file; without a file it begins anew. licenseKey is for a control that is not licensed on this machine.
+  // FALSE, and no window, where the class is not installed or the control refuses, where there is no parent, or where
+  // this object has a window already. What reading the file throws goes on to the caller.
+  BOOL CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
+                     CFile* persist = nullptr, BOOL storage = FALSE, BSTR licenseKey = nullptr);
+  // The control, without a reference for the caller. Null where this window hosts none.
+  LPUNKNOWN GetControlUnknown();
+
+  // Calls through the control's IDispatch; see COleDispatchDriver (afxdisp.h) for the types and what is thrown. A
+  // control without one is an OLE exception. Where there is no control nothing is called, and the result is 0 or empty.
+  void InvokeHelper(DISPID id, WORD flags, VARTYPE resultType, void* result, const BYTE* parameters, ...);
+  void SetProperty(DISPID id, VARTYPE type, ...);
+  void GetProperty(DISPID id, VARTYPE type, void* value) const;
+
   HWND m_hWnd = nullptr;
 };
 

@@ -761,6 +761,10 @@ class CDialogImpl : public CDialogImplBaseT<TBase> {
 // Registers that class, for all modules of the process. FALSE where the system refuses it. May be called again.
 KEXFRAMEWORK_API BOOL AtlAxWinInit();
 
+// Puts a control that is ready, new or with its state loaded, into such a window; the window keeps a reference until it
+// is destroyed. The object that hosts it comes with a reference for the caller.
+KEXFRAMEWORK_API HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** host);
+
 // The control in such a window, or the object that hosts it, with a reference for the caller. E_FAIL where the window
 // hosts nothing, E_POINTER for a null target.
 KEXFRAMEWORK_API HRESULT AtlAxGetControl(HWND window, IUnknown** control);

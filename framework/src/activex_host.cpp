@@ -10,14 +10,15 @@ namespace {
 // The system's own host for ActiveX controls.
 struct Host {
   HRESULT(WINAPI* create_control)(LPCOLESTR name, HWND window, IStream* stream, IUnknown** container);
+  HRESULT(WINAPI* attach_control)(IUnknown* control, HWND window, IUnknown** container);
   HRESULT(WINAPI* get_control)(HWND window, IUnknown** control);
   HRESULT(WINAPI* get_host)(HWND window, IUnknown** host);
   bool there;
 
   Host() {
     framework::SystemLibrary library("atl.dll");
-    there = library.find(create_control, "AtlAxCreateControl") && library.find(get_control, "AtlAxGetControl") &&
-            library.find(get_host, "AtlAxGetHost");
+    there = library.find(create_control, "AtlAxCreateControl") && library.find(attach_control, "AtlAxAttachControl") &&
+            library.find(get_control, "AtlAxGetControl") && library.find(get_host, "AtlAxGetHost");
   }
 };
 
@@ -79,6 +80,10 @@ BOOL AtlAxWinInit() {
                                nullptr};
   WNDPROC none;
   return info.Register(&none) != 0;
+}
+
+HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** container) {
+  return host().there ? host().attach_control(control, window, container) : E_FAIL;
 }
 
 HRESULT AtlAxGetControl(HWND window, IUnknown** control) { return ask(window, get_control_message(), control); }

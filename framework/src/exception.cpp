@@ -50,6 +50,14 @@ BOOL COleException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext
   return framework::give_system_text(static_cast<DWORD>(m_sc), message, room);
 }
 
+COleDispatchException::COleDispatchException(LPCTSTR description, UINT helpContext, WORD code)
+    : m_wCode(code), m_strDescription(description), m_dwHelpContext(helpContext) {}
+
+BOOL COleDispatchException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
+  if (helpContext) *helpContext = m_dwHelpContext;
+  return framework::give_text(m_strDescription, message, room);
+}
+
 void AfxThrowMemoryException() { throw &memory_exception; }
 
 void AfxThrowInvalidArgException() { throw new CInvalidArgException; }

@@ -52,5 +52,5 @@ CString CFileFind::GetFilePath() const { return m_found ? m_folder + m_found->cF
 BOOL CFileFind::IsDirectory() const { return m_found && (m_found->dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
 
 BOOL CFileFind::IsDots() const {
-  return IsDirectory() && (!lstrcmpA(m_found->cFileName, ".") || !lstrcmpA(m_found->cFileName, ".."));
+  return m_found && (!lstrcmpA(m_found->cFileName, ".") || !lstrcmpA(m_found->cFileName, ".."));
 }

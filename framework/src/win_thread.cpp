@@ -4,6 +4,8 @@
 
 #include <process.h>
 
+#include <memory>
+
 namespace {
 
 thread_local CWinThread* current_thread = nullptr;
@@ -69,12 +71,11 @@ void CWinThread::Delete() {
 
 CWinThread* AfxBeginThread(AFX_THREADPROC procedure, LPVOID parameter, int priority, UINT stackSize, DWORD createFlags,
                            LPSECURITY_ATTRIBUTES security) {
-  auto* thread = new CWinThread(procedure, parameter);
-  if (!thread->CreateThread(createFlags | CREATE_SUSPENDED, stackSize, security)) {
-    thread->Delete();
-    return nullptr;
-  }
+  auto thread = std::make_unique<CWinThread>(procedure, parameter);
+  if (!thread->CreateThread(createFlags | CREATE_SUSPENDED, stackSize, security)) return nullptr;
   thread->SetThreadPriority(priority);
-  if (!(createFlags & CREATE_SUSPENDED)) thread->ResumeThread();
-  return thread;
+  // From here on the thread deletes the object, or whoever says so.
+  CWinThread* started = thread.release();
+  if (!(createFlags & CREATE_SUSPENDED)) started->ResumeThread();
+  return started;
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <support/files.h>
+#include <support/resource_counts.h>
 
 namespace {
 
@@ -279,6 +280,29 @@ TEST(Archive, NoFileIsAnInvalidArgument) {
     exception->Delete();
   }
   EXPECT_TRUE(caught);
+}
+
+TEST(Archive, AThousandRoundsLeaveNothingBehind) {
+  TemporaryFolder folder;
+  const auto round_trip = [] {
+    {
+      CFile file("a.bin", CFile::modeCreate | CFile::modeWrite);
+      CArchive(&file, CArchive::store) << 7;
+    }
+    CFile file("a.bin", CFile::modeRead);
+    CArchive archive(&file, CArchive::load);
+    int value = 0;
+    archive >> value;
+    EXPECT_EQ(value, 7);
+    // What is thrown has to be given back too.
+    EXPECT_EQ(thrown_by([&] { archive >> value; }).cause, CArchiveException::endOfFile);
+  };
+  round_trip();
+  const ResourceCounts before;
+  const size_t memory = count_memory();
+  for (int round = 0; round < 1000; ++round) round_trip();
+  EXPECT_EQ(ResourceCounts(), before);
+  EXPECT_LT(count_memory(), memory + 500000);
 }
 
 TEST(ArchiveException, NamesTheFileInItsText) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <support/files.h>
+#include <support/resource_counts.h>
 
 namespace {
 
@@ -140,6 +141,14 @@ TEST(FileFind, CloseEndsTheSearchAndAnotherCanBegin) {
   ASSERT_TRUE(find.FindFile("a.*"));
   EXPECT_FALSE(find.FindNextFile());
   EXPECT_STREQ(find.GetFileName(), "a.txt");
+}
+
+TEST(FileFind, AThousandSearchesLeaveNothingBehind) {
+  TemporaryFolder folder;
+  names_of("*.*");
+  const ResourceCounts before;
+  for (int round = 0; round < 1000; ++round) names_of(round % 2 ? "*.*" : "none\\*.*");
+  EXPECT_EQ(ResourceCounts(), before);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <string>
 #include <thread>
 
+#include <support/resource_counts.h>
+
 namespace {
 
 TEST(Event, AnAutoResetOneLetsOneWaitThrough) {
@@ -73,6 +75,12 @@ TEST(Event, ANameThatBelongsToSomethingElseIsAResourceException) {
   }
   EXPECT_TRUE(caught);
   CloseHandle(mutex);
+}
+
+TEST(Event, AThousandLeaveNothingBehind) {
+  const ResourceCounts before;
+  for (int round = 0; round < 1000; ++round) CEvent().SetEvent();
+  EXPECT_EQ(ResourceCounts(), before);
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include <framework/resources.h>
+
 namespace {
 
 TEST(ModuleState, IsThatOfTheProgramUntilItIsSaidOtherwise) {
@@ -102,6 +104,8 @@ TEST(Resources, AStringIsFoundInTheLibraryThatHasIt) {
   EXPECT_EQ(AfxFindStringResourceHandle(id), shell);
   EXPECT_TRUE(text.LoadString(id));
   EXPECT_STREQ(text, expected);
+  EXPECT_EQ(AfxFindStringResourceHandle(IDS_FIRST), GetModuleHandleA(nullptr));
+  EXPECT_NE(AfxFindStringResourceHandle(IDS_MISSING), GetModuleHandleA(nullptr)) << "it has the block, not the string";
   EXPECT_EQ(AfxFindStringResourceHandle(65535), nullptr);
 }
 

@@ -5,6 +5,8 @@
 
 #include <thread>
 
+#include <support/resource_counts.h>
+
 namespace {
 
 // What a thread saw of itself.
@@ -154,16 +156,23 @@ TEST(Thread, AnObjectStartsOneThreadOnly) {
   EXPECT_EQ(exit_code_of(handle), 42u);
 }
 
-TEST(Thread, ManyThatDeleteThemselvesKeepNoHandle) {
-  for (int round = 0; round < 100; ++round) {
+TEST(Thread, AThousandLeaveNothingBehind) {
+  const auto run = [](bool owned) {
     Seen seen;
     CWinThread* thread = AfxBeginThread(&look, &seen, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
-    HANDLE handle = thread->m_hThread, copy = copy_of(handle);
+    thread->m_bAutoDelete = !owned;
+    HANDLE copy = copy_of(thread->m_hThread);
     thread->ResumeThread();
-    exit_code_of(copy);
-    ASSERT_FALSE(is_open(handle)) << round;
+    EXPECT_EQ(exit_code_of(copy), 42u);
     CloseHandle(copy);
-  }
+    if (owned) delete thread;
+  };
+  for (int warm_up = 0; warm_up < 20; ++warm_up) run(warm_up % 2);
+  const ResourceCounts before;
+  const size_t memory = count_memory();
+  for (int round = 0; round < 1000; ++round) run(round % 2);
+  EXPECT_EQ(ResourceCounts(), before);
+  EXPECT_LT(count_memory(), memory + 500000);
 }
 
 UINT fail(LPVOID) { AfxThrowFileException(CFileException::diskFull, ERROR_DISK_FULL, "a.txt"); }

@@ -5,6 +5,8 @@
 
 #include <memory>
 
+#include <support/resource_counts.h>
+
 namespace {
 
 HWND make_window(const char* class_name = "STATIC", HWND parent = nullptr, int id = 0, DWORD style = 0) {
@@ -97,6 +99,19 @@ TEST(Window, DestroyWindowLetsGoOfIt) {
   EXPECT_FALSE(IsWindow(handle));
   EXPECT_EQ(window.m_hWnd, nullptr);
   EXPECT_FALSE(window.DestroyWindow());
+}
+
+TEST(Window, AThousandLeaveNothingBehind) {
+  const auto make = [] {
+    CWnd parent;
+    parent.Attach(make_window());
+    Label label;
+    EXPECT_TRUE(label.Create(nullptr, "text", 0, RECT{}, &parent, 1));
+  };
+  make();
+  const ResourceCounts before;
+  for (int round = 0; round < 1000; ++round) make();
+  EXPECT_EQ(ResourceCounts(), before);
 }
 
 class CheckExchange : public testing::Test {

@@ -1,0 +1,33 @@
+// bzString: a narrow text that grows.
+//
+//     bzString name("Gauge");
+//     name << " (64-bit)";
+#ifndef BZBASE_STRING_H
+#define BZBASE_STRING_H
+
+#include <kexlib/export.h>
+
+#include <string>
+
+// Bytes in whatever code page the user keeps texts in, with zeros inside if need be. Copies are independent. Running
+// out of memory throws std::bad_alloc.
+class bzString {
+ public:
+  // The empty text.
+  KEXLIB_API bzString();
+  // A copy of a text that ends in a zero; null is the empty text. Not explicit: a text is taken wherever a bzString is.
+  KEXLIB_API bzString(const char* text);
+
+  // Appends a text, which may be this one, and returns this one.
+  KEXLIB_API bzString& operator<<(const bzString& text);
+
+  // The text, ended by a zero; it is there until this object is changed.
+  KEXLIB_API const char* c_str() const;
+  // In bytes.
+  KEXLIB_API std::size_t length() const;
+
+ private:
+  std::string text_;
+};
+
+#endif
