@@ -268,6 +268,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     m_fMouseOver = over;
     redraw();
     if (!over) return;
+    // A button of version 6 asks for it too; one of version 5 does not.
     TRACKMOUSEEVENT leaving{sizeof(TRACKMOUSEEVENT), TME_LEAVE, this->m_hWnd, 0};
     ::TrackMouseEvent(&leaving);
   }
