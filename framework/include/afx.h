@@ -69,8 +69,6 @@ class KEXFRAMEWORK_API CObject {
                                                        &class_name::_GetBaseClass};                            \
   CRuntimeClass* class_name::GetThisClass() { return const_cast<CRuntimeClass*>(&class##class_name); }         \
   CRuntimeClass* class_name::GetRuntimeClass() const { return GetThisClass(); }
-#define IMPLEMENT_DYNAMIC(class_name, base_class_name) \
-  IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, nullptr)
 #define IMPLEMENT_DYNCREATE(class_name, base_class_name)         \
   CObject* class_name::CreateObject() { return new class_name; } \
   IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, &class_name::CreateObject)

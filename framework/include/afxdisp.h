@@ -34,14 +34,12 @@ class KEXFRAMEWORK_API COleDispatchException : public CException {
 };
 
 // What the parameters of InvokeHelper are, one after the other: VTS_I2 VTS_R8, say.
-#define VTS_NONE nullptr     // there are none
-#define VTS_I2 "\x02"        // short
-#define VTS_I4 "\x03"        // long
-#define VTS_R8 "\x05"        // double
-#define VTS_CY "\x06"        // the address of a CY
-#define VTS_BSTR "\x08"      // const char*, widened in the thread's code page; null is the empty text
-#define VTS_DISPATCH "\x09"  // IDispatch*, lent for the call
-#define VTS_BOOL "\x0B"      // BOOL: anything but 0 is sent as VARIANT_TRUE
+#define VTS_I2 "\x02"    // short
+#define VTS_I4 "\x03"    // long
+#define VTS_R8 "\x05"    // double
+#define VTS_CY "\x06"    // the address of a CY
+#define VTS_BSTR "\x08"  // const char*, widened in the thread's code page; null is the empty text
+#define VTS_BOOL "\x0B"  // BOOL: anything but 0 is sent as VARIANT_TRUE
 
 // A pointer to IDispatch, and calls through it: the base of classes whose members each call one DISPID.
 //

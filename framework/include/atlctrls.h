@@ -48,8 +48,6 @@ class CButtonT : public TBase {
   // BST_PUSHED, BST_FOCUS and the check.
   UINT GetState() const noexcept { return static_cast<UINT>(number(BM_GETSTATE)); }
   // Shows it pressed, or not.
-  void SetState(BOOL pressed) noexcept { number(BM_SETSTATE, static_cast<WPARAM>(pressed)); }
-  void Click() noexcept { number(BM_CLICK); }
 };
 using CButton = CButtonT<ATL::CWindow>;
 
@@ -311,7 +309,6 @@ class CImageListT {
   HIMAGELIST m_hImageList;
 };
 using CImageList = CImageListT<false>;
-using CImageListManaged = CImageListT<true>;
 
 }  // namespace WTL
 

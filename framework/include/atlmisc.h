@@ -41,7 +41,6 @@ class CRect : public RECT {
   int Width() const noexcept { return right - left; }
   int Height() const noexcept { return bottom - top; }
   CSize Size() const noexcept { return {Width(), Height()}; }
-  CPoint TopLeft() const noexcept { return {static_cast<int>(left), static_cast<int>(top)}; }
   // Rounded towards the top left.
   CPoint CenterPoint() const noexcept {
     return {static_cast<int>(left) + Width() / 2, static_cast<int>(top) + Height() / 2};

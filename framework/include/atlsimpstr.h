@@ -35,11 +35,9 @@ struct CStringData {
   }
 };
 
-// The buffer of all empty strings, one for the process, so that it outlives each module.
-struct CNilStringData : CStringData {
-  wchar_t achNil[2];
-};
-extern KEXFRAMEWORK_API CNilStringData g_nilString;
+// The buffer of all empty strings, one for the process, so that it outlives each module; its text is in the zeros of
+// the second element.
+extern KEXFRAMEWORK_API CStringData g_nilString[2];
 
 // Owns one count of a buffer. CStringT adds what knows about text.
 //
@@ -54,7 +52,7 @@ class CSimpleStringT {
 
   CSimpleStringT() noexcept = default;
   CSimpleStringT(const CSimpleStringT& other) noexcept : m_data(other.m_data) { m_data->AddRef(); }
-  CSimpleStringT(CSimpleStringT&& other) noexcept : m_data(std::exchange(other.m_data, &g_nilString)) {}
+  CSimpleStringT(CSimpleStringT&& other) noexcept : m_data(std::exchange(other.m_data, g_nilString)) {}
   CSimpleStringT(PCXSTR text, int length) { SetString(text, length); }
   ~CSimpleStringT() { m_data->Release(); }
 
@@ -79,7 +77,7 @@ class CSimpleStringT {
   XCHAR operator[](int index) const { return GetAt(index); }
 
   // Lets go of the text, and of the buffer.
-  void Empty() noexcept { std::exchange(m_data, &g_nilString)->Release(); }
+  void Empty() noexcept { std::exchange(m_data, g_nilString)->Release(); }
 
   // Replaces the text. The source may lie inside this string's own buffer.
   void SetString(PCXSTR text) { SetString(text, length_of(text)); }
@@ -134,7 +132,7 @@ class CSimpleStringT {
   }
   void ReleaseBufferSetLength(int length) {
     check(length >= 0 && length <= m_data->nAllocLength);
-    if (m_data == &g_nilString) return;
+    if (m_data == g_nilString) return;
     m_data->nDataLength = length;
     static_cast<PXSTR>(m_data->data())[length] = 0;
   }
@@ -165,7 +163,7 @@ class CSimpleStringT {
     std::exchange(m_data, own)->Release();
   }
 
-  CStringData* m_data = &g_nilString;
+  CStringData* m_data = g_nilString;
 };
 
 }  // namespace ATL

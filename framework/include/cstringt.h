@@ -149,7 +149,6 @@ class CStringT : public CSimpleStringT<BaseType> {
   }
   CStringT Mid(int first) const { return Mid(first, this->GetLength()); }
   CStringT Left(int count) const { return Mid(0, count); }
-  CStringT Right(int count) const { return count > 0 ? Mid(this->GetLength() - count) : CStringT(); }
 
   // Exchanges every occurrence of a text and says how many there were. An empty old text exchanges nothing; a null new
   // text takes the old one away.
@@ -187,13 +186,6 @@ class CStringT : public CSimpleStringT<BaseType> {
     CStringT text;
     text.append_formatted(format, arguments);
     *this = std::move(text);
-  }
-  void AppendFormat(PCXSTR format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    CStringT more;
-    more.format_and_close(format, arguments);
-    *this += more;
   }
 
   // The string resource with this identifier. FALSE, and the text as it was, where there is none or it is empty.

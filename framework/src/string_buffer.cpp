@@ -4,7 +4,7 @@
 
 namespace ATL {
 
-constinit CNilStringData g_nilString = {{0, 0, 0}, {0, 0}};
+constinit CStringData g_nilString[2] = {};
 
 CStringData* AllocateStringData(size_t bytes) noexcept { return static_cast<CStringData*>(std::malloc(bytes)); }
 

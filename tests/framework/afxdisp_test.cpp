@@ -46,7 +46,7 @@ SCODE thrown_by(Call call) {
 }
 
 TEST_F(Dispatch, ArgumentsArriveInOrderWithTheTypesOfTheirCodes) {
-  static const BYTE parameters[] = VTS_I2 VTS_I4 VTS_R8 VTS_CY VTS_BSTR VTS_BOOL VTS_BOOL VTS_DISPATCH;
+  static const BYTE parameters[] = VTS_I2 VTS_I4 VTS_R8 VTS_CY VTS_BSTR VTS_BOOL VTS_BOOL "\x09";  // VT_DISPATCH
   CY money{};
   money.int64 = 123456;
   driver_.InvokeHelper(16, DISPATCH_METHOD, VT_EMPTY, nullptr, parameters, -2, 70000L, 0.5, &money, "t\xe9xt", 7, FALSE,
@@ -326,7 +326,7 @@ TEST_F(Dispatch, AnExceptionThatSaysNothingHasNoText) {
 }
 
 TEST_F(Dispatch, AThousandCallsThatWorkRaiseAndFailLeaveNoReferenceBehind) {
-  static const BYTE parameters[] = VTS_DISPATCH VTS_BSTR;
+  static const BYTE parameters[] = "\x09" VTS_BSTR;  // VT_DISPATCH first
   object_->answer = CComVariant(static_cast<IDispatch*>(object_));
   for (int round = 0; round < 1000; ++round) {
     IDispatch* result = nullptr;

@@ -246,7 +246,7 @@ TEST_F(Control, AWindowThatHostsNoneCallsNothing) {
   frame_.GetProperty(DISPID_TEXT, VT_BSTR, &text);
   EXPECT_STREQ(text, "");
   frame_.SetProperty(DISPID_TEXT, VT_BSTR, "x");
-  window_.InvokeHelper(1, DISPATCH_METHOD, VT_EMPTY, nullptr, VTS_NONE);
+  window_.InvokeHelper(1, DISPATCH_METHOD, VT_EMPTY, nullptr, nullptr);
 }
 
 // The way in which classes for one control are written.

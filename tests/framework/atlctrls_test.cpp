@@ -51,10 +51,10 @@ TEST_F(Controls, Button) {
   button.SetCheck(BST_CHECKED);
   EXPECT_EQ(button.GetCheck(), BST_CHECKED);
   EXPECT_EQ(button.GetState() & BST_PUSHED, 0u);
-  button.SetState(TRUE);
+  button.SendMessage(BM_SETSTATE, TRUE);
   EXPECT_EQ(button.GetState() & BST_PUSHED, UINT{BST_PUSHED});
-  button.SetState(FALSE);
-  button.Click();
+  button.SendMessage(BM_SETSTATE, FALSE);
+  button.SendMessage(BM_CLICK);
   EXPECT_EQ(parent.clicked, 17);
   EXPECT_EQ(button.GetCheck(), BST_UNCHECKED);
 }
@@ -231,7 +231,7 @@ HBITMAP square(COLORREF color) {
 }
 
 TEST(ImageList, HoldsPicturesAndDrawsThem) {
-  CImageListManaged images;
+  CImageListT<true> images;
   EXPECT_TRUE(images.IsNull());
   ASSERT_TRUE(images.Create(16, 16, ILC_COLOR32 | ILC_MASK, 2, 2));
   int width = 0, height = 0;
@@ -269,7 +269,7 @@ TEST(ImageList, HoldsPicturesAndDrawsThem) {
 TEST(ImageList, GoesWithItsOwnerOnly) {
   auto make = [] { return ImageList_Create(16, 16, ILC_COLOR32, 1, 1); };
   auto round = [&] {
-    CImageListManaged owner(make());
+    CImageListT<true> owner(make());
     owner = make();
     owner = owner.m_hImageList;
     CImageList handle(make());

@@ -151,9 +151,9 @@ TEST_F(BitmapButton, ShowsThePictureOfItsState) {
   EXPECT_EQ(color(), red);
   button->EnableWindow(FALSE);
   EXPECT_EQ(color(), gray);
-  button->SetState(TRUE);
+  button->SendMessage(BM_SETSTATE, TRUE);
   EXPECT_EQ(color(), green) << "pressed goes before disabled";
-  button->SetState(FALSE);
+  button->SendMessage(BM_SETSTATE, FALSE);
   EXPECT_EQ(color(), gray);
   button->EnableWindow();
   EXPECT_EQ(color(), red);
@@ -166,7 +166,7 @@ TEST_F(BitmapButton, AStateWithoutAPictureShowsTheNormalOne) {
   EXPECT_EQ(color(), blue);
   button->EnableWindow(FALSE);
   EXPECT_EQ(color(), blue);
-  button->SetState(TRUE);
+  button->SendMessage(BM_SETSTATE, TRUE);
   EXPECT_EQ(color(), blue);
 }
 
@@ -192,7 +192,7 @@ TEST_F(BitmapButton, APressedOneWithAnEdgeAndWithoutAPictureMovesByAPixel) {
   button->SetImages(normal);
   button->SubclassWindow(make_plain());
   EXPECT_EQ(paint().at(image_size, 10), behind);
-  button->SetState(TRUE);
+  button->SendMessage(BM_SETSTATE, TRUE);
   EXPECT_EQ(paint().at(image_size, 10), RGB(0, 0, 0));
   EXPECT_EQ(paint().at(10, image_size), RGB(0, 0, 0));
   EXPECT_EQ(paint().at(1, 10), RGB(0, 0, 0));
@@ -216,15 +216,15 @@ Picture with_edge(const Picture& plain, int size, UINT edge) {
 TEST_F(BitmapButton, HasTheEdgeThatItsStyleSays) {
   make(0);
   Picture released = paint();
-  button->SetState(TRUE);
+  button->SendMessage(BM_SETSTATE, TRUE);
   Picture pressed = paint();
   for (auto [style, raised, sunken] :
        {std::tuple<DWORD, UINT, UINT>{BMPBTN_AUTO3D_SINGLE, BDR_RAISEDINNER, BDR_SUNKENOUTER},
         {BMPBTN_AUTO3D_DOUBLE, EDGE_RAISED, EDGE_SUNKEN}}) {
     button->SetBitmapButtonExtendedStyle(style);
-    button->SetState(FALSE);
+    button->SendMessage(BM_SETSTATE, FALSE);
     EXPECT_TRUE(paint() == with_edge(released, 40, raised));
-    button->SetState(TRUE);
+    button->SendMessage(BM_SETSTATE, TRUE);
     EXPECT_TRUE(paint() == with_edge(pressed, 40, sunken));
   }
 }
@@ -343,7 +343,7 @@ TEST_F(BitmapButton, IsShownReleasedBeforeItsClickIsHandled) {
   make(0);
   bool pressed = true;
   parent.on_click = [&] { pressed = button->m_fPressed; };
-  button->Click();
+  button->SendMessage(BM_CLICK);
   EXPECT_EQ(parent.clicks, 1);
   EXPECT_FALSE(pressed);
 }
@@ -388,9 +388,9 @@ TEST_F(BitmapButton, HasAPictureOfEachStateForPeopleToLookAt) {
   for (int row = 0; row < 2; ++row) {
     button->SetBitmapButtonExtendedStyle(row == 0 ? BMPBTN_AUTO3D_DOUBLE : BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE);
     add(0, row);
-    button->SetState(TRUE);
+    button->SendMessage(BM_SETSTATE, TRUE);
     add(1, row);
-    button->SetState(FALSE);
+    button->SendMessage(BM_SETSTATE, FALSE);
     (row == 0 ? button->m_fFocus = 1 : button->m_fMouseOver = 1);
     add(2, row);
     (row == 0 ? button->m_fFocus = 0 : button->m_fMouseOver = 0);

@@ -34,7 +34,6 @@ TEST(Rect, KnowsItsSizeAndItsPlaces) {
   EXPECT_EQ(rect.Width(), 5);
   EXPECT_EQ(rect.Height(), 6);
   EXPECT_EQ(rect.Size(), CSize(5, 6));
-  EXPECT_EQ(rect.TopLeft(), CPoint(10, 20));
   EXPECT_EQ(rect.CenterPoint(), CPoint(12, 23));
 }
 
