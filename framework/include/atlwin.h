@@ -429,9 +429,6 @@ class CWindowImplRoot : public TBase, public CMessageMap {
   // Meant to run after the window is gone; it does not destroy it.
   virtual ~CWindowImplRoot() = default;
 
-  // The message that is being worked on, or null.
-  const _ATL_MSG* GetCurrentMessage() const { return m_pCurrentMsg; }
-
   // The parent's part of reflection: what a control sent goes back to it as OCM__BASE plus the message. A message that
   // comes from no control is left unhandled.
   LRESULT ReflectNotifications(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL& bHandled) {

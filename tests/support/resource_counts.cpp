@@ -35,6 +35,7 @@ struct HandleTable {
   ULONG count;
   HandleEntry entries[1];
 };
+constexpr auto too_small = static_cast<NTSTATUS>(0xC0000004);  // STATUS_INFO_LENGTH_MISMATCH
 constexpr auto system_handle_information = static_cast<SYSTEM_INFORMATION_CLASS>(16);
 
 bool is_of_the_system(HWND window) {
@@ -61,8 +62,11 @@ int count_gdi_objects() {
 int count_kernel_handles() {
   std::vector<char> buffer(1 << 20);
   ULONG needed;
-  while (NtQuerySystemInformation(system_handle_information, buffer.data(), static_cast<ULONG>(buffer.size()), &needed))
+  NTSTATUS status;
+  while ((status = NtQuerySystemInformation(system_handle_information, buffer.data(),
+                                            static_cast<ULONG>(buffer.size()), &needed)) == too_small)
     buffer.resize(buffer.size() * 2);
+  if (status) return -1;
   auto* table = reinterpret_cast<const HandleTable*>(buffer.data());
   int count = 0;
   for (ULONG i = 0; i < table->count; ++i) count += table->entries[i].process == GetCurrentProcessId();
