@@ -35,7 +35,7 @@ export function Histogram({ durations }: { durations: Float64Array }) {
   const dark = state.darkNow.value;
 
   useEffect(() => {
-    if (durations.length === 0) return;
+    if (!frame.current) return;
     const { counts, at } = histogram(durations);
     const colors = chartColors(dark);
     const axis = {
@@ -43,7 +43,7 @@ export function Histogram({ durations }: { durations: Float64Array }) {
       grid: { stroke: colors.line, width: 1 },
       ticks: { stroke: colors.line, width: 1 },
     };
-    const element = frame.current!;
+    const element = frame.current;
     const plot = new uPlot(
       {
         width: element.clientWidth,
@@ -95,6 +95,15 @@ export function Histogram({ durations }: { durations: Float64Array }) {
   }, [durations, dark]);
 
   if (durations.length === 0) return <p class="hint">No closed interval to draw a histogram of.</p>;
+  if (durations[0] === durations[durations.length - 1])
+    return (
+      <p class="hint">
+        {durations.length === 1
+          ? 'One closed interval of'
+          : `All ${formatCount(durations.length)} closed intervals took`}{' '}
+        {formatTime(durations[0]!)}.
+      </p>
+    );
   const left = cursor === undefined ? 0 : lowerBound(durations, 0, durations.length, cursor);
   const right = durations.length - left;
   return (

@@ -97,7 +97,7 @@ export function Table<Row>(properties: Properties<Row>) {
     setSorting(([current]) => [{ id, desc: current?.id === id ? !current.desc : id !== columns[0]!.id }]);
 
   const template = {
-    gridTemplateColumns: `minmax(180px, 1fr) repeat(${columns.length - 1}, minmax(74px, 104px))`,
+    gridTemplateColumns: `minmax(170px, 1fr) repeat(${columns.length - 1}, minmax(64px, 84px))`,
   };
   return (
     <div

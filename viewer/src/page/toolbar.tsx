@@ -41,13 +41,13 @@ export function Toolbar() {
           <Views />
           <SearchBox />
           <Toggle
-            label="Only what is in view"
+            label="In view only"
             hint="Limit figures to the visible range of the timeline (v)"
             on={state.onlyVisible.value}
             onChange={(on) => (state.onlyVisible.value = on)}
           />
           <Toggle
-            label="Fold recursion"
+            label="Fold"
             hint="Count a name inside itself once (r)"
             on={state.foldRecursion.value}
             onChange={(on) => (state.foldRecursion.value = on)}
@@ -227,7 +227,7 @@ function ThemeChoice() {
       value={state.theme.value}
       onChange={({ currentTarget }) => (state.theme.value = currentTarget.value as typeof state.theme.value)}
     >
-      <option value="auto">As the system</option>
+      <option value="auto">Auto</option>
       <option value="light">Light</option>
       <option value="dark">Dark</option>
     </select>

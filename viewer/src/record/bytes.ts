@@ -44,8 +44,16 @@ export function guessEncoding(names: readonly string[]): string {
 }
 
 export function decodeNames(names: readonly string[], encoding: string): string[] {
+  if (encoding === 'windows-1252') return names.map(fromWestern);
   const decoder = new TextDecoder(encoding, { ignoreBOM: true });
   return names.map((name) => (isAscii(name) ? name : decoder.decode(textToBytes(name))));
+}
+
+/** What 1252 has from 0x80 to 0x9F. By hand, since the decoder of some versions of Node takes it for ISO 8859-1. */
+const western = '€\x81‚ƒ„…†‡ˆ‰Š‹Œ\x8dŽ\x8f\x90‘’“”•–—˜™š›œ\x9džŸ';
+
+function fromWestern(name: string): string {
+  return name.replace(/[\x80-\x9f]/g, (character) => western[character.charCodeAt(0) - 0x80]!);
 }
 
 function isAscii(text: string): boolean {

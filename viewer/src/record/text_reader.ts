@@ -34,7 +34,7 @@ export class TextReader {
   private skipping = false; // a line that is too long
   private headerSeen = false;
   private endSeen = false;
-  private indented = false;
+  private indented = false; // as the writer does it; otherwise only the brackets tell
   private unfinishedName: { line: number; indent: number; parts: string[] } | undefined;
 
   /** The next bytes of the file. Throws NoRecord as soon as it is clear that this is none. */
@@ -130,6 +130,7 @@ export class TextReader {
     const text = bytesToText(data, from + indent, to).trimEnd();
     if (text === '') return;
     this.firstLine ??= text;
+    if (indent > 0) this.indented = true;
     if (text.startsWith("name: '")) return this.readName(indent, bytesToText(data, from + indent, to));
     switch (text) {
       case 'var threads = [':
@@ -163,12 +164,15 @@ export class TextReader {
 
   private openBracket(indent: number): void {
     while (this.indented && this.top && this.top.indent >= indent) this.closeLost();
+    if (!this.top && indent > 0) {
+      this.report(this.line, 'an opening bracket is missing before this line');
+      this.add(0);
+    }
     this.add(indent);
   }
 
   private add(indent: number): Open {
     const parent = this.top;
-    if (this.open.length === 1 && indent > parent!.indent) this.indented = true;
     const added: Open = parent
       ? {
           indent,
