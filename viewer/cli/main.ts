@@ -1,4 +1,5 @@
 // The command line: converts a record for other programs, and compares two for a build that guards its timings.
+import { once } from 'node:events';
 import { createReadStream, createWriteStream, openSync } from 'node:fs';
 import { basename } from 'node:path';
 import type { Writable } from 'node:stream';
@@ -25,18 +26,10 @@ async function read(path: string, encoding: string | undefined): Promise<Profile
 async function write(parts: Iterable<string>, path: string | undefined): Promise<void> {
   const stream: Writable =
     path === undefined ? process.stdout : createWriteStream(path, { fd: openSync(path, 'w') });
-  for (const part of parts) {
-    if (stream.write(part)) continue;
-    await new Promise<void>((resolve, reject) => {
-      stream.once('drain', resolve);
-      stream.once('error', reject);
-    });
-  }
-  if (path !== undefined)
-    await new Promise<void>((resolve, reject) => {
-      stream.once('error', reject);
-      stream.end(resolve);
-    });
+  for (const part of parts) if (!stream.write(part)) await once(stream, 'drain');
+  if (path === undefined) return;
+  stream.end();
+  await once(stream, 'finish');
 }
 
 async function run(command: Command): Promise<number> {
