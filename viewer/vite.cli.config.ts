@@ -4,7 +4,7 @@ export default defineConfig({
   build: {
     ssr: 'cli/main.ts',
     target: 'node18',
-    outDir: '../build/viewer/cli',
+    outDir: `${process.env.KEXLIB_VIEWER ?? '../build/viewer'}/cli`,
     emptyOutDir: true,
     rollupOptions: { output: { entryFileNames: 'profile_tool.mjs' } },
   },

@@ -64,7 +64,7 @@ export default defineConfig({
   plugins: [licences(), viteSingleFile({ removeViteModuleLoader: true }), contentSecurityPolicy()],
   build: {
     target: 'es2022',
-    outDir: '../build/viewer/page',
+    outDir: `${process.env.KEXLIB_VIEWER ?? '../build/viewer'}/page`,
     emptyOutDir: true,
     modulePreload: false,
   },

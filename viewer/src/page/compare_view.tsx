@@ -55,6 +55,15 @@ function columnsOf(figure: Figure, title: string): Column<Compared>[] {
   ];
 }
 
+function Mark({ row }: { row: Compared }) {
+  if (row.before && row.after) return null;
+  return (
+    <>
+      <em class="mark">only in {row.before ? 1 : 2}</em>{' '}
+    </>
+  );
+}
+
 const columns: Column<Compared>[] = [
   {
     id: 'path',
@@ -62,8 +71,7 @@ const columns: Column<Compared>[] = [
     value: pathText,
     show: (row) => (
       <span title={pathText(row)}>
-        {!row.before && <em class="mark">only in 2</em>}
-        {!row.after && <em class="mark">only in 1</em>}
+        <Mark row={row} />
         {pathText(row)}
       </span>
     ),

@@ -48,6 +48,7 @@ function take(event: KeyboardEvent): boolean {
   if (event.altKey) return false;
   if (event.key === 'Escape') {
     if (exportsOpen.value) exportsOpen.value = false;
+    else if (isTyping(event.target)) leaveSearch(event.target as HTMLElement);
     else if (state.search.value) state.search.value = '';
     else state.select(undefined, undefined);
     return true;
@@ -72,6 +73,12 @@ function take(event: KeyboardEvent): boolean {
 function isTyping(target: EventTarget | null): boolean {
   if (target instanceof HTMLInputElement) return target.type !== 'checkbox' && target.type !== 'file';
   return target instanceof HTMLSelectElement || target instanceof HTMLTextAreaElement;
+}
+
+/** Back to where keys move the chart, with nothing searched for. */
+function leaveSearch(target: HTMLElement): void {
+  if (target.id === searchId) state.search.value = '';
+  target.blur();
 }
 
 function focusOn(id: string): void {
