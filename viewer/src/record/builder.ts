@@ -1,7 +1,7 @@
 import type { Problem, RawBlock, RawRecord } from './record';
 
-/** A limit that keeps the page alive: about 30 bytes each are needed to show them. */
-export const mostIntervals = 20_000_000;
+/** A limit that keeps the page alive: about 70 bytes each are needed to show them. */
+export const mostIntervals = 30_000_000;
 const mostProblems = 200;
 
 /** A column of numbers that grows. */

@@ -1,7 +1,7 @@
 // What `./kex build viewer` makes; tests take it, not the sources.
-import { fileURLToPath } from 'node:url';
+const folder = process.env.KEXLIB_VIEWER;
+if (!folder) throw new Error('KEXLIB_VIEWER does not name the built viewer: start this by ./kex');
 
-const built = process.env.KEXLIB_VIEWER ?? fileURLToPath(new URL('../../../build/viewer', import.meta.url));
-
-export const builtPage = `${built}/page/index.html`;
-export const builtTool = `${built}/cli/profile_tool.mjs`;
+export const builtFolder = folder;
+export const builtPage = `${folder}/page/index.html`;
+export const builtTool = `${folder}/cli/profile_tool.mjs`;
