@@ -151,7 +151,7 @@ function StatusLine() {
         </span>
       )}
       <span title="Time stamps have six digits">
-        resolution at {formatTime(point)}: {formatTime(resolutionAt(point))}
+        resolution at {formatTime(point)}: {point > 0 ? formatTime(resolutionAt(point)) : 'exact'}
       </span>
       {id !== undefined && state.view.value === 'timeline' && duration(profile, id) === 0 && (
         <span>no time passed between its stamps</span>

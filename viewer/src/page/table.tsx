@@ -35,6 +35,9 @@ interface Properties<Row> {
 }
 
 const rowHeight = 26;
+/** The least that columns are wide. */
+const nameWidth = 170;
+const figureWidth = 76;
 
 /** A table of any length: only the rows in view are elements. Arrow keys move the selection. */
 export function Table<Row>(properties: Properties<Row>) {
@@ -97,7 +100,8 @@ export function Table<Row>(properties: Properties<Row>) {
     setSorting(([current]) => [{ id, desc: current?.id === id ? !current.desc : id !== columns[0]!.id }]);
 
   const template = {
-    gridTemplateColumns: `minmax(170px, 1fr) repeat(${columns.length - 1}, minmax(64px, 84px))`,
+    gridTemplateColumns: `minmax(${nameWidth}px, 1fr) repeat(${columns.length - 1}, minmax(${figureWidth}px, 90px))`,
+    minWidth: `${nameWidth + figureWidth * (columns.length - 1)}px`,
   };
   return (
     <div

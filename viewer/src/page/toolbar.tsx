@@ -41,7 +41,7 @@ export function Toolbar() {
           <Views />
           <SearchBox />
           <Toggle
-            label="In view only"
+            label="In view"
             hint="Limit figures to the visible range of the timeline (v)"
             on={state.onlyVisible.value}
             onChange={(on) => (state.onlyVisible.value = on)}

@@ -321,7 +321,7 @@ describe('The other views', () => {
     await page.keyboard.press('Escape');
     await page.keyboard.press('1');
     await page.mouse.dblclick(...(await place(page, 450, 0, 1)));
-    await page.getByLabel('In view only').check();
+    await page.getByLabel('In view').check();
     await page.keyboard.press('3');
     await expect.poll(() => names(page)).toEqual(['draw']);
     expect(await page.locator('.table-row').innerText()).toMatch(/^draw\s+1\s+100 ms/);

@@ -1,7 +1,8 @@
 // What `./kex build viewer` makes; tests take it, not the sources.
-const folder = process.env.KEXLIB_VIEWER;
-if (!folder) throw new Error('KEXLIB_VIEWER does not name the built viewer: start this by ./kex');
+import { resolve } from 'node:path';
 
-export const builtFolder = folder;
-export const builtPage = `${folder}/page/index.html`;
-export const builtTool = `${folder}/cli/profile_tool.mjs`;
+/** kex says where; by hand, from this folder, it is where kex puts it. */
+export const builtFolder = resolve(process.env.KEXLIB_VIEWER ?? '../build/mingw-release/viewer');
+
+export const builtPage = `${builtFolder}/page/index.html`;
+export const builtTool = `${builtFolder}/cli/profile_tool.mjs`;
