@@ -1,4 +1,4 @@
-import { useEffect, useRef } from 'preact/hooks';
+import { useLayoutEffect, useRef } from 'preact/hooks';
 import type { ComponentChildren } from 'preact';
 import { licences } from 'virtual:licences';
 import { formatCount, formatTime } from './format';
@@ -19,7 +19,8 @@ export function Dialogs() {
 
 function Modal({ title, children }: { title: string; children: ComponentChildren }) {
   const dialog = useRef<HTMLDialogElement>(null);
-  useEffect(() => dialog.current!.showModal(), []);
+  // Before the next key can come, which is to be the dialog's.
+  useLayoutEffect(() => dialog.current!.showModal(), []);
   return (
     <dialog ref={dialog} aria-label={title} onClose={() => (state.dialog.value = undefined)}>
       <h2>

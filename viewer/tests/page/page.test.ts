@@ -321,7 +321,7 @@ describe('The other views', () => {
     await page.keyboard.press('Escape');
     await page.keyboard.press('1');
     await page.mouse.dblclick(...(await place(page, 450, 0, 1)));
-    await page.getByLabel('In view').check();
+    await page.getByRole('checkbox', { name: 'In view' }).check();
     await page.keyboard.press('3');
     await expect.poll(() => names(page)).toEqual(['draw']);
     expect(await page.locator('.table-row').innerText()).toMatch(/^draw\s+1\s+100 ms/);
@@ -551,9 +551,9 @@ describe('Bad input', () => {
     await dropFile(page, join(opened!.folder, 'cut.js'));
     await expect.poll(() => status(page)).toMatch(/^3 intervals, 1 thread\n/);
     await page.getByRole('button', { name: /problem/ }).click();
-    expect(await page.locator('.problems').innerText()).toMatch(
-      /^line 18 not understood and left out: "name:"\nline 18 the file ends before the record does/,
-    );
+    await expect
+      .poll(() => page.locator('.problems').innerText())
+      .toMatch(/^line 18 not understood and left out: "name:"\nline 18 the file ends before the record does/);
   });
 
   test('that is no script is refused by the script way with a hint, and read as text', async () => {
