@@ -179,6 +179,71 @@ describe('The timeline', () => {
     expect(await details(page)).toMatch(/Count\n1 \(1 never closed\)\nTotal\n50 ms\nSelf\n50 ms\nMean\n–/);
   });
 
+  /** Colours on the row at a place, over a number of pixels. */
+  const coloursAt = (page: Page, [x, y]: [number, number], width: number) =>
+    page.locator('.chart canvas').evaluate(
+      (element, { x, y, width }) => {
+        const canvas = element as HTMLCanvasElement;
+        const { left, top } = canvas.getBoundingClientRect();
+        const { data } = canvas.getContext('2d')!.getImageData(x - left, y - top, width, 1);
+        const colours: string[] = [];
+        for (let at = 0; at < data.length; at += 4) colours.push(data.slice(at, at + 3).join(' '));
+        return colours;
+      },
+      { x, y, width },
+    );
+
+  test('hatches what was never closed, and nothing else', async () => {
+    const page = await openRecord();
+    const row = ([x, y]: [number, number]): [number, number] => [x, y + 7]; // below the name
+    expect(new Set(await coloursAt(page, row(await place(page, 955, 1, 0)), 40)).size).toBeGreaterThan(1);
+    expect(new Set(await coloursAt(page, row(await place(page, 500, 1, 0)), 40)).size).toBe(1);
+  });
+
+  test('shows what took no time one pixel wide, and says so', async () => {
+    const text = recordText([
+      {
+        id: 4,
+        blocks: [
+          { name: 'long', time: [[0, 100]] },
+          { name: 'none', time: [[450, 450]] },
+          { name: 'end', time: [[900, 1000]] },
+        ],
+      },
+    ]);
+    const page = await open({ files: { 'profiler.js': text } });
+    const [x, y] = await place(page, 450, 0, 0);
+    const colours = await coloursAt(page, [x - 10, y], 20);
+    const [ground] = await coloursAt(page, [x - 60, y], 1);
+    expect(colours.filter((colour) => colour !== ground).length).toBe(1);
+    await page.mouse.click(x, y);
+    await expect.poll(() => details(page)).toMatch(/^none\n/);
+    await page.mouse.move(x, y);
+    await expect.poll(() => status(page)).toContain('no time passed between its stamps');
+    await page.keyboard.press('3');
+    expect(await page.locator('.table-row', { hasText: 'none' }).innerText()).toMatch(/^none\s+1\s+0\s/);
+  });
+
+  test('does not change its picture of narrow blocks while it is moved by whole pixels', async () => {
+    const time: [number, number][] = Array.from({ length: 20000 }, (_, i) => [i / 20, i / 20 + 0.03]);
+    const blocks = ['a', 'b', 'c'].map((name, n) => ({
+      name,
+      time: time.filter((_, i) => ((i * i) % 7) % 3 === n),
+    }));
+    const page = await open({ files: { 'profiler.js': recordText([{ id: 4, blocks }]) } });
+    await page.keyboard.press('+');
+    await page.keyboard.press('+');
+    const [x, y] = await place(page, 500, 0, 0);
+    const before = await coloursAt(page, [x - 300, y], 400);
+    await page.mouse.move(x, y);
+    await page.mouse.down();
+    await page.mouse.move(x - 40, y);
+    await page.mouse.up();
+    await page.mouse.move(x, y + 300);
+    await expect.poll(() => coloursAt(page, [x - 340, y], 400)).toEqual(before);
+    expect(new Set(before).size).toBeGreaterThanOrEqual(3);
+  });
+
   test('puts the thread that began first on top and marks it', async () => {
     const page = await openRecord();
     await page.keyboard.press('t');
