@@ -224,24 +224,24 @@ describe('The timeline', () => {
     expect(await page.locator('.table-row', { hasText: 'none' }).innerText()).toMatch(/^none\s+1\s+0\s/);
   });
 
-  test('does not change its picture of narrow blocks while it is moved by whole pixels', async () => {
+  test('does not change its picture of narrow blocks while it is moved', async () => {
     const time: [number, number][] = Array.from({ length: 20000 }, (_, i) => [i / 20, i / 20 + 0.03]);
     const blocks = ['a', 'b', 'c'].map((name, n) => ({
       name,
       time: time.filter((_, i) => ((i * i) % 7) % 3 === n),
     }));
-    const page = await open({ files: { 'profiler.js': recordText([{ id: 4, blocks }]) } });
+    const page = await open({
+      files: { 'profiler.js': recordText([{ id: 4, blocks }]) },
+      viewport: { width: 1275, height: 800 },
+    });
     await page.keyboard.press('+');
     await page.keyboard.press('+');
     const [x, y] = await place(page, 500, 0, 0);
     const before = await coloursAt(page, [x - 300, y], 400);
-    await page.mouse.move(x, y);
-    await page.mouse.down();
-    await page.mouse.move(x - 40, y);
-    await page.mouse.up();
-    await page.mouse.move(x, y + 300);
-    await expect.poll(() => coloursAt(page, [x - 340, y], 400)).toEqual(before);
-    expect(new Set(before).size).toBeGreaterThanOrEqual(3);
+    expect(new Set(before).size).toBe(3);
+    await page.keyboard.press('d'); // by 127.5 pixels
+    const after = await coloursAt(page, [x - 300 - 128, y], 401);
+    expect([after.slice(0, -1), after.slice(1)]).toContainEqual(before);
   });
 
   test('puts the thread that began first on top and marks it', async () => {
