@@ -98,7 +98,10 @@ const openRecord = (options: OpenOptions = {}) => open({ files: { 'profiler.js':
 const status = (page: Page) => page.locator('.status').innerText();
 const range = async (page: Page) => /[\d.]+(?: \S+)? to [^:]+/.exec(await status(page))?.[0];
 const details = (page: Page) => page.locator('.details').innerText();
-const names = async (page: Page) => page.locator('.table-row span:first-child').allInnerTexts();
+const names = async (page: Page) => {
+  await page.locator('.table-row').first().waitFor();
+  return page.locator('.table-row span:first-child').allInnerTexts();
+};
 
 /** The middle of the timeline's row, `depth` from the lane's top, at a time of the whole second. */
 async function place(page: Page, time: number, lane: number, depth: number): Promise<[number, number]> {
@@ -358,9 +361,9 @@ describe('The other views', () => {
       return page.locator('.tip').innerText();
     };
     // main loop 1000, worker 850, left open 50
-    expect(await at(10, 0)).toMatch(/^main loop\n1 s\n52\.6 % of all/);
-    expect(await at(10, 1)).toMatch(/^load\n300 ms\n15\.8 % of all, self 190 ms\nonce/);
-    expect(await at(box.width * 0.9, 0)).toMatch(/^worker\n850 ms/);
+    await expect.poll(() => at(10, 0)).toMatch(/^main loop\n1 s\n52\.6 % of all/);
+    await expect.poll(() => at(10, 1)).toMatch(/^load\n300 ms\n15\.8 % of all, self 190 ms\nonce/);
+    await expect.poll(() => at(box.width * 0.9, 0)).toMatch(/^worker\n850 ms/);
   });
 
   test('fold recursion', async () => {
