@@ -116,6 +116,20 @@ TEST(String, LengthsAndIndicesOutsideTheTextThrowInvalidArgument) {
   EXPECT_STREQ(text, "abc");
 }
 
+TEST(String, TextToConvertWithANegativeLengthThrowsInvalidArgument) {
+  EXPECT_EQ(thrown_by([] { CStringA(L"abc", -1); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([] { CStringW("abc", -1); }), E_INVALIDARG);
+  EXPECT_STREQ(CStringA(L"abc", 2), "ab");
+}
+
+TEST(String, ComparedWithANullPointerThrowsInvalidArgument) {
+  CStringA text("abc");
+  const char* null = nullptr;
+  EXPECT_EQ(thrown_by([&] { text.Compare(null); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([&] { text.CompareNoCase(null); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([&] { static_cast<void>(text == null); }), E_INVALIDARG);
+}
+
 TEST(String, TheIndexOfTheEndReadsTheTerminator) {
   EXPECT_EQ(CStringA("abc")[3], '\0');
   EXPECT_EQ(CStringA().GetAt(0), '\0');
@@ -194,6 +208,7 @@ TEST(String, FindsTextsAndCharactersFromAPlaceOn) {
   EXPECT_EQ(text.Find("x"), -1);
   EXPECT_EQ(text.Find("a", 7), -1);
   EXPECT_EQ(text.Find("a", -1), -1);
+  EXPECT_EQ(text.Find(static_cast<const char*>(nullptr)), -1);
 }
 
 TEST(String, PartsAreCutToWhatIsThere) {
@@ -241,6 +256,12 @@ TEST(String, ReplacesCharactersAndPartsFromTheCopyOnlyWhereOneOccurs) {
   EXPECT_EQ(copy.Replace('.', ','), 2);
   EXPECT_STREQ(copy, "a,b,c");
   EXPECT_STREQ(text, "a.b.c");
+}
+
+TEST(String, ReplacesNoTerminator) {
+  CStringA text("abc");
+  EXPECT_EQ(text.Replace('\0', 'x'), 0);
+  EXPECT_STREQ(text, "abc");
 }
 
 TEST(String, FormatsAsPrintfDoes) {
