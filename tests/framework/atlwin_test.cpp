@@ -620,6 +620,59 @@ TEST(WindowImpl, DestroyedInItsOwnHandlerLearnsOfItWhenTheLastFrameIsLeft) {
   EXPECT_FALSE(IsWindow(handle));
 }
 
+TEST(WindowImpl, MayDeleteItselfInItsOwnDestroyWindow) {
+  std::vector<std::string> events;
+  auto* window = new SelfDestroying(events);
+  HWND handle = window->Create(nullptr);
+  // What the object leaves in its memory is there to be seen in the next one of its size.
+  EXPECT_TRUE(window->DestroyWindow());
+  EXPECT_EQ(events, (std::vector<std::string>{"destroyed", "final", "deleted"}));
+  EXPECT_FALSE(IsWindow(handle));
+}
+
+TEST(WindowImpl, DestroyedByItsOwnMethodInAHandlerIsToldWhichWindowItWas) {
+  Recorder window;
+  HWND during = nullptr;
+  window.on_create = [&] {
+    during = window.m_hWnd;
+    EXPECT_TRUE(window.DestroyWindow());
+  };
+  EXPECT_FALSE(window.Create(nullptr));
+  EXPECT_TRUE(during);
+  EXPECT_EQ(window.final_messages, std::vector<HWND>{during});
+  EXPECT_FALSE(window.m_hWnd);
+}
+
+TEST(WindowImpl, ThatOnlyNamesAWindowLosesItWhenItDestroysIt) {
+  Recorder window;
+  window.Attach(CreateWindow("STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
+  EXPECT_TRUE(window.DestroyWindow());
+  EXPECT_FALSE(window.m_hWnd);
+  EXPECT_TRUE(window.final_messages.empty());
+}
+
+TEST(WindowImpl, AHandlerThatThrowsLeavesNoMessageTheCurrentOne) {
+  class Throwing : public CWindowImpl<Throwing, CWindow, CFrameWinTraits> {
+   public:
+    BEGIN_MSG_MAP(Throwing)
+    MESSAGE_HANDLER(WM_USER, OnUser)
+    END_MSG_MAP()
+    LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) {
+      EXPECT_EQ(GetCurrentMessage()->message, UINT{WM_USER});
+      throw 5;
+    }
+    void OnFinalMessage(HWND) override { ++final_messages; }
+    int final_messages = 0;
+  } window;
+  HWND handle = window.Create(nullptr);
+  auto procedure = reinterpret_cast<WNDPROC>(window.GetWindowLongPtr(GWLP_WNDPROC));
+  // Not by SendMessage: no exception finds its way through the system.
+  EXPECT_THROW(procedure(handle, WM_USER, 0, 0), int);
+  EXPECT_FALSE(window.GetCurrentMessage());
+  window.DestroyWindow();
+  EXPECT_EQ(window.final_messages, 1);
+}
+
 TEST(WindowImpl, DestroyedFromOutsideIsToldOnce) {
   Recorder window;
   HWND handle = window.Create(nullptr);
