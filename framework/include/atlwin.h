@@ -637,7 +637,10 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     auto* self = reinterpret_cast<CWindowImplBaseT*>(hWnd);
     return self->work_on(
         uMsg, wParam, lParam, [=] { return self->handle(uMsg, wParam, lParam); },
-        [=](HWND gone) { self->OnFinalMessage(gone); });
+        [=](HWND gone) {
+          self->m_pfnSuperWindowProc = ::DefWindowProc;  // the next window may be of another class
+          self->OnFinalMessage(gone);
+        });
   }
 
   WNDPROC m_pfnSuperWindowProc = ::DefWindowProc;
