@@ -8,7 +8,7 @@ CWnd::CWnd() = default;
 CWnd::~CWnd() { CWnd::DestroyWindow(); }
 
 BOOL CWnd::Attach(HWND window) {
-  if (!window || m_hWnd) return FALSE;
+  if (!window || ::IsWindow(m_hWnd)) return FALSE;
   m_hWnd = window;
   // So that the object learns of it when somebody else destroys the window. A window of another thread cannot be
   // watched, and could not be destroyed by this one either.
@@ -29,7 +29,7 @@ LRESULT CALLBACK CWnd::watch(HWND window, UINT message, WPARAM wParam, LPARAM lP
 
 BOOL CWnd::Create(LPCTSTR className, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                   CCreateContext*) {
-  if (m_hWnd) return FALSE;
+  if (::IsWindow(m_hWnd)) return FALSE;
   return Attach(CreateWindowExA(0, className, windowName, style | WS_CHILD, rect.left, rect.top, rect.right - rect.left,
                                 rect.bottom - rect.top, parent ? parent->m_hWnd : nullptr,
                                 reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), AfxGetInstanceHandle(), nullptr));
