@@ -25,7 +25,11 @@ class ChTraitsCRT<char> {
   static int StringCompare(const char* a, const char* b) { return _mbscmp(bytes(a), bytes(b)); }
   static int StringCompareIgnore(const char* a, const char* b) { return _mbsicmp(bytes(a), bytes(b)); }
   static const char* StringFindString(const char* text, const char* part) {
-    return reinterpret_cast<const char*>(_mbsstr(bytes(text), bytes(part)));
+    const char* found = std::strstr(text, part);
+    // What begins with the second byte of a character is none.
+    for (; found && !is_at_character(text, found); found = std::strstr(found + 1, part)) {
+    }
+    return found;
   }
   static const char* StringFindChar(const char* text, char character) {
     return reinterpret_cast<const char*>(_mbschr(bytes(text), static_cast<unsigned char>(character)));
@@ -42,6 +46,11 @@ class ChTraitsCRT<char> {
   }
 
  private:
+  static bool is_at_character(const char* text, const char* place) {
+    const unsigned char* at = bytes(text);
+    while (at < bytes(place)) at = _mbsinc(at);
+    return at == bytes(place);
+  }
   static const unsigned char* bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }
 };
 
