@@ -26,8 +26,6 @@
 // A method's name here, and a macro of windowsx.h.
 #undef SubclassWindow
 
-struct AtlThunkData_t;
-
 namespace ATL {
 
 // ---- what creation functions take ---------------------------------------------------------------------------------
@@ -392,6 +390,8 @@ inline ATOM CWndClassInfo::Register(WNDPROC* original) {
 
 // ---- windows written in C++ ----------------------------------------------------------------------------------------
 
+struct CStdThunk;
+
 // A window procedure of an object's own: code, made by the system (atlthunk.dll), that calls a function with the
 // object in place of the window handle. It is given back with the object, not with the window, since messages may
 // still be on their way through it when the window goes.
@@ -408,7 +408,7 @@ class CWndProcThunk {
   WNDPROC GetWNDPROC() noexcept { return reinterpret_cast<WNDPROC>(GetCodeAddress()); }
 
  private:
-  AtlThunkData_t* m_data = nullptr;
+  CStdThunk* m_thunk = nullptr;
 };
 
 // A message while a window procedure works on it.

@@ -2,45 +2,63 @@
 
 #include <framework/system_library.h>
 
+#include <new>
+
+struct AtlThunkData_t;
+
 namespace ATL {
+
+// A thunk of the system's. One that an object gave back waits for the next object: the system may keep the memory of
+// thunks anyway, and a list without a lock or an allocation can be given to at any time, the end of a process included.
+struct alignas(MEMORY_ALLOCATION_ALIGNMENT) CStdThunk {
+  SLIST_ENTRY link;
+  AtlThunkData_t* data;
+};
 
 namespace {
 
-// The system's thunks.
 struct Thunks {
   AtlThunkData_t* (*allocate)();
   void (*init)(AtlThunkData_t*, void* function, size_t firstParameter);
   WNDPROC (*code)(AtlThunkData_t*);
-  void (*free)(AtlThunkData_t*);
   bool there;
+  SLIST_HEADER given_back;
 
   Thunks() {
     framework::SystemLibrary library("atlthunk.dll");
     there = library.find(allocate, "AtlThunk_AllocateData") && library.find(init, "AtlThunk_InitData") &&
-            library.find(code, "AtlThunk_DataToCode") && library.find(free, "AtlThunk_FreeData");
+            library.find(code, "AtlThunk_DataToCode");
+    InitializeSListHead(&given_back);
+  }
+
+  // Null where the system has no memory.
+  CStdThunk* take() {
+    if (auto* waiting = InterlockedPopEntrySList(&given_back)) return CONTAINING_RECORD(waiting, CStdThunk, link);
+    AtlThunkData_t* data = allocate();
+    return data ? new (std::nothrow) CStdThunk{{}, data} : nullptr;
   }
 };
 
-const Thunks& thunks() {
-  static const Thunks found;
+Thunks& thunks() {
+  static Thunks found;
   return found;
 }
 
 }  // namespace
 
 CWndProcThunk::~CWndProcThunk() {
-  if (m_data) thunks().free(m_data);
+  if (m_thunk) InterlockedPushEntrySList(&thunks().given_back, &m_thunk->link);
 }
 
 BOOL CWndProcThunk::Init(void* function, void* object) noexcept {
   if (!thunks().there) return FALSE;
-  if (!m_data && !(m_data = thunks().allocate())) return FALSE;
-  thunks().init(m_data, function, reinterpret_cast<size_t>(object));
+  if (!m_thunk && !(m_thunk = thunks().take())) return FALSE;
+  thunks().init(m_thunk->data, function, reinterpret_cast<size_t>(object));
   return TRUE;
 }
 
 void* CWndProcThunk::GetCodeAddress() noexcept {
-  return m_data ? reinterpret_cast<void*>(thunks().code(m_data)) : nullptr;
+  return m_thunk ? reinterpret_cast<void*>(thunks().code(m_thunk->data)) : nullptr;
 }
 
 }  // namespace ATL

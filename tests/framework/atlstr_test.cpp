@@ -243,6 +243,8 @@ TEST(String, FindsWholeCharactersOfADoubleByteCodePage) {
   // The second byte of the first character is that of a backslash.
   CStringA text("\x83\\.\\");
   EXPECT_EQ(text.Find('\\'), 3);
+  EXPECT_EQ(text.Find("\\"), 3);
+  EXPECT_EQ(text.Find("\\."), -1);
   _setmbcp(before);
   EXPECT_EQ(text.Find('\\'), 1);
 }
