@@ -1,5 +1,6 @@
 // A program that profiles and traces and then ends in the way that its argument names. It tests what unloading writes.
 #include <kexlib/diagnostics.h>
+#include <kexlib/messageloop.h>
 
 #include <windows.h>
 
@@ -23,6 +24,22 @@ void keep_profiling(std::atomic<bool>& running) {
   }
 }
 
+// Its tick does not end.
+class EndlessTick : public CATLWindowLessTimer {
+ public:
+  void OnTimerTick() override {
+    ticking = true;
+    Sleep(INFINITE);
+  }
+  std::atomic<bool> ticking{false};
+};
+
+void tick_endlessly(EndlessTick& timer) {
+  timer.SetEnabled(1);
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -30,6 +47,17 @@ int main(int argc, char** argv) {
   const std::string ending = argc > 1 ? argv[1] : "";
 
   if (ending == "silent") return exit_code;
+  if (ending == "in_tick") {
+    static EndlessTick timer;
+    timer.SetInterval(50);
+    std::thread([] { tick_endlessly(timer); }).detach();
+    while (!timer.ticking) Sleep(1);
+    return exit_code;
+  }
+  if (ending == "alert") {
+    static CProblemAlert alert;
+    return exit_code;
+  }
   if (ending == "crash") {
     std::thread([] {}).join();
     volatile int* volatile nowhere = nullptr;
