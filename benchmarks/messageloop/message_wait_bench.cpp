@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int messages = 1000;
+constexpr int messages = 250;
 constexpr UINT ordinary = WM_APP, last = WM_APP + 1;
 
 HANDLE last_was_handled;
@@ -46,7 +46,7 @@ void measure_message_pumping() {
   const HWND window = make_window();
   last_was_handled = CreateEventA(nullptr, FALSE, FALSE, nullptr);
 
-  bench::Comparison with_object("one posted message while waiting for an object", 25);
+  bench::Comparison with_object("one posted message while waiting for an object", 75);
   with_object.add("library", [&] {
     return each_message(window, [] { SafeWaitWithMessageLoop(1, &last_was_handled, INFINITE, FALSE, nullptr); });
   });
@@ -60,7 +60,7 @@ void measure_message_pumping() {
   with_object.run();
   bench::at_most("T12", 1.10, with_object.ratio("library", "poll, peek, dispatch"), "in poll, peek, dispatch");
 
-  bench::Comparison without("one posted message without objects", 25);
+  bench::Comparison without("one posted message without objects", 75);
   without.add("library", [&] {
     return each_message(window, [] {
       PostQuitMessage(0);
@@ -83,7 +83,7 @@ void measure_message_pumping() {
 }
 
 void measure_event_round_trip() {
-  constexpr int trips = 200;
+  constexpr int trips = 50;
   const HANDLE request = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   const HANDLE answer = CreateEventA(nullptr, FALSE, FALSE, nullptr);
   const HANDLE end = CreateEventA(nullptr, FALSE, FALSE, nullptr);
@@ -92,7 +92,7 @@ void measure_event_round_trip() {
     while (WaitForMultipleObjects(2, handles, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) SetEvent(answer);
   });
 
-  bench::Comparison trip("to another thread and back, by events", 25);
+  bench::Comparison trip("to another thread and back, by events", 75);
   trip.add("library", [&] {
     return bench::nanoseconds_each(trips, [&] {
       SetEvent(request);

@@ -92,7 +92,7 @@ Times measure_plain(int count) {
 }  // namespace
 
 void measure_ten_thousand_timers() {
-  constexpr int count = 10000, rounds = 3;
+  constexpr int count = 10000, rounds = 7;
   const auto compare = [](const char* title, double Times::*which, const char* what) {
     bench::Comparison work(title, rounds);
     work.add("library", [=] { return measure_library(count).*which; });

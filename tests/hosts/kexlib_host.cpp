@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <support/crash_report.h>
+#include <support/import_override.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -14,6 +15,7 @@
 namespace {
 
 constexpr int exit_code = 7;
+constexpr int touched_lock = 8;
 
 // A thread that is always inside the profiler, most of the time with new names, so that the process ends in the middle
 // of an insertion.
@@ -23,6 +25,9 @@ void keep_profiling(std::atomic<bool>& running) {
     running = true;
   }
 }
+
+// Where the library is not to touch a lock any more.
+void WINAPI refuse_section(CRITICAL_SECTION*) { TerminateProcess(GetCurrentProcess(), touched_lock); }
 
 // Its tick does not end.
 class EndlessTick : public CATLWindowLessTimer {
@@ -52,6 +57,8 @@ int main(int argc, char** argv) {
     timer.SetInterval(50);
     std::thread([] { tick_endlessly(timer); }).detach();
     while (!timer.ticking) Sleep(1);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "EnterCriticalSection", &refuse_section);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "DeleteCriticalSection", &refuse_section);
     return exit_code;
   }
   if (ending == "alert") {

@@ -495,6 +495,20 @@ TEST_F(ThreadMessageHook, HandlesTheMessagesOfAnotherThreadThere) {
   other.join();
 }
 
+// Its hook has gone with the thread, which the object does not know.
+TEST_F(ThreadMessageHook, CannotBeUnhookedAfterTheEndOfItsThread) {
+  RecordingHook* hook = nullptr;
+  std::thread([&] { hook = new RecordingHook(1); }).join();
+  EXPECT_EQ(hook->RemoveHook(), HRESULT_FROM_WIN32(ERROR_INVALID_HOOK_HANDLE));
+  EXPECT_EQ(hook->IsHooked(), 1);
+  EXPECT_EQ(hook->PostHookMessage(listed, 0, 0), 0);
+  delete hook;
+  hook_.SetHook();
+  post_to_this_thread(listed);
+  pump_waiting();
+  EXPECT_EQ(hook_.handled.size(), 1u);
+}
+
 TEST_F(ThreadMessageHook, GetsTenThousandMessagesOfFourThreadsOnceEach) {
   constexpr int senders = 4;
   constexpr int each = 2500;

@@ -76,8 +76,14 @@ CComPtr<TimerObject> make_timer(long interval = 50) {
 
 // Dispatches messages until so many timers without a window have called.
 void pump_timer_messages(int count) {
-  MSG message;
-  while (count > 0 && GetMessageA(&message, nullptr, 0, 0)) {
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+  while (count > 0) {
+    ASSERT_LT(std::chrono::steady_clock::now(), deadline) << count << " ticks are missing";
+    MSG message;
+    if (!PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+      MsgWaitForMultipleObjects(0, nullptr, FALSE, 20, QS_ALLINPUT);
+      continue;
+    }
     if (message.message == WM_TIMER && !message.hwnd) --count;
     DispatchMessageA(&message);
   }
@@ -467,6 +473,22 @@ TEST_F(WindowlessTimer, TenThousandRoundsLeaveNothingBehind) {
   }
   EXPECT_EQ(ResourceCounts(), before);
   EXPECT_LT(count_memory(), memory + 200000);  // one node each would be 320000
+}
+
+TEST_F(WindowlessTimer, TenThousandTickOnceEach) {
+  std::vector<CComPtr<TimerObject>> timers;
+  int ticks = 0;
+  for (int i = 0; i < 10000; ++i) {
+    timers.push_back(make_timer());
+    timers.back()->SetRepeatable(0);
+    timers.back()->on_tick = [&] { ++ticks; };
+  }
+  for (const auto& timer : timers) timer->SetEnabled(1);
+  EXPECT_TRUE(pump_until([&] { return ticks == 10000; }, std::chrono::seconds(60)));
+  for (const auto& timer : timers) {
+    ASSERT_EQ(timer->ticks, 1);
+    ASSERT_EQ(timer->GetEnabled(), 0);
+  }
 }
 
 // ---- threads -------------------------------------------------------------------------------------------------------
