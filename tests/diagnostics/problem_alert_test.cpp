@@ -39,10 +39,6 @@ bool box_comes() {
   return pump_until([] { return boxes().size() == 1; });
 }
 
-bool box_goes() {
-  return pump_until([] { return boxes().empty(); });
-}
-
 // A second one would be there much sooner.
 bool none_comes() {
   return !pump_until([] { return !boxes().empty(); }, std::chrono::milliseconds(400));
@@ -77,8 +73,12 @@ void close_box() {
   ASSERT_EQ(open.size(), 1u);
   const std::vector<HWND> buttons = children(open[0], "Button");
   ASSERT_EQ(buttons.size(), 1u);
-  click(buttons[0]);
-  EXPECT_TRUE(box_goes());
+  // As a user would, who clicks again where the box was not ready for it.
+  for (int clicks = 0; clicks < 5 && !boxes().empty(); ++clicks) {
+    click(buttons[0]);
+    pump_until([] { return boxes().empty(); }, std::chrono::seconds(3));
+  }
+  EXPECT_EQ(boxes().size(), 0u);
 }
 
 class ProblemAlertOnScreen : public testing::Test {

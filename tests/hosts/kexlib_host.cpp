@@ -26,8 +26,25 @@ void keep_profiling(std::atomic<bool>& running) {
   }
 }
 
-// Where the library is not to touch a lock any more.
-void WINAPI refuse_section(CRITICAL_SECTION*) { TerminateProcess(GetCurrentProcess(), touched_lock); }
+// The lock of the timers is the first that the library enters here; at the end of the process it is not to be touched.
+std::atomic<CRITICAL_SECTION*> timers_lock{nullptr};
+std::atomic<bool> ending_now{false};
+
+void check(CRITICAL_SECTION* section) {
+  CRITICAL_SECTION* none = nullptr;
+  timers_lock.compare_exchange_strong(none, section);
+  if (ending_now && section == timers_lock) TerminateProcess(GetCurrentProcess(), touched_lock);
+}
+
+void WINAPI checked_enter(CRITICAL_SECTION* section) {
+  check(section);
+  EnterCriticalSection(section);
+}
+
+void WINAPI checked_delete(CRITICAL_SECTION* section) {
+  check(section);
+  DeleteCriticalSection(section);
+}
 
 // Its tick does not end.
 class EndlessTick : public CATLWindowLessTimer {
@@ -55,10 +72,11 @@ int main(int argc, char** argv) {
   if (ending == "in_tick") {
     static EndlessTick timer;
     timer.SetInterval(50);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "EnterCriticalSection", &checked_enter);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "DeleteCriticalSection", &checked_delete);
     std::thread([] { tick_endlessly(timer); }).detach();
     while (!timer.ticking) Sleep(1);
-    new ImportOverride("kexlib.dll", "KERNEL32.dll", "EnterCriticalSection", &refuse_section);
-    new ImportOverride("kexlib.dll", "KERNEL32.dll", "DeleteCriticalSection", &refuse_section);
+    ending_now = true;
     return exit_code;
   }
   if (ending == "alert") {
