@@ -85,7 +85,10 @@ class CStringT : public CSimpleStringT<BaseType> {
   CStringT(PCXSTR text) { this->SetString(text); }
   CStringT(PCYSTR text) { *this = text; }
   CStringT(PCXSTR text, int length) : Base(text, length) {}
-  CStringT(PCYSTR text, int length) { convert(text, length); }
+  CStringT(PCYSTR text, int length) {
+    Base::check(length >= 0);
+    convert(text, length);
+  }
   // `count` times the character.
   explicit CStringT(XCHAR character, int count = 1) {
     Base::check(count >= 0);
@@ -122,16 +125,23 @@ class CStringT : public CSimpleStringT<BaseType> {
   friend CStringT operator+(const CStringT& a, XCHAR b) { return CStringT(a) += b; }
   friend CStringT operator+(XCHAR a, const CStringT& b) { return CStringT(a) += b; }
 
-  // Less than, equal to or greater than zero, by character code.
-  int Compare(PCXSTR text) const { return StringTraits::StringCompare(this->GetString(), text); }
-  int CompareNoCase(PCXSTR text) const { return StringTraits::StringCompareIgnore(this->GetString(), text); }
+  // Less than, equal to or greater than zero, by character code. To compare with null throws E_INVALIDARG.
+  int Compare(PCXSTR text) const {
+    Base::check(text != nullptr);
+    return StringTraits::StringCompare(this->GetString(), text);
+  }
+  int CompareNoCase(PCXSTR text) const {
+    Base::check(text != nullptr);
+    return StringTraits::StringCompareIgnore(this->GetString(), text);
+  }
   friend bool operator==(const CStringT& a, const CStringT& b) { return a.Compare(b) == 0; }
   friend bool operator==(const CStringT& a, PCXSTR b) { return a.Compare(b) == 0; }
   friend auto operator<=>(const CStringT& a, const CStringT& b) { return a.Compare(b) <=> 0; }
   friend auto operator<=>(const CStringT& a, PCXSTR b) { return a.Compare(b) <=> 0; }
 
-  // The place of the first occurrence at or after `start`, or -1.
+  // The place of the first occurrence at or after `start`, or -1. Null occurs nowhere.
   int Find(PCXSTR part, int start = 0) const {
+    if (!part) return -1;
     return place(start, [&](PCXSTR from) { return StringTraits::StringFindString(from, part); });
   }
   int Find(XCHAR character, int start = 0) const {
@@ -167,9 +177,9 @@ class CStringT : public CSimpleStringT<BaseType> {
     *this = std::move(result);
     return count;
   }
-  // Exchanges a character; the buffer is split off only if it occurs.
+  // Exchanges a character; the buffer is split off only if it occurs. The terminator is none of the text's characters.
   int Replace(XCHAR oldCharacter, XCHAR newCharacter) {
-    if (oldCharacter == newCharacter) return 0;
+    if (oldCharacter == newCharacter || !oldCharacter) return 0;
     int count = 0;
     for (int at = -1; (at = Find(oldCharacter, at + 1)) >= 0; ++count) this->GetBuffer()[at] = newCharacter;
     return count;

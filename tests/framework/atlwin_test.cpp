@@ -80,6 +80,15 @@ TEST(WindowImpl, GetsTheStylesOfItsTraitsUnlessToldOthers) {
   window.DestroyWindow();
 }
 
+TEST(WindowImpl, HasAnArrowAPlainBackgroundAndDoubleClicksByItsClass) {
+  Recorder window;
+  window.Create(nullptr);
+  EXPECT_EQ(GetClassLongPtr(window, GCLP_HCURSOR), reinterpret_cast<ULONG_PTR>(LoadCursor(nullptr, IDC_ARROW)));
+  EXPECT_EQ(GetClassLongPtr(window, GCLP_HBRBACKGROUND), ULONG_PTR{COLOR_WINDOW + 1});
+  EXPECT_EQ(GetClassLongPtr(window, GCL_STYLE), ULONG_PTR{CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS});
+  window.DestroyWindow();
+}
+
 TEST(WindowImpl, ARefusedCreationGivesNullAndTheObjectMayTryAgain) {
   Recorder window;
   window.create_result = -1;
@@ -228,6 +237,14 @@ TEST(MessageMap, ChainsToBaseClassesAndMembersAndTheirOtherMaps) {
   EXPECT_EQ(window.SendMessage(WM_USER + 1), 201);
   EXPECT_EQ(window.SendMessage(WM_USER + 2), 102);
   EXPECT_EQ(window.SendMessage(WM_USER + 3), 203);
+  window.DestroyWindow();
+}
+
+TEST(WindowImpl, ACopyHasAProcedureOfItsOwn) {
+  Chained window;
+  window.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP);
+  { Chained copy(window); }
+  EXPECT_EQ(window.SendMessage(WM_USER + 1), 101);
   window.DestroyWindow();
 }
 
@@ -403,9 +420,29 @@ TEST(Reflection, LeavesMessagesOfMenusAndAcceleratorsToTheParent) {
   parent.Create(nullptr);
   parent.SendMessage(WM_COMMAND, MAKEWPARAM(7, 0), 0);
   EXPECT_EQ(parent.unhandled_commands, std::vector<int>{7});
-  DRAWITEMSTRUCT menu = {};
-  EXPECT_EQ(parent.SendMessage(WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&menu)), 0);
+  ReflectedButton button;
+  button.Create(parent, nullptr, "button", WS_CHILD, 0, 42U);
+  button.reflected.clear();
+  DRAWITEMSTRUCT drawn = {};
+  drawn.hwndItem = button;  // a menu's handle stands there; this one shows whether it is taken for a window
+  EXPECT_EQ(parent.SendMessage(WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&drawn)), 0);
+  MEASUREITEMSTRUCT measured = {};
+  measured.CtlID = 42;
+  EXPECT_EQ(parent.SendMessage(WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measured)), 0);
+  EXPECT_TRUE(button.reflected.empty());
   parent.DestroyWindow();
+}
+
+TEST(Reflection, TreatsWhatCanComeBackAndNothingElseByDefault) {
+  for (UINT message :
+       Messages{WM_COMMAND, WM_NOTIFY, WM_PARENTNOTIFY, WM_DRAWITEM, WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM,
+                WM_VKEYTOITEM, WM_CHARTOITEM, WM_HSCROLL, WM_VSCROLL, WM_CTLCOLORBTN, WM_CTLCOLORDLG, WM_CTLCOLOREDIT,
+                WM_CTLCOLORLISTBOX, WM_CTLCOLORMSGBOX, WM_CTLCOLORSTATIC, WM_CTLCOLORSCROLLBAR}) {
+    LRESULT result = 77;
+    EXPECT_TRUE(ReflectedButton::DefaultReflectionHandler(nullptr, OCM__BASE + message, 0, 0, result)) << message;
+    EXPECT_EQ(result, 0) << message;
+    EXPECT_FALSE(ReflectedButton::DefaultReflectionHandler(nullptr, message, 0, 0, result)) << message;
+  }
 }
 
 // An edit control that was there before.
@@ -466,12 +503,26 @@ TEST(Subclassing, EndsWithTheWindow) {
   EXPECT_EQ(edit.final_message, next);
 }
 
+TEST(Subclassing, LeavesNothingOfTheControlToTheObjectsNextWindow) {
+  for (bool with_window : {true, false}) {
+    HWND window = make_edit();
+    TakenEdit edit;
+    edit.SubclassWindow(window);
+    if (!with_window) edit.UnsubclassWindow();
+    DestroyWindow(window);
+    ASSERT_TRUE(edit.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP));
+    EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 0) << "an edit control has a limit";
+    edit.DestroyWindow();
+  }
+}
+
 TEST(Subclassing, RefusesWhatIsNoWindow) {
   TakenEdit edit;
   EXPECT_FALSE(edit.SubclassWindow(nullptr));
   HWND gone = make_edit();
   DestroyWindow(gone);
   EXPECT_FALSE(edit.SubclassWindow(gone));
+  EXPECT_FALSE(edit.SubclassWindow(GetDesktopWindow())) << "another process's";
   EXPECT_FALSE(edit.m_hWnd);
 }
 
@@ -522,6 +573,11 @@ TEST(Superclass, IsTheOriginalWithAMapBeforeIt) {
   EXPECT_STREQ(name, "TestBigEdit");
   SendMessage(edit, WM_CHAR, 'x', 0);
   EXPECT_EQ(text_of(edit), "x");
+  WNDCLASSEX copied = {};
+  copied.cbSize = sizeof copied;
+  ASSERT_TRUE(GetClassInfoEx(GetModuleHandle(nullptr), "TestBigEdit", &copied));
+  EXPECT_EQ(copied.hInstance, GetModuleHandle(nullptr));
+  EXPECT_FALSE(copied.style & CS_GLOBALCLASS);
   edit.SendMessage(EM_SETLIMITTEXT, 100);
   EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 101);
   EXPECT_EQ(edit.SendMessage(WM_USER), 102);
@@ -620,6 +676,88 @@ TEST(WindowImpl, DestroyedInItsOwnHandlerLearnsOfItWhenTheLastFrameIsLeft) {
   EXPECT_FALSE(IsWindow(handle));
 }
 
+TEST(WindowImpl, MayDeleteItselfInItsOwnDestroyWindow) {
+  std::vector<std::string> events;
+  auto* window = new SelfDestroying(events);
+  HWND handle = window->Create(nullptr);
+  // What the object leaves in its memory is there to be seen in the next one of its size.
+  EXPECT_TRUE(window->DestroyWindow());
+  EXPECT_EQ(events, (std::vector<std::string>{"destroyed", "final", "deleted"}));
+  EXPECT_FALSE(IsWindow(handle));
+}
+
+TEST(WindowImpl, DestroyedByItsOwnMethodInAHandlerIsToldWhichWindowItWas) {
+  Recorder window;
+  HWND during = nullptr;
+  window.on_create = [&] {
+    during = window.m_hWnd;
+    EXPECT_TRUE(window.DestroyWindow());
+  };
+  EXPECT_FALSE(window.Create(nullptr));
+  EXPECT_TRUE(during);
+  EXPECT_EQ(window.final_messages, std::vector<HWND>{during});
+  EXPECT_FALSE(window.m_hWnd);
+}
+
+TEST(WindowImpl, ThatOnlyNamesAWindowLosesItWhenItDestroysIt) {
+  Recorder window;
+  window.Attach(CreateWindow("STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
+  EXPECT_TRUE(window.DestroyWindow());
+  EXPECT_FALSE(window.m_hWnd);
+  EXPECT_TRUE(window.final_messages.empty());
+}
+
+TEST(WindowImpl, AHandlerThatThrowsLeavesNoMessageTheCurrentOne) {
+  class Throwing : public CWindowImpl<Throwing, CWindow, CFrameWinTraits> {
+   public:
+    BEGIN_MSG_MAP(Throwing)
+    MESSAGE_HANDLER(WM_USER, OnUser)
+    END_MSG_MAP()
+    LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) {
+      EXPECT_EQ(GetCurrentMessage()->message, UINT{WM_USER});
+      throw 5;
+    }
+    void OnFinalMessage(HWND) override { ++final_messages; }
+    int final_messages = 0;
+  } window;
+  HWND handle = window.Create(nullptr);
+  auto procedure = reinterpret_cast<WNDPROC>(window.GetWindowLongPtr(GWLP_WNDPROC));
+  // Not by SendMessage: no exception finds its way through the system.
+  EXPECT_THROW(procedure(handle, WM_USER, 0, 0), int);
+  EXPECT_FALSE(window.GetCurrentMessage());
+  window.DestroyWindow();
+  EXPECT_EQ(window.final_messages, 1);
+}
+
+TEST(WindowImpl, IsToldOfItsEndThoughItHandledTheLastMessageItself) {
+  class Last : public CWindowImpl<Last, CWindow, CFrameWinTraits> {
+   public:
+    BEGIN_MSG_MAP(Last)
+    MESSAGE_HANDLER(WM_NCDESTROY, OnLast)
+    END_MSG_MAP()
+    LRESULT OnLast(UINT, WPARAM, LPARAM, BOOL&) { return 0; }
+    void OnFinalMessage(HWND) override { ++final_messages; }
+    int final_messages = 0;
+  } window;
+  window.Create(nullptr);
+  window.DestroyWindow();
+  EXPECT_EQ(window.final_messages, 1);
+}
+
+TEST(WindowImpl, AWindowOfItsClassThatNobodyAnnouncedIsNotMade) {
+  Recorder window;
+  HWND stranger = nullptr;
+  window.on_create = [&] {
+    window.on_create = nullptr;
+    stranger = CreateWindow(MAKEINTATOM(Recorder::GetWndClassInfo().m_atom), "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                            GetModuleHandle(nullptr), nullptr);
+  };
+  HWND created = window.Create(nullptr);
+  EXPECT_FALSE(stranger);
+  EXPECT_EQ(window.m_hWnd, created);
+  window.DestroyWindow();
+}
+
 TEST(WindowImpl, DestroyedFromOutsideIsToldOnce) {
   Recorder window;
   HWND handle = window.Create(nullptr);
@@ -637,6 +775,15 @@ TEST(WindowImpl, ItsProcedureOutlivesTheWindowUntilTheObjectGoes) {
   // Somebody kept the procedure, as a subclasser does: it still leads to the object.
   CallWindowProc(procedure, nullptr, WM_NULL, 0, 0);
   EXPECT_EQ(window.seen, Messages{WM_NULL});
+}
+
+TEST(WindowImpl, ItsProcedureIsGivenBackWithTheObject) {
+  size_t memory = count_memory();
+  for (int i = 0; i < 200000; ++i) {
+    CWndProcThunk thunk;
+    ASSERT_TRUE(thunk.Init(nullptr, nullptr));
+  }
+  EXPECT_LT(count_memory(), memory + 1024 * 1024);
 }
 
 class Plain : public CDialogImpl<Plain> {
@@ -691,6 +838,10 @@ TEST(Dialog, AnswersMessagesAsDialogsMust) {
   EXPECT_EQ(dialog.SendMessage(WM_CTLCOLOREDIT), reinterpret_cast<LRESULT>(GetStockObject(BLACK_BRUSH)));
   EXPECT_EQ(dialog.SendMessage(WM_VKEYTOITEM), -2);
   EXPECT_EQ(dialog.SendMessage(WM_USER), 1234567890123);
+  EXPECT_EQ(dialog.SendMessage(WM_INITDIALOG, reinterpret_cast<WPARAM>(dialog.GetDlgItem(IDC_PUSH).m_hWnd)), FALSE);
+  // What is not handled is the dialog manager's.
+  EXPECT_TRUE(dialog.SetWindowText("new"));
+  EXPECT_EQ(text_of(dialog), "new");
   EXPECT_TRUE(dialog.DestroyWindow());
   EXPECT_EQ(dialog.final_messages, 1);
 }
@@ -774,14 +925,21 @@ TEST(CenterWindow, UsesTheWorkAreaWhereNoOwnerIsSeen) {
   expect_centered_at(alone, x, y);
   HWND hidden = make_popup(10, 10, 100, 100, nullptr, 0);
   expect_centered_at(alone, x, y, hidden);
+  // What is seen of a minimised one is no place to be over.
+  HWND minimised = CreateWindow("STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE | WS_MINIMIZE, 10, 10, 100, 100, nullptr,
+                                nullptr, nullptr, nullptr);
+  expect_centered_at(alone, x, y, minimised);
   DestroyWindow(alone);
   DestroyWindow(hidden);
+  DestroyWindow(minimised);
 }
 
 TEST(CenterWindow, PutsAChildOverItsParentAndNeverOutsideOfIt) {
   HWND parent = make_popup(300, 200, 200, 100);
   HWND child = CreateWindow("STATIC", "", WS_CHILD, 0, 0, 50, 20, parent, nullptr, nullptr, nullptr);
   expect_centered_at(child, 300 + 75, 200 + 40);
+  HWND sister = CreateWindow("STATIC", "", WS_CHILD, 100, 50, 60, 40, parent, nullptr, nullptr, nullptr);
+  expect_centered_at(child, 300 + 130 - 25, 200 + 70 - 10, sister);
   MoveWindow(child, 0, 0, 400, 20, FALSE);
   expect_centered_at(child, 300, 200 + 40);  // too wide: its beginning shows
   DestroyWindow(parent);
@@ -795,6 +953,7 @@ TEST(Window, ModifiesStylesAndSaysWhetherThereWasAnythingToDo) {
   EXPECT_EQ(window.GetStyle() & SS_TYPEMASK, DWORD{SS_CENTER});
   EXPECT_FALSE(window.ModifyStyle(0, SS_CENTER));
   EXPECT_TRUE(window.ModifyStyle(SS_CENTER, 0, SWP_FRAMECHANGED));
+  EXPECT_FALSE(window.ModifyStyle(WS_POPUP, WS_POPUP)) << "what is removed and added is there";
   EXPECT_TRUE(window.ModifyStyleEx(0, WS_EX_CLIENTEDGE));
   EXPECT_FALSE(window.ModifyStyleEx(0, WS_EX_CLIENTEDGE));
   EXPECT_TRUE(window.DestroyWindow());
@@ -820,6 +979,30 @@ TEST(Window, GivesItsFontAndText) {
   EXPECT_EQ(window.GetFont(), font);
   window.SetWindowText("text");
   EXPECT_EQ(window.GetWindowTextLength(), 4);
+  window.DestroyWindow();
+}
+
+TEST(Window, SetsItsFontWithOrWithoutPaintingAnew) {
+  class Fonted : public CWindowImpl<Fonted> {
+   public:
+    BEGIN_MSG_MAP(Fonted)
+    if (uMsg == WM_SETFONT) redraws.push_back(LOWORD(lParam));
+    END_MSG_MAP()
+    std::vector<int> redraws;
+  } window;
+  window.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP);
+  window.SetFont(nullptr);
+  window.SetFont(nullptr, FALSE);
+  EXPECT_EQ(window.redraws, (std::vector<int>{TRUE, FALSE}));
+  window.DestroyWindow();
+}
+
+TEST(Window, MovesToARectangle) {
+  CWindow window(make_popup(0, 0, 10, 10));
+  RECT target = {30, 40, 130, 90};
+  EXPECT_TRUE(window.MoveWindow(&target));
+  RECT place = place_of(window);
+  EXPECT_TRUE(EqualRect(&place, &target));
   window.DestroyWindow();
 }
 

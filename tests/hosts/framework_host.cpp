@@ -63,8 +63,7 @@ class CLampButton : public ATL::CWindowImpl<CLampButton, WTL::CButton> {
   bool m_on = false;
 };
 
-// ---- a sheet of two pages
-// --------------------------------------------------------------------------------------------
+// ---- a sheet of two pages ------------------------------------------------------------------------------------------
 
 struct Settings {
   CString name = "none";
@@ -164,8 +163,7 @@ class CSettingsSheet : public WTL::CPropertySheetImpl<CSettingsSheet> {
   int m_step = 0;
 };
 
-// ---- the main dialog
-// -------------------------------------------------------------------------------------------------
+// ---- the main dialog -----------------------------------------------------------------------------------------------
 
 class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
  public:
@@ -237,8 +235,7 @@ class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
 
 }  // namespace
 
-// ---- automation
-// ------------------------------------------------------------------------------------------------------
+// ---- automation ----------------------------------------------------------------------------------------------------
 
 // An object whose one method fails, and says why.
 struct FailingObject : IDispatch {
@@ -290,8 +287,7 @@ void use_automation() {
   }
 }
 
-// ---- a document
-// --------------------------------------------------------------------------------------------------------
+// ---- a document ----------------------------------------------------------------------------------------------------
 
 void store_and_load() {
   CMemFile file;

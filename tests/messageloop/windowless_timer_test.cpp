@@ -14,6 +14,7 @@
 #include <climits>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <type_traits>
 #include <vector>
@@ -106,6 +107,8 @@ UINT_PTR WINAPI recorded_set_timer(HWND window, UINT_PTR id, UINT interval, TIME
   EXPECT_EQ(window, nullptr);
   EXPECT_EQ(id, 0u);
   EXPECT_NE(procedure, nullptr);
+  static std::mutex lock;
+  const std::scoped_lock locked(lock);
   ++calls.started;
   calls.intervals.push_back(interval);
   calls.ids.push_back(calls.refuse ? 0 : SetTimer(window, id, interval, procedure));
@@ -493,28 +496,28 @@ TEST_F(WindowlessTimer, TenThousandTickOnceEach) {
 
 // ---- threads -------------------------------------------------------------------------------------------------------
 
+// Two new threads: there the system may give both the same id.
 TEST_F(WindowlessTimer, TicksOnTheThreadThatStartedIt) {
-  const auto mine = make_timer();
-  const DWORD main_thread = GetCurrentThreadId();
-  CEvent started, end;
-  DWORD other_thread = 0;
-  std::vector<DWORD> threads_of_the_other;
-  std::thread other([&] {
-    other_thread = GetCurrentThreadId();
+  std::vector<DWORD> ticked[2];
+  DWORD ids[2];
+  CEvent second_runs, first_is_done;
+  const auto run = [&](int which, CEvent& wait_for, CEvent& tell, bool tell_at_once) {
+    ids[which] = GetCurrentThreadId();
     const auto timer = make_timer();
     timer->SetEnabled(1);
-    started.SetEvent();
-    pump_until([&] { return timer->ticks >= 3 && end.Lock(0); });
-    threads_of_the_other = timer->threads;
-  });
-  ASSERT_TRUE(started.Lock(ages));
-  mine->SetEnabled(1);
-  EXPECT_TRUE(pump_ticks(*mine, 3));
-  end.SetEvent();
-  other.join();
-  EXPECT_GE(threads_of_the_other.size(), 3u);
-  EXPECT_EQ(threads_of_the_other, std::vector<DWORD>(threads_of_the_other.size(), other_thread));
-  EXPECT_EQ(mine->threads, std::vector<DWORD>(mine->threads.size(), main_thread));
+    if (tell_at_once) tell.SetEvent();
+    pump_until([&] { return timer->ticks >= 3 && wait_for.Lock(0); });
+    tell.SetEvent();
+    ticked[which] = timer->threads;
+  };
+  std::thread first([&] { run(0, second_runs, first_is_done, false); });
+  std::thread second([&] { run(1, first_is_done, second_runs, true); });
+  first.join();
+  second.join();
+  for (int which : {0, 1}) {
+    EXPECT_GE(ticked[which].size(), 3u);
+    EXPECT_EQ(ticked[which], std::vector<DWORD>(ticked[which].size(), ids[which]));
+  }
 }
 
 // The lock of all timers is held during a tick.
