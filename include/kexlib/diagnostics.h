@@ -1,10 +1,12 @@
 // Diagnostics: what a program does, when, and for how long.
 //
-//   profiler.h     named blocks of work, timed per thread, written as a record for a viewer page
-//   trace_file.h   printf-style lines to a file on the desktop, to the debugger, or to both
+//   problem_alert.h   a warning box that any thread raises without waiting
+//   profiler.h        named blocks of work, timed per thread, written as a record for a viewer page
+//   trace_file.h      printf-style lines to a file on the desktop, to the debugger, or to both
 #ifndef KEXLIB_DIAGNOSTICS_H
 #define KEXLIB_DIAGNOSTICS_H
 
+#include <kexlib/diagnostics/problem_alert.h>
 #include <kexlib/diagnostics/profiler.h>
 #include <kexlib/diagnostics/trace_file.h>
 

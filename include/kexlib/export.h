@@ -8,6 +8,15 @@
 #define KEXLIB_API __declspec(dllimport)
 #endif
 
+// A class that never is an object of its own and leaves the virtual table to the classes derived from it: its
+// constructors do not set one. GCC has no such thing and sets it, which nothing can tell apart: the constructors of
+// such classes call no virtual function.
+#ifdef _MSC_VER
+#define KEXLIB_NO_VTABLE __declspec(novtable)
+#else
+#define KEXLIB_NO_VTABLE
+#endif
+
 // Lets the compiler check the arguments of a printf-like member function: FORMAT and FIRST are parameter numbers,
 // counted from 1, where the object itself is the first.
 #ifdef __GNUC__

@@ -1,11 +1,10 @@
 // Load and unload of kexlib.dll.
 //
 // The objects below are made from top to bottom when the library is loaded and released from bottom to top when it is
-// unloaded: at FreeLibrary, and at the end of the process however it comes, but for TerminateProcess. None needs code
-// to be made, so they can be used by static constructors of any other module.
-#include <windows.h>
-
+// unloaded: at FreeLibrary, and at the end of the process however it comes, but for TerminateProcess. Static
+// constructors of modules that are linked to this one may use them all; those of this one may use what is constinit.
 #include <kexlib/diagnostics/trace_file.h>
+#include <kexlib/messageloop/thread_message_hook.h>
 #include <module/process_state.h>
 
 namespace kexlib::module {
@@ -17,9 +16,13 @@ bool ending = false;
 
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
 
+TimerRegistry timers;  // the windowless timers, with the lock that they share
+
 }  // namespace kexlib::module
 
 constinit CTraceToFile g_traceToFile;  // unloaded while open: writes its footer
+
+constinit CThreadMessageHook* CThreadMessageHook::s_hooked_instance = nullptr;
 
 bool kexlib::module::process_is_ending() { return ending; }
 

@@ -1,9 +1,11 @@
 // A program that profiles and traces and then ends in the way that its argument names. It tests what unloading writes.
 #include <kexlib/diagnostics.h>
+#include <kexlib/messageloop.h>
 
 #include <windows.h>
 
 #include <support/crash_report.h>
+#include <support/import_override.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -13,6 +15,7 @@
 namespace {
 
 constexpr int exit_code = 7;
+constexpr int touched_lock = 8;
 
 // A thread that is always inside the profiler, most of the time with new names, so that the process ends in the middle
 // of an insertion.
@@ -23,6 +26,42 @@ void keep_profiling(std::atomic<bool>& running) {
   }
 }
 
+// The lock of the timers is the first that the library enters here; at the end of the process it is not to be touched.
+std::atomic<CRITICAL_SECTION*> timers_lock{nullptr};
+std::atomic<bool> ending_now{false};
+
+void check(CRITICAL_SECTION* section) {
+  CRITICAL_SECTION* none = nullptr;
+  timers_lock.compare_exchange_strong(none, section);
+  if (ending_now && section == timers_lock) TerminateProcess(GetCurrentProcess(), touched_lock);
+}
+
+void WINAPI checked_enter(CRITICAL_SECTION* section) {
+  check(section);
+  EnterCriticalSection(section);
+}
+
+void WINAPI checked_delete(CRITICAL_SECTION* section) {
+  check(section);
+  DeleteCriticalSection(section);
+}
+
+// Its tick does not end.
+class EndlessTick : public CATLWindowLessTimer {
+ public:
+  void OnTimerTick() override {
+    ticking = true;
+    Sleep(INFINITE);
+  }
+  std::atomic<bool> ticking{false};
+};
+
+void tick_endlessly(EndlessTick& timer) {
+  timer.SetEnabled(1);
+  MSG message;
+  while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -30,6 +69,20 @@ int main(int argc, char** argv) {
   const std::string ending = argc > 1 ? argv[1] : "";
 
   if (ending == "silent") return exit_code;
+  if (ending == "in_tick") {
+    static EndlessTick timer;
+    timer.SetInterval(50);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "EnterCriticalSection", &checked_enter);
+    new ImportOverride("kexlib.dll", "KERNEL32.dll", "DeleteCriticalSection", &checked_delete);
+    std::thread([] { tick_endlessly(timer); }).detach();
+    while (!timer.ticking) Sleep(1);
+    ending_now = true;
+    return exit_code;
+  }
+  if (ending == "alert") {
+    static CProblemAlert alert;
+    return exit_code;
+  }
   if (ending == "crash") {
     std::thread([] {}).join();
     volatile int* volatile nowhere = nullptr;

@@ -1,5 +1,6 @@
 // A plug-in that is the only user of kexlib in its program: when it is freed, kexlib is unloaded.
 #include <kexlib/diagnostics.h>
+#include <kexlib/messageloop.h>
 
 extern "C" __declspec(dllexport) void run_plugin() {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
@@ -13,4 +14,19 @@ extern "C" __declspec(dllexport) void profile_much() {
   for (int i = 0; i < 200000; ++i) {
     kexProfileScope inner("inner");
   }
+}
+
+namespace {
+
+class RefusedTimer : public CATLWindowLessTimer {
+ public:
+  void OnTimerTick() override {}
+};
+
+}  // namespace
+
+// Each start that the system refuses leaves its note behind: three megabytes of them, where it refuses all.
+extern "C" __declspec(dllexport) void start_many_timers() {
+  static RefusedTimer timer;
+  for (int i = 0; i < 100000; ++i) timer.SetEnabled(1);
 }
