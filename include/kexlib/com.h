@@ -1,0 +1,9 @@
+// COM helpers: the values and the plumbing around COM objects.
+//
+//   guid.h   a GUID that makes itself when it is first read, its texts, and an ordering
+#ifndef KEXLIB_COM_H
+#define KEXLIB_COM_H
+
+#include <kexlib/com/guid.h>
+
+#endif
