@@ -16,6 +16,7 @@ bool ending = false;
 }  // namespace
 
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
+constinit NumberTexts tip_numbers;
 
 }  // namespace kexlib::module
 

@@ -4,10 +4,12 @@
 #define KEXLIB_MODULE_PROCESS_STATE_H
 
 #include <diagnostics/profiler_state.h>
+#include <text/number_texts.h>
 
 namespace kexlib::module {
 
 extern ProfilerState profiler;
+extern NumberTexts tip_numbers;
 
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.
