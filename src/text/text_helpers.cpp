@@ -1,5 +1,6 @@
 #include <kexlib/text/text_helpers.h>
 
+#include <emmintrin.h>
 #include <mbctype.h>
 #include <mbstring.h>
 
@@ -7,38 +8,72 @@
 #include <module/widened.h>
 
 #include <cstdlib>
+#include <string_view>
 
 using namespace kexlib;
 
 namespace {
 
-// Which characters are to go, by their code.
-struct Characters {
-  explicit constexpr Characters(const char* characters) {
-    for (; *characters; ++characters) has[static_cast<unsigned char>(*characters)] = true;
+constexpr std::string_view not_in_paths = "*?\"<>|";
+constexpr std::string_view not_in_names = "*?\"<>|/\\:";
+
+bool contains(std::string_view characters, char character) { return characters.find(character) != characters.npos; }
+
+// The bytes of a block that are among the characters: all ones; the others zero.
+__m128i among(std::string_view characters, __m128i block) {
+  __m128i found = _mm_setzero_si128();
+  for (const char each : characters) found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(each)));
+  return found;
+}
+
+constexpr int block_size = sizeof(__m128i);
+
+__m128i block_at(const char* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+
+// Where the first block with one of the characters begins, or the rest that is no whole block.
+int first_block(const char* text, int length, std::string_view characters) {
+  int i = 0;
+  while (i + block_size <= length && !_mm_movemask_epi8(among(characters, block_at(text + i)))) i += block_size;
+  return i;
+}
+
+// Sixteen characters at a time, whether there are any to replace or not: the time depends on the length alone.
+void replace_bytes(char* text, int length, std::string_view characters, char replacement) {
+  const __m128i replacements = _mm_set1_epi8(replacement);
+  int i = 0;
+  for (; i + block_size <= length; i += block_size) {
+    const __m128i block = block_at(text + i), found = among(characters, block);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + i),
+                     _mm_or_si128(_mm_and_si128(found, replacements), _mm_andnot_si128(found, block)));
   }
-  bool contain(char character) const { return has[static_cast<unsigned char>(character)]; }
+  for (; i < length; ++i)
+    if (contains(characters, text[i])) text[i] = replacement;
+}
 
-  bool has[256] = {};
-};
-
-constexpr Characters not_in_paths("*?\"<>|");
-constexpr Characters not_in_names("*?\"<>|/\\:");
-
-// In one pass, and with a buffer of one's own only where there is something to write.
-void replace(CString& text, const Characters& forbidden, char replacement) {
-  const int length = text.GetLength();
-  const char* const read = text;
-  const bool double_bytes = _getmbcp() != 0;
-  char* written = nullptr;
+void replace_characters(char* text, int length, std::string_view characters, char replacement) {
   for (int i = 0; i < length; ++i) {
-    if (double_bytes && _ismbblead(static_cast<unsigned char>(read[i])) && i + 1 < length) {
+    if (_ismbblead(static_cast<unsigned char>(text[i])) && i + 1 < length)
       ++i;
-    } else if (forbidden.contain(read[i])) {
-      if (!written) written = text.GetBuffer();
-      written[i] = replacement;
-    }
+    else if (contains(characters, text[i]))
+      text[i] = replacement;
   }
+}
+
+bool has_double_bytes(UINT code_page) {
+  CPINFO info;
+  return code_page && GetCPInfo(code_page, &info) && info.MaxCharSize > 1;
+}
+
+void replace(CString& text, std::string_view characters, char replacement) {
+  const int length = text.GetLength();
+  if (has_double_bytes(static_cast<UINT>(_getmbcp())))
+    return replace_characters(text.GetBuffer(), length, characters, replacement);
+  // What is clean is not written, and stays shared with its copies.
+  const int start = first_block(text, length, characters);
+  if (std::string_view(text.GetString() + start, static_cast<std::size_t>(length - start)).find_first_of(characters) ==
+      std::string_view::npos)
+    return;
+  replace_bytes(text.GetBuffer() + start, length - start, characters, replacement);
 }
 
 // What a text refers to, and what it says itself.

@@ -9,18 +9,22 @@ using namespace kexlib;
 
 namespace {
 
-void append_narrowed(CStringA& text, BSTR wide) {
-  const int length = wide ? lstrlenW(wide) : 0;
+// A text that is known when this is compiled, with its length.
+template <std::size_t size>
+void append(CStringA& text, const char (&literal)[size]) {
+  text.Append(literal, static_cast<int>(size) - 1);
+}
+
+void append_narrowed(CStringA& text, const CComBSTR& wide) {
+  if (!wide) return;
   const int start = text.GetLength();
   // Characters of ASCII are the same in every code page that a thread can have; the system takes its time for them.
-  char* const narrow = text.GetBuffer(start + length) + start;
+  char* const narrow = text.GetBuffer(start + static_cast<int>(wide.Length())) + start;
   int done = 0;
-  while (done < length && wide[done] < 0x80) {
-    narrow[done] = static_cast<char>(wide[done]);
-    ++done;
-  }
-  text.ReleaseBufferSetLength(done == length ? start + length : start);
-  if (done < length) text += CStringA(wide);
+  for (; wide.m_str[done] && wide.m_str[done] < 0x80; ++done) narrow[done] = static_cast<char>(wide.m_str[done]);
+  const bool whole = !wide.m_str[done];
+  text.ReleaseBufferSetLength(whole ? start + done : start);
+  if (!whole) text += CStringA(wide);
 }
 
 void append_number(CStringA& text, long number) {
@@ -32,27 +36,27 @@ void append_number(CStringA& text, long number) {
 void append_names(CStringA& text, const CComBSTR& name, const CComBSTR& subName) {
   append_narrowed(text, name);
   if (!subName.Length()) return;
-  if (name.Length()) text += " - ";
+  if (name.Length()) append(text, " - ");
   append_narrowed(text, subName);
 }
 
 void append_a_and_b(CStringA& text, double a, double b) {
-  text += "[ A=";
+  append(text, "[ A=");
   text += module::tip_numbers.text(a);
-  text += " B=";
+  append(text, " B=");
   text += module::tip_numbers.text(b);
-  text += " ]";
+  append(text, " ]");
 }
 
 void append_d(CStringA& text, double d, const CComBSTR& unit) {
-  text += " [ D ";
+  append(text, " [ D ");
   text += module::fixed_text(d, 4);
-  text += " ";
+  append(text, " ");
   if (!unit)
-    text += "(null)";  // as printf says of no text: that is meant
+    append(text, "(null)");  // as printf says of no text: that is meant
   else
     append_narrowed(text, unit);
-  text += " ]";
+  append(text, " ]");
 }
 
 }  // namespace
@@ -64,10 +68,10 @@ CStringA atl_smart_tip_name_from_parts(CComBSTR& name, long number, CComBSTR& su
   text.GetBuffer(120);  // room for most
   if (showNames) append_names(text, name, subName);
   if (showNumber) {
-    text += " - ";  // also where no name stands before it: that is meant
+    append(text, " - ");  // also where no name stands before it: that is meant
     append_number(text, number);
   }
-  text += " ";
+  append(text, " ");
   if (showAB) append_a_and_b(text, a, b);
   if (showD) append_d(text, d, dText);
   return text;
