@@ -1,8 +1,14 @@
 # Sourced by kex: brings a Debian machine to where kexlib builds and runs.
 
+# A Node from elsewhere brings an npm of its own, beside which Debian's cannot be installed.
+has_node() {
+  command -v npm >/dev/null && node --eval 'process.exit(parseInt(process.versions.node) >= 18 ? 0 : 1)' 2>/dev/null
+}
+
 missing_packages() {
   local wanted installed
   wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt" | sort)
+  if has_node; then wanted=$(grep -v -x -e nodejs -e npm <<<"$wanted"); fi
   # shellcheck disable=SC2086
   installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
     sed -n 's/^installed //p' | sort) || true

@@ -29,7 +29,8 @@ struct Folder {
 };
 
 bool is_source(const fs::path& file) {
-  static const std::vector<fs::path> extensions = {".cpp", ".h", ".rc", ".cmake", ".txt", ".md", ".py", ".sh"};
+  static const std::vector<fs::path> extensions = {".cpp", ".h",  ".rc", ".cmake", ".txt",
+                                                   ".md",  ".py", ".sh", ".ts",    ".tsx"};
   return std::find(extensions.begin(), extensions.end(), file.extension()) != extensions.end();
 }
 
@@ -38,7 +39,7 @@ std::vector<Folder> find_folders(const fs::path& root) {
   std::map<std::string, Folder> folders;
   for (fs::recursive_directory_iterator at(root), end; at != end; ++at) {
     const fs::path name = at->path().filename();
-    if (name == "build" || name == ".git") {
+    if (name == "build" || name == "node_modules" || name == ".git") {
       at.disable_recursion_pending();
     } else if (at->is_regular_file() && is_source(name)) {
       const std::string folder = fs::relative(at->path().parent_path(), root).generic_string();

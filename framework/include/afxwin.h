@@ -117,7 +117,10 @@ class KEXFRAMEWORK_API CWnd : public CObject {
   void SetProperty(DISPID id, VARTYPE type, ...);
   void GetProperty(DISPID id, VARTYPE type, void* value) const;
 
-  HWND m_hWnd = nullptr;
+  HWND m_hWnd = nullptr;  // null again when the window is gone, whoever destroyed it
+
+ private:
+  static LRESULT CALLBACK watch(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR object, DWORD_PTR);
 };
 
 // Threads ------------------------------------------------------------------------------------------------------------

@@ -148,6 +148,7 @@ class CAppModule {
     return S_OK;
   }
   void Term() {
+    ATL::CComCritSecLock guard(m_section);
     m_loops.clear();
     m_hInst = nullptr;
   }

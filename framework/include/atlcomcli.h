@@ -164,12 +164,12 @@ class CComVariant : public VARIANT {
   CComVariant(const VARIANT& value) : CComVariant() { copied(Copy(&value)); }
   CComVariant(const CComVariant& value) : CComVariant(static_cast<const VARIANT&>(value)) {}
   CComVariant(LPCOLESTR text) : CComVariant() {
+    bstrVal = CComBSTR(text).Detach();  // may throw: there is nothing to clear until then
     vt = VT_BSTR;
-    bstrVal = CComBSTR(text).Detach();
   }
   CComVariant(LPCSTR text) : CComVariant() {
-    vt = VT_BSTR;
     bstrVal = CComBSTR(text).Detach();
+    vt = VT_BSTR;
   }
   CComVariant(bool value) noexcept : CComVariant() {
     vt = VT_BOOL;

@@ -138,21 +138,21 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   BEGIN_MSG_MAP(CBitmapButtonImpl)
-  MESSAGE_HANDLER(WM_CREATE, OnCreate)
-  MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
-  MESSAGE_RANGE_HANDLER(WM_MOUSEFIRST, WM_MOUSELAST, OnMouseMessage)
-  MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBackground)
-  MESSAGE_HANDLER(WM_PAINT, OnPaint)
-  MESSAGE_HANDLER(WM_PRINTCLIENT, OnPaint)
-  MESSAGE_HANDLER(WM_SETFOCUS, OnFocus)
-  MESSAGE_HANDLER(WM_KILLFOCUS, OnFocus)
-  MESSAGE_HANDLER(WM_ENABLE, OnEnable)
-  MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
-  MESSAGE_HANDLER(WM_MOUSELEAVE, OnMouseLeave)
-  MESSAGE_HANDLER(WM_LBUTTONDBLCLK, OnLButtonDblClk)
-  MESSAGE_HANDLER(WM_KEYDOWN, OnKey)
-  MESSAGE_HANDLER(WM_KEYUP, OnKey)
-  MESSAGE_HANDLER(BM_SETSTATE, OnSetState)
+    MESSAGE_HANDLER(WM_CREATE, OnCreate)
+    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
+    MESSAGE_RANGE_HANDLER(WM_MOUSEFIRST, WM_MOUSELAST, OnMouseMessage)
+    MESSAGE_HANDLER(WM_ERASEBKGND, OnEraseBackground)
+    MESSAGE_HANDLER(WM_PAINT, OnPaint)
+    MESSAGE_HANDLER(WM_PRINTCLIENT, OnPaint)
+    MESSAGE_HANDLER(WM_SETFOCUS, OnFocus)
+    MESSAGE_HANDLER(WM_KILLFOCUS, OnFocus)
+    MESSAGE_HANDLER(WM_ENABLE, OnEnable)
+    MESSAGE_HANDLER(WM_MOUSEMOVE, OnMouseMove)
+    MESSAGE_HANDLER(WM_MOUSELEAVE, OnMouseLeave)
+    MESSAGE_HANDLER(WM_LBUTTONDBLCLK, OnLButtonDblClk)
+    MESSAGE_HANDLER(WM_KEYDOWN, OnKey)
+    MESSAGE_HANDLER(WM_KEYUP, OnKey)
+    MESSAGE_HANDLER(BM_SETSTATE, OnSetState)
   END_MSG_MAP()
 
   LRESULT OnCreate(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {
@@ -162,7 +162,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& bHandled) {
-    m_tip.DestroyWindow();
+    if (!m_tip.DestroyWindow()) m_tip.m_hWnd = nullptr;  // its owner may have gone first, and it with him
     bHandled = FALSE;
     return 0;
   }
@@ -238,7 +238,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   CImageList m_ImageList;
   int m_nImage[_nImageCount] = {-1, -1, -1, -1};
   CToolTipCtrl m_tip;
-  ATL::CString m_strToolTipText;
+  CString m_strToolTipText;
 
   // Bits as elsewhere in the system's windows: 0 or 1.
   unsigned m_fMouseOver : 1 = 0;

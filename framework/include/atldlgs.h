@@ -136,8 +136,8 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   void OnSheetInitialized() {}
 
   BEGIN_MSG_MAP(CPropertySheetImpl)
-  MESSAGE_HANDLER(WM_COMMAND, OnCommand)
-  MESSAGE_HANDLER(WM_SYSCOMMAND, OnSysCommand)
+    MESSAGE_HANDLER(WM_COMMAND, OnCommand)
+    MESSAGE_HANDLER(WM_SYSCOMMAND, OnSysCommand)
   END_MSG_MAP()
 
   // A modeless sheet that was closed has no page any more, and waits to be destroyed.
@@ -265,7 +265,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   void OnHelp() {}
 
   BEGIN_MSG_MAP(CPropertyPageImpl)
-  MESSAGE_HANDLER(WM_NOTIFY, OnNotify)
+    MESSAGE_HANDLER(WM_NOTIFY, OnNotify)
   END_MSG_MAP()
 
   // Notifications of the sheet; those of controls are left to T's message map.

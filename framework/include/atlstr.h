@@ -15,12 +15,8 @@ class StrTraitMFC_DLL : public StringIterator {
   static HINSTANCE FindStringResourceInstance(UINT id) { return AfxFindStringResourceHandle(id); }
 };
 
-namespace ATL {
-
-using CStringA = CStringT<char, StrTraitMFC_DLL<char>>;
-using CStringW = CStringT<wchar_t, StrTraitMFC_DLL<wchar_t>>;
+using CStringA = ATL::CStringT<char, StrTraitMFC_DLL<char>>;
+using CStringW = ATL::CStringT<wchar_t, StrTraitMFC_DLL<wchar_t>>;
 using CString = CStringA;
-
-}  // namespace ATL
 
 #endif

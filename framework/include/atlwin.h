@@ -474,13 +474,16 @@ class CWindowImplRoot : public TBase, public CMessageMap {
   template <typename Handler, typename AtTheEnd>
   LRESULT work_on(UINT uMsg, WPARAM wParam, LPARAM lParam, Handler handler, AtTheEnd at_the_end) {
     _ATL_MSG message(this->m_hWnd, uMsg, wParam, lParam);
-    const _ATL_MSG* outer = std::exchange(m_pCurrentMsg, &message);
-    LRESULT result = handler();
-    m_pCurrentMsg = outer;
+    const _ATL_MSG* outer = m_pCurrentMsg;
+    LRESULT result;
+    {
+      CurrentMessage current(m_pCurrentMsg, message);
+      result = handler();
+    }
     if (!outer && (m_dwState & WINSTATE_DESTROYED)) {
       m_dwState &= ~WINSTATE_DESTROYED;
-      HWND gone = std::exchange(this->m_hWnd, nullptr);
-      at_the_end(gone);
+      this->m_hWnd = nullptr;
+      at_the_end(message.hwnd);
     }
     return result;
   }
@@ -490,6 +493,20 @@ class CWindowImplRoot : public TBase, public CMessageMap {
   DWORD m_dwState = 0;
 
  private:
+  // Puts the message back that was the current one before, where a handler throws too.
+  class CurrentMessage {
+   public:
+    CurrentMessage(const _ATL_MSG*& current, const _ATL_MSG& message)
+        : m_current(current), m_outer(std::exchange(current, &message)) {}
+    CurrentMessage(const CurrentMessage&) = delete;
+    CurrentMessage& operator=(const CurrentMessage&) = delete;
+    ~CurrentMessage() { m_current = m_outer; }
+
+   private:
+    const _ATL_MSG*& m_current;
+    const _ATL_MSG* m_outer;
+  };
+
   HWND notifying_control(UINT uMsg, WPARAM wParam, LPARAM lParam) const {
     switch (uMsg) {
       case WM_COMMAND:  // from a menu or an accelerator without a control
@@ -587,6 +604,12 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     return std::exchange(this->m_hWnd, nullptr);
   }
 
+  // The object may be gone with the window, where OnFinalMessage deletes it. One that never had a window procedure
+  // only names its window, as a CWindow does.
+  BOOL DestroyWindow() {
+    return this->m_thunk.GetCodeAddress() ? ::DestroyWindow(this->m_hWnd) : TBase::DestroyWindow();
+  }
+
   // What the window would do without us, with the current message or another one.
   LRESULT DefWindowProc() {
     const _ATL_MSG* message = this->m_pCurrentMsg;
@@ -611,7 +634,10 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     auto* self = reinterpret_cast<CWindowImplBaseT*>(hWnd);
     return self->work_on(
         uMsg, wParam, lParam, [=] { return self->handle(uMsg, wParam, lParam); },
-        [=](HWND gone) { self->OnFinalMessage(gone); });
+        [=](HWND gone) {
+          self->m_pfnSuperWindowProc = ::DefWindowProc;  // the next window may be of another class
+          self->OnFinalMessage(gone);
+        });
   }
 
   WNDPROC m_pfnSuperWindowProc = ::DefWindowProc;

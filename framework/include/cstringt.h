@@ -25,7 +25,11 @@ class ChTraitsCRT<char> {
   static int StringCompare(const char* a, const char* b) { return _mbscmp(bytes(a), bytes(b)); }
   static int StringCompareIgnore(const char* a, const char* b) { return _mbsicmp(bytes(a), bytes(b)); }
   static const char* StringFindString(const char* text, const char* part) {
-    return reinterpret_cast<const char*>(_mbsstr(bytes(text), bytes(part)));
+    const char* found = std::strstr(text, part);
+    // What begins with the second byte of a character is none.
+    for (; found && !is_at_character(text, found); found = std::strstr(found + 1, part)) {
+    }
+    return found;
   }
   static const char* StringFindChar(const char* text, char character) {
     return reinterpret_cast<const char*>(_mbschr(bytes(text), static_cast<unsigned char>(character)));
@@ -42,6 +46,11 @@ class ChTraitsCRT<char> {
   }
 
  private:
+  static bool is_at_character(const char* text, const char* place) {
+    const unsigned char* at = bytes(text);
+    while (at < bytes(place)) at = _mbsinc(at);
+    return at == bytes(place);
+  }
   static const unsigned char* bytes(const char* text) { return reinterpret_cast<const unsigned char*>(text); }
 };
 
@@ -85,7 +94,10 @@ class CStringT : public CSimpleStringT<BaseType> {
   CStringT(PCXSTR text) { this->SetString(text); }
   CStringT(PCYSTR text) { *this = text; }
   CStringT(PCXSTR text, int length) : Base(text, length) {}
-  CStringT(PCYSTR text, int length) { convert(text, length); }
+  CStringT(PCYSTR text, int length) {
+    Base::check(length >= 0);
+    convert(text, length);
+  }
   // `count` times the character.
   explicit CStringT(XCHAR character, int count = 1) {
     Base::check(count >= 0);
@@ -122,16 +134,23 @@ class CStringT : public CSimpleStringT<BaseType> {
   friend CStringT operator+(const CStringT& a, XCHAR b) { return CStringT(a) += b; }
   friend CStringT operator+(XCHAR a, const CStringT& b) { return CStringT(a) += b; }
 
-  // Less than, equal to or greater than zero, by character code.
-  int Compare(PCXSTR text) const { return StringTraits::StringCompare(this->GetString(), text); }
-  int CompareNoCase(PCXSTR text) const { return StringTraits::StringCompareIgnore(this->GetString(), text); }
+  // Less than, equal to or greater than zero, by character code. To compare with null throws E_INVALIDARG.
+  int Compare(PCXSTR text) const {
+    Base::check(text != nullptr);
+    return StringTraits::StringCompare(this->GetString(), text);
+  }
+  int CompareNoCase(PCXSTR text) const {
+    Base::check(text != nullptr);
+    return StringTraits::StringCompareIgnore(this->GetString(), text);
+  }
   friend bool operator==(const CStringT& a, const CStringT& b) { return a.Compare(b) == 0; }
   friend bool operator==(const CStringT& a, PCXSTR b) { return a.Compare(b) == 0; }
   friend auto operator<=>(const CStringT& a, const CStringT& b) { return a.Compare(b) <=> 0; }
   friend auto operator<=>(const CStringT& a, PCXSTR b) { return a.Compare(b) <=> 0; }
 
-  // The place of the first occurrence at or after `start`, or -1.
+  // The place of the first occurrence at or after `start`, or -1. Null occurs nowhere.
   int Find(PCXSTR part, int start = 0) const {
+    if (!part) return -1;
     return place(start, [&](PCXSTR from) { return StringTraits::StringFindString(from, part); });
   }
   int Find(XCHAR character, int start = 0) const {
@@ -169,9 +188,9 @@ class CStringT : public CSimpleStringT<BaseType> {
     *this = std::move(result);
     return count;
   }
-  // Exchanges a character; the buffer is split off only if it occurs.
+  // Exchanges a character; the buffer is split off only if it occurs. The terminator is none of the text's characters.
   int Replace(XCHAR oldCharacter, XCHAR newCharacter) {
-    if (oldCharacter == newCharacter) return 0;
+    if (oldCharacter == newCharacter || !oldCharacter) return 0;
     int count = 0;
     for (int at = -1; (at = Find(oldCharacter, at + 1)) >= 0; ++count) this->GetBuffer()[at] = newCharacter;
     return count;

@@ -39,6 +39,7 @@ void CMemFile::Write(const void* buffer, UINT count) {
 void CMemFile::Flush() {}
 
 ULONGLONG CMemFile::Seek(LONGLONG offset, UINT from) {
+  if (from > end) AfxThrowFileException(CFileException::genericException, ERROR_INVALID_PARAMETER);
   LONGLONG start = 0;
   if (from == current) start = static_cast<LONGLONG>(m_position);
   if (from == end) start = static_cast<LONGLONG>(m_bytes.size());

@@ -47,6 +47,11 @@ ATOM CAtlWinModule::register_once(CWndClassInfo& info, HINSTANCE instance, CWndC
   } else {
     info.m_wc.hCursor = LoadCursor(nullptr, IDC_ARROW);
   }
+  // Two C++ classes of one name share the class that the first one registered.
+  WNDCLASSEX there = {};
+  there.cbSize = sizeof there;
+  info.m_atom = static_cast<ATOM>(GetClassInfoEx(instance, info.m_wc.lpszClassName, &there));
+  if (info.m_atom) return info.m_atom;
   info.m_atom = RegisterClassEx(&info.m_wc);
   if (info.m_atom) {
     info.next = classes;

@@ -90,7 +90,7 @@ bool set_text(CWnd* window, DISPID property, LPCSTR text) {
 
 BOOL CWnd::CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                          CFile* persist, BOOL storage, BSTR licenseKey) {
-  if (m_hWnd || !parent || !parent->m_hWnd) return FALSE;
+  if (::IsWindow(m_hWnd) || !parent || !parent->m_hWnd) return FALSE;
   CComPtr<IUnknown> control;
   if (FAILED(make(clsid, licenseKey, &control))) return FALSE;
   if (FAILED(persist ? load(control, persist, storage) : begin_anew(control))) return FALSE;

@@ -26,7 +26,7 @@ CString shortcut_target(const char* path) {
   return target;
 }
 
-bool is_shortcut(const char* name) { return lstrcmpiA(PathFindExtensionA(name), ".lnk") == 0; }
+bool is_shortcut(const char* name) { return CString(PathFindExtensionA(name)).CompareNoCase(".lnk") == 0; }
 
 bool is_folder(const char* path) { return PathFileExistsA(path) && PathIsDirectoryA(path); }
 

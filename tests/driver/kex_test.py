@@ -54,6 +54,20 @@ class Refusals(unittest.TestCase):
         self.fake("id", "echo 1000")
         self.assert_refused(self.run_kex("build"), "only root can install what is missing; run: apt-get install")
 
+    def test_installs_node_only_where_there_is_none_that_will_do(self):
+        self.fake("dpkg-query", "echo installed cmake")
+        self.fake("id", "echo 1000")
+        self.fake("npm", "exit 0")
+        self.fake("node", "exit 0")
+        enough = self.run_kex("build").stderr.split()
+        self.assertIn("chromium", enough)
+        self.assertNotIn("nodejs", enough)
+        self.assertNotIn("npm", enough)
+        self.fake("node", "exit 1")
+        too_old = self.run_kex("build").stderr.split()
+        self.assertIn("nodejs", too_old)
+        self.assertIn("npm", too_old)
+
     def test_no_network(self):
         self.fake("dpkg-query", "echo installed cmake")
         self.fake("id", "echo 0")

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <support/expect_flat.h>
 #include <support/files.h>
-#include <support/resource_counts.h>
 
 namespace {
 
@@ -297,12 +297,7 @@ TEST(Archive, AThousandRoundsLeaveNothingBehind) {
     // What is thrown has to be given back too.
     EXPECT_EQ(thrown_by([&] { archive >> value; }).cause, CArchiveException::endOfFile);
   };
-  round_trip();
-  const ResourceCounts before;
-  const size_t memory = count_memory();
-  for (int round = 0; round < 1000; ++round) round_trip();
-  EXPECT_EQ(ResourceCounts(), before);
-  EXPECT_LT(count_memory(), memory + 500000);
+  expect_flat(1000, round_trip);
 }
 
 TEST(ArchiveException, NamesTheFileInItsText) {

@@ -428,6 +428,19 @@ TEST(DispatchDriver, AssignmentReleasesTheOldObjectAndSharesTheNew) {
   EXPECT_EQ(RecordingDispatch::alive, 0);
 }
 
+TEST(DispatchDriver, AssignedToItselfLeavesTheReferenceToWhoeverHasIt) {
+  auto* object = new RecordingDispatch;
+  {
+    COleDispatchDriver driver(object, FALSE);
+    const COleDispatchDriver& same = driver;
+    driver = same;
+    EXPECT_EQ(object->references(), 1u);
+    EXPECT_FALSE(driver.m_bAutoRelease);
+  }
+  EXPECT_EQ(object->references(), 1u);
+  object->Release();
+}
+
 TEST(DispatchDriver, AttachingReleasesWhatWasAttached) {
   auto* first = new RecordingDispatch;
   auto* second = new RecordingDispatch;

@@ -79,6 +79,29 @@ TEST(Window, EndsWithItsOwnerUnlessItIsDetached) {
   DestroyWindow(detached);
 }
 
+TEST(Window, LearnsThatSomebodyElseDestroyedIt) {
+  CWnd parent, child;
+  parent.Attach(make_window());
+  child.Create("STATIC", "", 0, RECT{}, &parent, 1);
+  HWND gone = parent.m_hWnd;
+  DestroyWindow(gone);
+  EXPECT_EQ(parent.m_hWnd, nullptr);
+  EXPECT_EQ(child.m_hWnd, nullptr);
+  EXPECT_FALSE(child.DestroyWindow());
+  // The object is free for another window.
+  EXPECT_TRUE(child.Attach(make_window()));
+}
+
+TEST(Window, DetachedIsNoLongerWatched) {
+  HWND window = make_window();
+  CWnd first, second;
+  first.Attach(window);
+  first.Detach();
+  second.Attach(window);
+  DestroyWindow(window);
+  EXPECT_EQ(second.m_hWnd, nullptr);
+}
+
 TEST(Window, AttachTakesOneWindowAndNotNull) {
   HWND other = make_window();
   CWnd window;

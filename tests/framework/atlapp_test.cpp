@@ -28,8 +28,8 @@ struct Idle : CIdleHandler {
 class Target : public CWindowImpl<Target> {
  public:
   BEGIN_MSG_MAP(Target)
-  MESSAGE_RANGE_HANDLER(WM_USER, WM_USER + 99, OnUser)
-  MESSAGE_HANDLER(WM_CHAR, OnChar)
+    MESSAGE_RANGE_HANDLER(WM_USER, WM_USER + 99, OnUser)
+    MESSAGE_HANDLER(WM_CHAR, OnChar)
   END_MSG_MAP()
   LRESULT OnUser(UINT message, WPARAM, LPARAM, BOOL&) {
     log += std::to_string(message - WM_USER) + ' ';

@@ -117,6 +117,17 @@ TEST(ComQIPtr, AsksForItsInterfaceAndIsEmptyWithoutIt) {
   EXPECT_EQ(object.references, 0U);
 }
 
+TEST(ComQIPtr, OfItsOwnInterfaceCountsOnce) {
+  CountedObject object;
+  {
+    CComQIPtr<IDispatch> dispatch(static_cast<IDispatch*>(&object));
+    EXPECT_EQ(object.references, 1U);
+    dispatch = static_cast<IDispatch*>(&object);
+    EXPECT_EQ(object.references, 1U);
+  }
+  EXPECT_EQ(object.references, 0U);
+}
+
 TEST(ComBSTR, CopiesItsTextWhole) {
   CComBSTR text(3, L"a\0b");
   EXPECT_EQ(text.Length(), 3U);
@@ -140,6 +151,7 @@ TEST(ComBSTR, TellsNoTextFromAnEmptyOne) {
   EXPECT_FALSE(!empty);
   EXPECT_EQ(none.Length(), 0U);
   EXPECT_EQ(none.Copy(), nullptr);
+  EXPECT_FALSE(CComBSTR(none).m_str);
   EXPECT_TRUE(none == empty);  // for comparison both are empty text
 }
 
@@ -152,7 +164,9 @@ TEST(ComBSTR, TakesOverAndHandsOut) {
   BSTR raw = SysAllocString(L"raw");
   CComBSTR text;
   text.Attach(raw);
-  text.Attach(raw);  // its own: nothing happens
+  text.Attach(raw);        // its own: nothing happens
+  CComBSTR other(L"new");  // would get the memory if it was free
+  EXPECT_STREQ(text, L"raw");
   EXPECT_EQ(text.m_str, raw);
   EXPECT_EQ(text.Detach(), raw);
   EXPECT_FALSE(text.m_str);
@@ -223,6 +237,19 @@ TEST(ComVariant, TakesOverAndHandsOut) {
   VariantClear(&raw);
   EXPECT_EQ(value.Attach(nullptr), E_INVALIDARG);
   EXPECT_EQ(value.Detach(nullptr), E_POINTER);
+}
+
+TEST(ComVariant, LetsGoOfWhatWasThereWhenItTakesOverOrHandsOut) {
+  CountedObject object;
+  {
+    CComVariant value(static_cast<IDispatch*>(&object)), target(static_cast<IDispatch*>(&object));
+    VARIANT raw{};
+    EXPECT_EQ(value.Attach(&raw), S_OK);
+    EXPECT_EQ(object.references, 1U);
+    EXPECT_EQ(value.Detach(&target), S_OK);
+    EXPECT_EQ(object.references, 0U);
+  }
+  EXPECT_EQ(object.references, 0U);
 }
 
 TEST(ComVariant, ACopyThatFailsIsThrownAndLeavesTheErrorBehind) {

@@ -12,7 +12,7 @@ namespace {
 class Parent : public CWindowImpl<Parent, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Parent)
-  COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
+    COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
   END_MSG_MAP()
   LRESULT OnClicked(WORD, WORD id, HWND, BOOL&) {
     clicked = id;

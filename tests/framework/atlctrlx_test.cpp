@@ -40,8 +40,8 @@ HIMAGELIST make_images() {
 class Parent : public CWindowImpl<Parent, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Parent)
-  COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
-  COMMAND_CODE_HANDLER(BN_DOUBLECLICKED, OnDoubleClicked)
+    COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
+    COMMAND_CODE_HANDLER(BN_DOUBLECLICKED, OnDoubleClicked)
   END_MSG_MAP()
   LRESULT OnClicked(WORD, WORD, HWND, BOOL&) {
     ++clicks;

@@ -27,9 +27,9 @@ class Page : public CPropertyPageImpl<Page<t_idd>> {
   explicit Page(const char* page_name) : name(page_name) {}
 
   BEGIN_MSG_MAP(Page)
-  MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
-  CHAIN_MSG_MAP(Impl)
-  NOTIFY_CODE_HANDLER(PSN_APPLY, OnOtherApply)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    CHAIN_MSG_MAP(Impl)
+    NOTIFY_CODE_HANDLER(PSN_APPLY, OnOtherApply)
   END_MSG_MAP()
   LRESULT OnInitDialog(UINT, WPARAM, LPARAM lParam, BOOL&) {
     tell("init");
@@ -78,9 +78,9 @@ class Sheet : public CPropertySheetImpl<Sheet> {
   using Impl::Impl;
 
   BEGIN_MSG_MAP(Sheet)
-  MESSAGE_HANDLER(WM_APP, OnStep)
-  MESSAGE_HANDLER(WM_TIMER, OnTimer)
-  CHAIN_MSG_MAP(Impl)
+    MESSAGE_HANDLER(WM_APP, OnStep)
+    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    CHAIN_MSG_MAP(Impl)
   END_MSG_MAP()
 
   void OnSheetInitialized() {

@@ -291,7 +291,7 @@ TEST(DeviceContext, WritesAndMeasuresText) {
 class Painted : public CWindowImpl<Painted, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Painted)
-  MESSAGE_HANDLER(WM_PAINT, OnPaint)
+    MESSAGE_HANDLER(WM_PAINT, OnPaint)
   END_MSG_MAP()
   LRESULT OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
     CPaintDC dc(m_hWnd);

@@ -4,6 +4,9 @@
 #include <afxdisp.h>
 #include <atlstr.h>
 #include <framework/resources.h>
+#include <support/expect_flat.h>
+
+#include <mbctype.h>
 
 #include <cmath>
 #include <limits>
@@ -90,6 +93,21 @@ TEST(String, GetBufferKeepsTheTextAndGivesTheRoomAskedFor) {
   EXPECT_EQ(text, CStringA('z', 1000));
 }
 
+TEST(String, PartedFromItsCopyKeepsTheTextWhateverTheRoomAskedFor) {
+  CStringA first("abcdef"), second(first);
+  second.GetBuffer(2);
+  second.ReleaseBuffer(6);
+  EXPECT_STREQ(second, "abcdef");
+}
+
+TEST(String, AThousandLeaveNothingBehind) {
+  expect_flat(1000, [] {
+    CStringA first('x', 10000), second(first);
+    second += "y";
+    first = second;
+  });
+}
+
 TEST(String, ReleaseBufferEndsAtTheTerminatorOrWhereTheRoomEnds) {
   CStringA text;
   char* buffer = text.GetBufferSetLength(10);
@@ -108,12 +126,27 @@ TEST(String, LengthsAndIndicesOutsideTheTextThrowInvalidArgument) {
   CStringA text("abc");
   EXPECT_EQ(thrown_by([&] { text.ReleaseBuffer(100); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { text.GetBuffer(-1); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([&] { text.GetBuffer(INT_MAX); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { static_cast<void>(text[4]); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { static_cast<void>(text.GetAt(-1)); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { text.SetString(nullptr, 3); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { CStringA('x', -1); }), E_INVALIDARG);
   EXPECT_EQ(thrown_by([&] { text.Append("x", INT_MAX); }), E_INVALIDARG);
   EXPECT_STREQ(text, "abc");
+}
+
+TEST(String, TextToConvertWithANegativeLengthThrowsInvalidArgument) {
+  EXPECT_EQ(thrown_by([] { CStringA(L"abc", -1); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([] { CStringW("abc", -1); }), E_INVALIDARG);
+  EXPECT_STREQ(CStringA(L"abc", 2), "ab");
+}
+
+TEST(String, ComparedWithANullPointerThrowsInvalidArgument) {
+  CStringA text("abc");
+  const char* null = nullptr;
+  EXPECT_EQ(thrown_by([&] { text.Compare(null); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([&] { text.CompareNoCase(null); }), E_INVALIDARG);
+  EXPECT_EQ(thrown_by([&] { static_cast<void>(text == null); }), E_INVALIDARG);
 }
 
 TEST(String, TheIndexOfTheEndReadsTheTerminator) {
@@ -135,6 +168,11 @@ TEST(String, ANullPointerIsTheEmptyText) {
   text += static_cast<const char*>(nullptr);
   EXPECT_STREQ(text, "");
   EXPECT_STREQ(CStringA(static_cast<const wchar_t*>(nullptr)), "");
+  for (const wchar_t* none : {L"", static_cast<const wchar_t*>(nullptr)}) {
+    text = "abc";
+    text = none;
+    EXPECT_STREQ(text, "");
+  }
 }
 
 TEST(String, EmptyTextsShareOneBuffer) {
@@ -194,6 +232,19 @@ TEST(String, FindsTextsAndCharactersFromAPlaceOn) {
   EXPECT_EQ(text.Find("x"), -1);
   EXPECT_EQ(text.Find("a", 7), -1);
   EXPECT_EQ(text.Find("a", -1), -1);
+  EXPECT_EQ(text.Find("", 6), 6);
+  EXPECT_EQ(text.Find("", -1), -1);
+  EXPECT_EQ(text.Find(static_cast<const char*>(nullptr)), -1);
+}
+
+TEST(String, FindsWholeCharactersOfADoubleByteCodePage) {
+  int before = _getmbcp();
+  _setmbcp(932);
+  // The second byte of the first character is that of a backslash.
+  CStringA text("\x83\\.\\");
+  EXPECT_EQ(text.Find('\\'), 3);
+  _setmbcp(before);
+  EXPECT_EQ(text.Find('\\'), 1);
 }
 
 TEST(String, PartsAreCutToWhatIsThere) {
@@ -243,6 +294,12 @@ TEST(String, ReplacesCharactersAndPartsFromTheCopyOnlyWhereOneOccurs) {
   EXPECT_STREQ(text, "a.b.c");
 }
 
+TEST(String, ReplacesNoTerminator) {
+  CStringA text("abc");
+  EXPECT_EQ(text.Replace('\0', 'x'), 0);
+  EXPECT_STREQ(text, "abc");
+}
+
 TEST(String, FormatsAsPrintfDoes) {
   CStringA text;
   text.Format("%d %s %.2f %c %lld %u%%", -7, "text", 1.005, 'x', 1LL << 40, 7U);
@@ -256,6 +313,12 @@ TEST(String, FormatsExactDigitsWithTiesToEvenAndNamesInfinity) {
   EXPECT_STREQ(text, "0.12 2 4");
   text.Format("%f %f", HUGE_VAL, std::numeric_limits<double>::quiet_NaN());
   EXPECT_STREQ(text, "inf nan");
+}
+
+TEST(String, AFormatThatCannotBeIsThrownAndLeavesTheText) {
+  CStringA text("kept");
+  EXPECT_EQ(thrown_by([&] { text.Format(nullptr); }), E_INVALIDARG);
+  EXPECT_STREQ(text, "kept");
 }
 
 TEST(String, FormatsTextOfAnyLengthAndItself) {

@@ -3,7 +3,7 @@
 
 #include <atlwin.h>
 #include <framework/resources.h>
-#include <support/resource_counts.h>
+#include <support/expect_flat.h>
 
 #include <map>
 #include <string>
@@ -22,12 +22,12 @@ bool contains(const Messages& messages, UINT message) {
 class Recorder : public CWindowImpl<Recorder, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Recorder)
-  seen.push_back(uMsg);
-  if (handles_seen_at.contains(uMsg)) handles_seen_at[uMsg] = m_hWnd;
-  MESSAGE_HANDLER(WM_CREATE, OnCreate)
-  MESSAGE_HANDLER(WM_USER, OnFirst)
-  MESSAGE_HANDLER(WM_USER, OnSecond)
-  MESSAGE_RANGE_HANDLER(WM_USER + 10, WM_USER + 12, OnRange)
+    seen.push_back(uMsg);
+    if (handles_seen_at.contains(uMsg)) handles_seen_at[uMsg] = m_hWnd;
+    MESSAGE_HANDLER(WM_CREATE, OnCreate)
+    MESSAGE_HANDLER(WM_USER, OnFirst)
+    MESSAGE_HANDLER(WM_USER, OnSecond)
+    MESSAGE_RANGE_HANDLER(WM_USER + 10, WM_USER + 12, OnRange)
   END_MSG_MAP()
 
   LRESULT OnCreate(UINT, WPARAM, LPARAM, BOOL& handled) {
@@ -80,6 +80,15 @@ TEST(WindowImpl, GetsTheStylesOfItsTraitsUnlessToldOthers) {
   window.DestroyWindow();
 }
 
+TEST(WindowImpl, HasAnArrowAPlainBackgroundAndDoubleClicksByItsClass) {
+  Recorder window;
+  window.Create(nullptr);
+  EXPECT_EQ(GetClassLongPtr(window, GCLP_HCURSOR), reinterpret_cast<ULONG_PTR>(LoadCursor(nullptr, IDC_ARROW)));
+  EXPECT_EQ(GetClassLongPtr(window, GCLP_HBRBACKGROUND), ULONG_PTR{COLOR_WINDOW + 1});
+  EXPECT_EQ(GetClassLongPtr(window, GCL_STYLE), ULONG_PTR{CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS});
+  window.DestroyWindow();
+}
+
 TEST(WindowImpl, ARefusedCreationGivesNullAndTheObjectMayTryAgain) {
   Recorder window;
   window.create_result = -1;
@@ -90,7 +99,7 @@ TEST(WindowImpl, ARefusedCreationGivesNullAndTheObjectMayTryAgain) {
   class Refusing : public CWindowImpl<Refusing, CWindow, CFrameWinTraits> {
    public:
     BEGIN_MSG_MAP(Refusing)
-    MESSAGE_HANDLER(WM_CREATE, OnCreate)
+      MESSAGE_HANDLER(WM_CREATE, OnCreate)
     END_MSG_MAP()
     LRESULT OnCreate(UINT, WPARAM, LPARAM, BOOL&) { return answer; }
     void OnFinalMessage(HWND) override { ++final_messages; }
@@ -188,11 +197,11 @@ class Part {
   explicit Part(LRESULT answer) : answer_(answer) {}
 
   BEGIN_MSG_MAP(Part)
-  MESSAGE_HANDLER(WM_USER + 1, OnMessage)
-  ALT_MSG_MAP(1)
-  MESSAGE_HANDLER(WM_USER + 2, OnMessage)
-  ALT_MSG_MAP(2)
-  MESSAGE_HANDLER(WM_USER + 3, OnMessage)
+    MESSAGE_HANDLER(WM_USER + 1, OnMessage)
+    ALT_MSG_MAP(1)
+    MESSAGE_HANDLER(WM_USER + 2, OnMessage)
+    ALT_MSG_MAP(2)
+    MESSAGE_HANDLER(WM_USER + 3, OnMessage)
   END_MSG_MAP()
 
   LRESULT OnMessage(UINT message, WPARAM, LPARAM, BOOL&) { return answer_ + static_cast<LRESULT>(message) - WM_USER; }
@@ -206,12 +215,12 @@ class Chained : public CWindowImpl<Chained>, public Part {
   Chained() : Part(100) {}
 
   BEGIN_MSG_MAP(Chained)
-  if (use_member) {
-    CHAIN_MSG_MAP_MEMBER(member)
-    CHAIN_MSG_MAP_ALT_MEMBER(member, 2)
-  }
-  CHAIN_MSG_MAP(Part)
-  CHAIN_MSG_MAP_ALT(Part, 1)
+    if (use_member) {
+      CHAIN_MSG_MAP_MEMBER(member)
+      CHAIN_MSG_MAP_ALT_MEMBER(member, 2)
+    }
+    CHAIN_MSG_MAP(Part)
+    CHAIN_MSG_MAP_ALT(Part, 1)
   END_MSG_MAP()
 
   bool use_member = false;
@@ -231,6 +240,14 @@ TEST(MessageMap, ChainsToBaseClassesAndMembersAndTheirOtherMaps) {
   window.DestroyWindow();
 }
 
+TEST(WindowImpl, ACopyHasAProcedureOfItsOwn) {
+  Chained window;
+  window.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP);
+  { Chained copy(window); }
+  EXPECT_EQ(window.SendMessage(WM_USER + 1), 101);
+  window.DestroyWindow();
+}
+
 TEST(MessageMap, HandlesNothingUnderANumberThatItHasNot) {
   Part part(0);
   LRESULT result = 77;
@@ -241,12 +258,12 @@ TEST(MessageMap, HandlesNothingUnderANumberThatItHasNot) {
 class Commands : public CWindowImpl<Commands> {
  public:
   BEGIN_MSG_MAP(Commands)
-  COMMAND_HANDLER(1, BN_CLICKED, OnBoth)
-  COMMAND_ID_HANDLER(2, OnId)
-  COMMAND_CODE_HANDLER(EN_CHANGE, OnCode)
-  COMMAND_RANGE_HANDLER(10, 12, OnRange)
-  NOTIFY_HANDLER(3, NM_CLICK, OnNotify)
-  NOTIFY_CODE_HANDLER(TTN_GETDISPINFO, OnNotifyCode)
+    COMMAND_HANDLER(1, BN_CLICKED, OnBoth)
+    COMMAND_ID_HANDLER(2, OnId)
+    COMMAND_CODE_HANDLER(EN_CHANGE, OnCode)
+    COMMAND_RANGE_HANDLER(10, 12, OnRange)
+    NOTIFY_HANDLER(3, NM_CLICK, OnNotify)
+    NOTIFY_CODE_HANDLER(TTN_GETDISPINFO, OnNotifyCode)
   END_MSG_MAP()
 
   LRESULT OnBoth(WORD code, WORD id, HWND control, BOOL&) { return note("both", code, id, control); }
@@ -307,10 +324,10 @@ class ReflectedButton : public CWindowImpl<ReflectedButton> {
   DECLARE_WND_SUPERCLASS("TestReflectedButton", "BUTTON")
 
   BEGIN_MSG_MAP(ReflectedButton)
-  REFLECTED_COMMAND_CODE_HANDLER(BN_CLICKED, OnClick)
-  REFLECTED_NOTIFY_CODE_HANDLER(NM_CUSTOMDRAW, OnCustomDraw)
-  if (uMsg >= OCM__BASE) reflected.push_back(uMsg - OCM__BASE);
-  DEFAULT_REFLECTION_HANDLER()
+    REFLECTED_COMMAND_CODE_HANDLER(BN_CLICKED, OnClick)
+    REFLECTED_NOTIFY_CODE_HANDLER(NM_CUSTOMDRAW, OnCustomDraw)
+    if (uMsg >= OCM__BASE) reflected.push_back(uMsg - OCM__BASE);
+    DEFAULT_REFLECTION_HANDLER()
   END_MSG_MAP()
 
   LRESULT OnClick(WORD, WORD id, HWND control, BOOL&) {
@@ -327,8 +344,8 @@ class ReflectedButton : public CWindowImpl<ReflectedButton> {
 class ReflectingParent : public CWindowImpl<ReflectingParent, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(ReflectingParent)
-  REFLECT_NOTIFICATIONS()
-  if (uMsg == WM_COMMAND) unhandled_commands.push_back(LOWORD(wParam));
+    REFLECT_NOTIFICATIONS()
+    if (uMsg == WM_COMMAND) unhandled_commands.push_back(LOWORD(wParam));
   END_MSG_MAP()
   std::vector<int> unhandled_commands;
 };
@@ -403,17 +420,37 @@ TEST(Reflection, LeavesMessagesOfMenusAndAcceleratorsToTheParent) {
   parent.Create(nullptr);
   parent.SendMessage(WM_COMMAND, MAKEWPARAM(7, 0), 0);
   EXPECT_EQ(parent.unhandled_commands, std::vector<int>{7});
-  DRAWITEMSTRUCT menu = {};
-  EXPECT_EQ(parent.SendMessage(WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&menu)), 0);
+  ReflectedButton button;
+  button.Create(parent, nullptr, "button", WS_CHILD, 0, 42U);
+  button.reflected.clear();
+  DRAWITEMSTRUCT drawn = {};
+  drawn.hwndItem = button;  // a menu's handle stands there; this one shows whether it is taken for a window
+  EXPECT_EQ(parent.SendMessage(WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&drawn)), 0);
+  MEASUREITEMSTRUCT measured = {};
+  measured.CtlID = 42;
+  EXPECT_EQ(parent.SendMessage(WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measured)), 0);
+  EXPECT_TRUE(button.reflected.empty());
   parent.DestroyWindow();
+}
+
+TEST(Reflection, TreatsWhatCanComeBackAndNothingElseByDefault) {
+  for (UINT message :
+       Messages{WM_COMMAND, WM_NOTIFY, WM_PARENTNOTIFY, WM_DRAWITEM, WM_MEASUREITEM, WM_COMPAREITEM, WM_DELETEITEM,
+                WM_VKEYTOITEM, WM_CHARTOITEM, WM_HSCROLL, WM_VSCROLL, WM_CTLCOLORBTN, WM_CTLCOLORDLG, WM_CTLCOLOREDIT,
+                WM_CTLCOLORLISTBOX, WM_CTLCOLORMSGBOX, WM_CTLCOLORSTATIC, WM_CTLCOLORSCROLLBAR}) {
+    LRESULT result = 77;
+    EXPECT_TRUE(ReflectedButton::DefaultReflectionHandler(nullptr, OCM__BASE + message, 0, 0, result)) << message;
+    EXPECT_EQ(result, 0) << message;
+    EXPECT_FALSE(ReflectedButton::DefaultReflectionHandler(nullptr, message, 0, 0, result)) << message;
+  }
 }
 
 // An edit control that was there before.
 class TakenEdit : public CWindowImpl<TakenEdit> {
  public:
   BEGIN_MSG_MAP(TakenEdit)
-  seen.push_back(uMsg);
-  MESSAGE_HANDLER(WM_CHAR, OnChar)
+    seen.push_back(uMsg);
+    MESSAGE_HANDLER(WM_CHAR, OnChar)
   END_MSG_MAP()
   LRESULT OnChar(UINT, WPARAM wParam, LPARAM, BOOL& handled) {
     if (wParam == '#') return 0;
@@ -466,12 +503,24 @@ TEST(Subclassing, EndsWithTheWindow) {
   EXPECT_EQ(edit.final_message, next);
 }
 
+TEST(Subclassing, LeavesNothingOfTheControlToTheObjectsNextWindow) {
+  for (bool with_window : {true, false}) {
+    HWND window = make_edit();
+    TakenEdit edit;
+    edit.SubclassWindow(window);
+    if (!with_window) edit.UnsubclassWindow();
+    DestroyWindow(window);
+    EXPECT_EQ(edit.m_pfnSuperWindowProc, &::DefWindowProc);
+  }
+}
+
 TEST(Subclassing, RefusesWhatIsNoWindow) {
   TakenEdit edit;
   EXPECT_FALSE(edit.SubclassWindow(nullptr));
   HWND gone = make_edit();
   DestroyWindow(gone);
   EXPECT_FALSE(edit.SubclassWindow(gone));
+  EXPECT_FALSE(edit.SubclassWindow(GetDesktopWindow())) << "another process's";
   EXPECT_FALSE(edit.m_hWnd);
 }
 
@@ -506,8 +555,8 @@ class BigEdit : public CWindowImpl<BigEdit, CWindow, CWinTraits<WS_POPUP>> {
  public:
   DECLARE_WND_SUPERCLASS("TestBigEdit", "EDIT")
   BEGIN_MSG_MAP(BigEdit)
-  MESSAGE_HANDLER(EM_GETLIMITTEXT, OnLimit)
-  MESSAGE_HANDLER(WM_USER, OnUser)
+    MESSAGE_HANDLER(EM_GETLIMITTEXT, OnLimit)
+    MESSAGE_HANDLER(WM_USER, OnUser)
   END_MSG_MAP()
   LRESULT OnLimit(UINT, WPARAM, LPARAM, BOOL&) { return DefWindowProc() + 1; }
   LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) { return DefWindowProc(EM_GETLIMITTEXT, 0, 0) + 2; }
@@ -522,6 +571,11 @@ TEST(Superclass, IsTheOriginalWithAMapBeforeIt) {
   EXPECT_STREQ(name, "TestBigEdit");
   SendMessage(edit, WM_CHAR, 'x', 0);
   EXPECT_EQ(text_of(edit), "x");
+  WNDCLASSEX copied = {};
+  copied.cbSize = sizeof copied;
+  ASSERT_TRUE(GetClassInfoEx(GetModuleHandle(nullptr), "TestBigEdit", &copied));
+  EXPECT_EQ(copied.hInstance, GetModuleHandle(nullptr));
+  EXPECT_FALSE(copied.style & CS_GLOBALCLASS);
   edit.SendMessage(EM_SETLIMITTEXT, 100);
   EXPECT_EQ(edit.SendMessage(EM_GETLIMITTEXT), 101);
   EXPECT_EQ(edit.SendMessage(WM_USER), 102);
@@ -553,8 +607,11 @@ TEST(Superclass, FollowsFromTheWrapperItIsBuiltOn) {
 }
 
 TEST(Superclass, OfNothingMakesNoWindow) {
-  class Orphan : public CWindowImpl<Orphan>{
-    public : DECLARE_WND_SUPERCLASS("TestOrphan", "TestNoSuchClass") BEGIN_MSG_MAP(Orphan) END_MSG_MAP()
+  class Orphan : public CWindowImpl<Orphan> {
+   public:
+    DECLARE_WND_SUPERCLASS("TestOrphan", "TestNoSuchClass")
+    BEGIN_MSG_MAP(Orphan)
+    END_MSG_MAP()
   } orphan;
   EXPECT_FALSE(orphan.Create(HWND_MESSAGE));
 }
@@ -575,6 +632,32 @@ TEST(WindowClass, OfAModuleGoesWithIt) {
   }
 }
 
+TEST(WindowClass, OfOneNameIsSharedByTwoClasses) {
+  class First : public CWindowImpl<First> {
+   public:
+    DECLARE_WND_CLASS("TestSharedClass")
+    BEGIN_MSG_MAP(First)
+      MESSAGE_HANDLER(WM_USER, OnUser)
+    END_MSG_MAP()
+    LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) { return 1; }
+  } first;
+  class Second : public CWindowImpl<Second> {
+   public:
+    DECLARE_WND_CLASS("TestSharedClass")
+    BEGIN_MSG_MAP(Second)
+      MESSAGE_HANDLER(WM_USER, OnUser)
+    END_MSG_MAP()
+    LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) { return 2; }
+  } second;
+  ASSERT_TRUE(first.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP));
+  ASSERT_TRUE(second.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP));
+  EXPECT_EQ(first.SendMessage(WM_USER), 1);
+  EXPECT_EQ(second.SendMessage(WM_USER), 2);
+  EXPECT_EQ(GetClassLongPtr(first, GCW_ATOM), GetClassLongPtr(second, GCW_ATOM));
+  first.DestroyWindow();
+  second.DestroyWindow();
+}
+
 // Destroys itself in its own handler, nested as deeply as it is told, and deletes itself at the end.
 class SelfDestroying : public CWindowImpl<SelfDestroying, CWindow, CFrameWinTraits> {
  public:
@@ -582,8 +665,8 @@ class SelfDestroying : public CWindowImpl<SelfDestroying, CWindow, CFrameWinTrai
   ~SelfDestroying() override { events_.push_back("deleted"); }
 
   BEGIN_MSG_MAP(SelfDestroying)
-  MESSAGE_HANDLER(WM_USER, OnUser)
-  MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
+    MESSAGE_HANDLER(WM_USER, OnUser)
+    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
   END_MSG_MAP()
 
   LRESULT OnUser(UINT, WPARAM depth, LPARAM, BOOL&) {
@@ -620,6 +703,89 @@ TEST(WindowImpl, DestroyedInItsOwnHandlerLearnsOfItWhenTheLastFrameIsLeft) {
   EXPECT_FALSE(IsWindow(handle));
 }
 
+TEST(WindowImpl, MayDeleteItselfInItsOwnDestroyWindow) {
+  std::vector<std::string> events;
+  auto* window = new SelfDestroying(events);
+  HWND handle = window->Create(nullptr);
+  // What the object leaves in its memory is there to be seen in the next one of its size.
+  EXPECT_TRUE(window->DestroyWindow());
+  EXPECT_EQ(events, (std::vector<std::string>{"destroyed", "final", "deleted"}));
+  EXPECT_FALSE(IsWindow(handle));
+}
+
+TEST(WindowImpl, DestroyedByItsOwnMethodInAHandlerIsToldWhichWindowItWas) {
+  Recorder window;
+  HWND during = nullptr;
+  window.on_create = [&] {
+    during = window.m_hWnd;
+    EXPECT_TRUE(window.DestroyWindow());
+  };
+  EXPECT_FALSE(window.Create(nullptr));
+  EXPECT_TRUE(during);
+  EXPECT_EQ(window.final_messages, std::vector<HWND>{during});
+  EXPECT_FALSE(window.m_hWnd);
+}
+
+TEST(WindowImpl, ThatOnlyNamesAWindowLosesItWhenItDestroysIt) {
+  Recorder window;
+  window.Attach(CreateWindow("STATIC", "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr));
+  EXPECT_TRUE(window.DestroyWindow());
+  EXPECT_FALSE(window.m_hWnd);
+  EXPECT_TRUE(window.final_messages.empty());
+}
+
+TEST(WindowImpl, AHandlerThatThrowsLeavesNoMessageTheCurrentOne) {
+  class Throwing : public CWindowImpl<Throwing, CWindow, CFrameWinTraits> {
+   public:
+    BEGIN_MSG_MAP(Throwing)
+      MESSAGE_HANDLER(WM_USER, OnUser)
+    END_MSG_MAP()
+    LRESULT OnUser(UINT, WPARAM, LPARAM, BOOL&) {
+      EXPECT_EQ(m_pCurrentMsg->message, UINT{WM_USER});
+      throw 5;
+    }
+    void OnFinalMessage(HWND) override { ++final_messages; }
+    bool is_working() const { return m_pCurrentMsg != nullptr; }
+    int final_messages = 0;
+  } window;
+  HWND handle = window.Create(nullptr);
+  auto procedure = reinterpret_cast<WNDPROC>(window.GetWindowLongPtr(GWLP_WNDPROC));
+  // Not by SendMessage: no exception finds its way through the system.
+  EXPECT_THROW(procedure(handle, WM_USER, 0, 0), int);
+  EXPECT_FALSE(window.is_working());
+  window.DestroyWindow();
+  EXPECT_EQ(window.final_messages, 1);
+}
+
+TEST(WindowImpl, IsToldOfItsEndThoughItHandledTheLastMessageItself) {
+  class Last : public CWindowImpl<Last, CWindow, CFrameWinTraits> {
+   public:
+    BEGIN_MSG_MAP(Last)
+      MESSAGE_HANDLER(WM_NCDESTROY, OnLast)
+    END_MSG_MAP()
+    LRESULT OnLast(UINT, WPARAM, LPARAM, BOOL&) { return 0; }
+    void OnFinalMessage(HWND) override { ++final_messages; }
+    int final_messages = 0;
+  } window;
+  window.Create(nullptr);
+  window.DestroyWindow();
+  EXPECT_EQ(window.final_messages, 1);
+}
+
+TEST(WindowImpl, AWindowOfItsClassThatNobodyAnnouncedIsNotMade) {
+  Recorder window;
+  HWND stranger = nullptr;
+  window.on_create = [&] {
+    window.on_create = nullptr;
+    stranger = CreateWindow(MAKEINTATOM(Recorder::GetWndClassInfo().m_atom), "", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr,
+                            GetModuleHandle(nullptr), nullptr);
+  };
+  HWND created = window.Create(nullptr);
+  EXPECT_FALSE(stranger);
+  EXPECT_EQ(window.m_hWnd, created);
+  window.DestroyWindow();
+}
+
 TEST(WindowImpl, DestroyedFromOutsideIsToldOnce) {
   Recorder window;
   HWND handle = window.Create(nullptr);
@@ -639,17 +805,24 @@ TEST(WindowImpl, ItsProcedureOutlivesTheWindowUntilTheObjectGoes) {
   EXPECT_EQ(window.seen, Messages{WM_NULL});
 }
 
+TEST(WindowImpl, ItsProcedureIsGivenBackWithTheObject) {
+  expect_flat(20000, [] {
+    CWndProcThunk thunk;
+    ASSERT_TRUE(thunk.Init(nullptr, nullptr));
+  });
+}
+
 class Plain : public CDialogImpl<Plain> {
  public:
   enum { IDD = IDD_PLAIN };
 
   BEGIN_MSG_MAP(Plain)
-  MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
-  MESSAGE_HANDLER(WM_CTLCOLOREDIT, OnColor)
-  MESSAGE_HANDLER(WM_VKEYTOITEM, OnKey)
-  MESSAGE_HANDLER(WM_USER, OnUser)
-  COMMAND_HANDLER(IDC_PUSH, BN_CLICKED, OnPush)
-  COMMAND_ID_HANDLER(IDCANCEL, OnPush)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_CTLCOLOREDIT, OnColor)
+    MESSAGE_HANDLER(WM_VKEYTOITEM, OnKey)
+    MESSAGE_HANDLER(WM_USER, OnUser)
+    COMMAND_HANDLER(IDC_PUSH, BN_CLICKED, OnPush)
+    COMMAND_ID_HANDLER(IDCANCEL, OnPush)
   END_MSG_MAP()
 
   LRESULT OnInitDialog(UINT, WPARAM first_control, LPARAM parameter, BOOL&) {
@@ -691,6 +864,10 @@ TEST(Dialog, AnswersMessagesAsDialogsMust) {
   EXPECT_EQ(dialog.SendMessage(WM_CTLCOLOREDIT), reinterpret_cast<LRESULT>(GetStockObject(BLACK_BRUSH)));
   EXPECT_EQ(dialog.SendMessage(WM_VKEYTOITEM), -2);
   EXPECT_EQ(dialog.SendMessage(WM_USER), 1234567890123);
+  EXPECT_EQ(dialog.SendMessage(WM_INITDIALOG, reinterpret_cast<WPARAM>(dialog.GetDlgItem(IDC_PUSH).m_hWnd)), FALSE);
+  // What is not handled is the dialog manager's.
+  EXPECT_TRUE(dialog.SetWindowText("new"));
+  EXPECT_EQ(text_of(dialog), "new");
   EXPECT_TRUE(dialog.DestroyWindow());
   EXPECT_EQ(dialog.final_messages, 1);
 }
@@ -699,7 +876,7 @@ TEST(Dialog, EndsAtAClickOnItsButton) {
   Plain dialog;
   struct Clicker : CWindowImpl<Clicker> {
     BEGIN_MSG_MAP(Clicker)
-    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+      MESSAGE_HANDLER(WM_TIMER, OnTimer)
     END_MSG_MAP()
     LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&) {
       if (dialog->m_hWnd) dialog->GetDlgItem(IDC_PUSH).PostMessage(BM_CLICK);
@@ -774,14 +951,21 @@ TEST(CenterWindow, UsesTheWorkAreaWhereNoOwnerIsSeen) {
   expect_centered_at(alone, x, y);
   HWND hidden = make_popup(10, 10, 100, 100, nullptr, 0);
   expect_centered_at(alone, x, y, hidden);
+  // What is seen of a minimised one is no place to be over.
+  HWND minimised = CreateWindow("STATIC", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE | WS_MINIMIZE, 10, 10, 100, 100, nullptr,
+                                nullptr, nullptr, nullptr);
+  expect_centered_at(alone, x, y, minimised);
   DestroyWindow(alone);
   DestroyWindow(hidden);
+  DestroyWindow(minimised);
 }
 
 TEST(CenterWindow, PutsAChildOverItsParentAndNeverOutsideOfIt) {
   HWND parent = make_popup(300, 200, 200, 100);
   HWND child = CreateWindow("STATIC", "", WS_CHILD, 0, 0, 50, 20, parent, nullptr, nullptr, nullptr);
   expect_centered_at(child, 300 + 75, 200 + 40);
+  HWND sister = CreateWindow("STATIC", "", WS_CHILD, 100, 50, 60, 40, parent, nullptr, nullptr, nullptr);
+  expect_centered_at(child, 300 + 130 - 25, 200 + 70 - 10, sister);
   MoveWindow(child, 0, 0, 400, 20, FALSE);
   expect_centered_at(child, 300, 200 + 40);  // too wide: its beginning shows
   DestroyWindow(parent);
@@ -795,6 +979,7 @@ TEST(Window, ModifiesStylesAndSaysWhetherThereWasAnythingToDo) {
   EXPECT_EQ(window.GetStyle() & SS_TYPEMASK, DWORD{SS_CENTER});
   EXPECT_FALSE(window.ModifyStyle(0, SS_CENTER));
   EXPECT_TRUE(window.ModifyStyle(SS_CENTER, 0, SWP_FRAMECHANGED));
+  EXPECT_FALSE(window.ModifyStyle(WS_POPUP, WS_POPUP)) << "what is removed and added is there";
   EXPECT_TRUE(window.ModifyStyleEx(0, WS_EX_CLIENTEDGE));
   EXPECT_FALSE(window.ModifyStyleEx(0, WS_EX_CLIENTEDGE));
   EXPECT_TRUE(window.DestroyWindow());
@@ -823,15 +1008,28 @@ TEST(Window, GivesItsFontAndText) {
   window.DestroyWindow();
 }
 
-// Runs rounds and sees that they leave nothing behind.
-template <typename Round>
-void expect_flat(int rounds, Round round) {
-  for (int i = 0; i < 20; ++i) round();
-  ResourceCounts before;
-  size_t memory = count_memory();
-  for (int i = 0; i < rounds; ++i) round();
-  EXPECT_EQ(ResourceCounts(), before);
-  EXPECT_LT(count_memory(), memory + 100 * static_cast<size_t>(rounds));  // less than any object of a round
+TEST(Window, SetsItsFontWithOrWithoutPaintingAnew) {
+  class Fonted : public CWindowImpl<Fonted> {
+   public:
+    BEGIN_MSG_MAP(Fonted)
+      if (uMsg == WM_SETFONT) redraws.push_back(LOWORD(lParam));
+    END_MSG_MAP()
+    std::vector<int> redraws;
+  } window;
+  window.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP);
+  window.SetFont(nullptr);
+  window.SetFont(nullptr, FALSE);
+  EXPECT_EQ(window.redraws, (std::vector<int>{TRUE, FALSE}));
+  window.DestroyWindow();
+}
+
+TEST(Window, MovesToARectangle) {
+  CWindow window(make_popup(0, 0, 10, 10));
+  RECT target = {30, 40, 130, 90};
+  EXPECT_TRUE(window.MoveWindow(&target));
+  RECT place = place_of(window);
+  EXPECT_TRUE(EqualRect(&place, &target));
+  window.DestroyWindow();
 }
 
 TEST(WindowImpl, AThousandRoundsOfCreateSubclassAndDestroyLeaveNothingBehind) {

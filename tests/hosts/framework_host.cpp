@@ -36,7 +36,7 @@ void note(CString line) {
 class CDigitEdit : public ATL::CWindowImpl<CDigitEdit, WTL::CEdit> {
  public:
   BEGIN_MSG_MAP(CDigitEdit)
-  MESSAGE_HANDLER(WM_CHAR, OnChar)
+    MESSAGE_HANDLER(WM_CHAR, OnChar)
   END_MSG_MAP()
 
   LRESULT OnChar(UINT, WPARAM wParam, LPARAM, BOOL& bHandled) {
@@ -49,8 +49,8 @@ class CDigitEdit : public ATL::CWindowImpl<CDigitEdit, WTL::CEdit> {
 class CLampButton : public ATL::CWindowImpl<CLampButton, WTL::CButton> {
  public:
   BEGIN_MSG_MAP(CLampButton)
-  REFLECTED_COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
-  DEFAULT_REFLECTION_HANDLER()
+    REFLECTED_COMMAND_CODE_HANDLER(BN_CLICKED, OnClicked)
+    DEFAULT_REFLECTION_HANDLER()
   END_MSG_MAP()
 
   LRESULT OnClicked(WORD, WORD, HWND, BOOL&) {
@@ -63,8 +63,7 @@ class CLampButton : public ATL::CWindowImpl<CLampButton, WTL::CButton> {
   bool m_on = false;
 };
 
-// ---- a sheet of two pages
-// --------------------------------------------------------------------------------------------
+// ---- a sheet of two pages ------------------------------------------------------------------------------------------
 
 struct Settings {
   CString name = "none";
@@ -91,8 +90,8 @@ class CNamePage : public CSettingsPage<CNamePage> {
   using CSettingsPage::CSettingsPage;
 
   BEGIN_MSG_MAP(CNamePage)
-  MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
-  CHAIN_MSG_MAP(WTL::CPropertyPageImpl<CNamePage>)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    CHAIN_MSG_MAP(WTL::CPropertyPageImpl<CNamePage>)
   END_MSG_MAP()
 
   LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
@@ -111,7 +110,7 @@ class CSizePage : public CSettingsPage<CSizePage> {
   using CSettingsPage::CSettingsPage;
 
   BEGIN_MSG_MAP(CSizePage)
-  CHAIN_MSG_MAP(WTL::CPropertyPageImpl<CSizePage>)
+    CHAIN_MSG_MAP(WTL::CPropertyPageImpl<CSizePage>)
   END_MSG_MAP()
 
   // A size is a number: the page is not left with anything else.
@@ -131,8 +130,8 @@ class CSettingsSheet : public WTL::CPropertySheetImpl<CSettingsSheet> {
   using CPropertySheetImpl::CPropertySheetImpl;
 
   BEGIN_MSG_MAP(CSettingsSheet)
-  MESSAGE_HANDLER(WM_TIMER, OnTimer)
-  CHAIN_MSG_MAP(WTL::CPropertySheetImpl<CSettingsSheet>)
+    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    CHAIN_MSG_MAP(WTL::CPropertySheetImpl<CSettingsSheet>)
   END_MSG_MAP()
 
   void OnSheetInitialized() { SetTimer(1, 10); }
@@ -164,20 +163,19 @@ class CSettingsSheet : public WTL::CPropertySheetImpl<CSettingsSheet> {
   int m_step = 0;
 };
 
-// ---- the main dialog
-// -------------------------------------------------------------------------------------------------
+// ---- the main dialog -----------------------------------------------------------------------------------------------
 
 class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
  public:
   enum { IDD = IDD_MAIN };
 
   BEGIN_MSG_MAP(CMainDialog)
-  MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
-  MESSAGE_HANDLER(WM_TIMER, OnTimer)
-  COMMAND_HANDLER(IDC_SETTINGS, BN_CLICKED, OnSettings)
-  COMMAND_ID_HANDLER(IDOK, OnClose)
-  COMMAND_ID_HANDLER(IDCANCEL, OnClose)
-  REFLECT_NOTIFICATIONS()
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    MESSAGE_HANDLER(WM_TIMER, OnTimer)
+    COMMAND_HANDLER(IDC_SETTINGS, BN_CLICKED, OnSettings)
+    COMMAND_ID_HANDLER(IDOK, OnClose)
+    COMMAND_ID_HANDLER(IDCANCEL, OnClose)
+    REFLECT_NOTIFICATIONS()
   END_MSG_MAP()
 
   LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
@@ -237,8 +235,7 @@ class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
 
 }  // namespace
 
-// ---- automation
-// ------------------------------------------------------------------------------------------------------
+// ---- automation ----------------------------------------------------------------------------------------------------
 
 // An object whose one method fails, and says why.
 struct FailingObject : IDispatch {
@@ -290,8 +287,7 @@ void use_automation() {
   }
 }
 
-// ---- a document
-// --------------------------------------------------------------------------------------------------------
+// ---- a document ----------------------------------------------------------------------------------------------------
 
 void store_and_load() {
   CMemFile file;

@@ -1,6 +1,7 @@
 # Installs the package into an empty folder, builds the consumer against it and runs it.
 #   BUILD      the build tree        WORK       an empty folder's name
 #   TOOLCHAIN  its toolchain file    EMULATOR   what runs a program of it
+#   NODE       runs the viewer's program; empty where the viewer is not built
 file(REMOVE_RECURSE ${WORK})
 file(MAKE_DIRECTORY ${WORK})
 
@@ -21,4 +22,17 @@ run(${EMULATOR} ${WORK}/build/consumer.exe)
 file(READ ${WORK}/consumer.js record)
 if(NOT record MATCHES "name: 'consumer'")
   message(FATAL_ERROR "the consumer wrote: ${record}")
+endif()
+
+# The viewer's parts read what the library wrote.
+if(NODE)
+  file(READ ${WORK}/installed/share/kexlib/profile_viewer.html page LIMIT 1000)
+  if(NOT page MATCHES "Content-Security-Policy")
+    message(FATAL_ERROR "the installed page begins with: ${page}")
+  endif()
+  run(${NODE} ${WORK}/installed/share/kexlib/profile_tool.mjs csv consumer.js -o consumer.csv)
+  file(READ ${WORK}/consumer.csv figures)
+  if(NOT figures MATCHES "\"consumer\",1,0,")
+    message(FATAL_ERROR "the viewer's program read: ${figures}")
+  endif()
 endif()

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <psapi.h>
 #include <winternl.h>
 
 #include <cstring>
@@ -63,8 +62,8 @@ int count_kernel_handles() {
   std::vector<char> buffer(1 << 20);
   ULONG needed;
   NTSTATUS status;
-  while ((status = NtQuerySystemInformation(system_handle_information, buffer.data(),
-                                            static_cast<ULONG>(buffer.size()), &needed)) == too_small)
+  while ((status = NtQuerySystemInformation(system_handle_information, buffer.data(), static_cast<ULONG>(buffer.size()),
+                                            &needed)) == too_small)
     buffer.resize(buffer.size() * 2);
   if (status) return -1;
   auto* table = reinterpret_cast<const HandleTable*>(buffer.data());
@@ -85,9 +84,15 @@ int count_windows() {
   return count;
 }
 
-size_t count_memory() {
-  PROCESS_MEMORY_COUNTERS_EX counters = {};
-  counters.cb = sizeof counters;
-  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  return counters.PrivateUsage;
+int count_heap_blocks() {
+  HANDLE heaps[64];
+  DWORD heap_count = GetProcessHeaps(64, heaps);
+  int count = 0;
+  for (DWORD i = 0; i < heap_count; ++i) {
+    HeapLock(heaps[i]);
+    PROCESS_HEAP_ENTRY entry = {};
+    while (HeapWalk(heaps[i], &entry)) count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
+    HeapUnlock(heaps[i]);
+  }
+  return count;
 }

@@ -14,8 +14,8 @@ int count_kernel_handles();
 // The top-level windows of this thread; the system's own helper windows ("IME" and the like) are not counted.
 int count_windows();
 
-// Bytes that the process has taken for itself.
-size_t count_memory();
+// Blocks of the heaps of this process: what its modules and the system's hold in memory.
+int count_heap_blocks();
 
 struct ResourceCounts {
   int gdi_objects = count_gdi_objects();

@@ -103,6 +103,11 @@ TEST(TipName, IsInTheCodePageOfTheThread) {
   EXPECT_EQ(japanese, "\x83\x5c - Upper  [ D 0.5000 \x95\x5c ]");
 }
 
+TEST(TipName, NarrowsAsTheFrameworkDoes) {
+  for (const wchar_t* text : {L"plain", L"\u00e4", L"a\u00e4", L"\u30bd and more"})
+    EXPECT_EQ((Parts{.name = text, .sub_name = {}, .show_names = true}.text()), std::string(CW2A(text)) + " ") << text;
+}
+
 TEST(TipName, ReadsItsTextsOnly) {
   Parts parts{.show_ab = true, .show_d = true, .show_names = true, .show_number = true};
   parts.text();

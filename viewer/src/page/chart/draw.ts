@@ -1,0 +1,230 @@
+// Draws a chart. Whatever the record's size, a row costs no more than a few searches for each pixel: what is narrower
+// than a pixel is drawn as one with its neighbours.
+import type { Range } from '../../record/statistics';
+import type { ChartColors } from '../colors';
+import { formatPoint, oneLine } from '../format';
+import type { Row } from '../../record/profile';
+import { ticks } from './axis';
+import { axisHeight, lowerBound, lowerBoundNear, rowHeight, titleHeight, type Place } from './layout';
+import type { Chart } from './model';
+
+export interface Look {
+  chart: Chart;
+  places: readonly Place[];
+  range: Range;
+  scroll: number;
+  width: number;
+  height: number;
+  /** By name. */
+  boxColors: readonly string[];
+  colors: ChartColors;
+  /** Names that were searched for: 1 by name; undefined if nothing was. */
+  matches: Uint8Array | undefined;
+  selected: number | undefined;
+  selectedName: number | undefined;
+  hovered: number | undefined;
+  currentLane: number | undefined;
+  font: string;
+}
+
+const boxHeight = rowHeight - 1;
+/** Narrower boxes are drawn one pixel wide. */
+const narrowest = 2;
+
+export function drawChart(context: CanvasRenderingContext2D, look: Look): void {
+  const { colors, width, height } = look;
+  context.fillStyle = colors.background;
+  context.fillRect(0, 0, width, height);
+  context.textBaseline = 'middle';
+  const { at, step } = ticks(look.range.from, look.range.to, width);
+  const x = (time: number) => ((time - look.range.from) / (look.range.to - look.range.from)) * width;
+
+  context.fillStyle = colors.line;
+  for (const tick of at) context.fillRect(Math.round(x(tick)), axisHeight, 1, height);
+
+  context.save();
+  context.beginPath();
+  context.rect(0, axisHeight, width, height - axisHeight);
+  context.clip();
+  for (const place of look.places) {
+    const top = place.top - look.scroll + axisHeight;
+    const bottom = place.bottom - look.scroll + axisHeight;
+    if (bottom < axisHeight || top > height) continue;
+    const lane = look.chart.lanes[place.lane]!;
+    const firstRow = Math.max(0, Math.floor((axisHeight - top - titleHeight) / rowHeight));
+    for (let row = firstRow; row < lane.rows.length; ++row) {
+      const y = top + titleHeight + row * rowHeight;
+      if (y > height) break;
+      drawRow(context, look, lane.rows[row]!, y);
+    }
+    drawTitle(context, look, place, Math.max(top, Math.min(axisHeight, bottom - titleHeight)));
+  }
+  context.restore();
+
+  context.fillStyle = colors.lane;
+  context.fillRect(0, 0, width, axisHeight);
+  context.fillStyle = colors.muted;
+  context.font = look.font;
+  for (const tick of at) {
+    const left = Math.round(x(tick));
+    context.fillRect(left, axisHeight - 5, 1, 5);
+    context.fillText(formatPoint(tick, step), left + 4, axisHeight / 2);
+  }
+}
+
+function drawTitle(context: CanvasRenderingContext2D, look: Look, place: Place, top: number): void {
+  const lane = look.chart.lanes[place.lane]!;
+  const { colors } = look;
+  const current = place.lane === look.currentLane;
+  context.fillStyle = colors.lane;
+  context.fillRect(0, top, look.width, titleHeight - 2);
+  if (current) {
+    context.fillStyle = colors.accent;
+    context.fillRect(0, top, 3, titleHeight - 2);
+  }
+  context.font = `600 ${look.font}`;
+  context.fillStyle = colors.text;
+  const title = oneLine(lane.title);
+  context.fillText(title, 8, top + titleHeight / 2 - 1);
+  const after = 8 + context.measureText(title).width + 10;
+  context.font = look.font;
+  context.fillStyle = colors.muted;
+  context.fillText(lane.note, after, top + titleHeight / 2 - 1);
+}
+
+function drawRow(context: CanvasRenderingContext2D, look: Look, row: Row, y: number): void {
+  const { chart, range, width } = look;
+  const { begin, end } = chart;
+  const stop = row.first + row.count;
+  const scale = width / (range.to - range.from);
+  const pixel = 1 / scale;
+  const labelled: number[] = [];
+
+  // Neighbouring pixels of one colour are filled at once.
+  let runColor = '';
+  let runFrom = 0;
+  let runTo = 0;
+  const fill = (from: number, to: number, color: string) => {
+    if (color === runColor && from <= runTo) {
+      runTo = to;
+      return;
+    }
+    if (runTo > runFrom) {
+      context.fillStyle = runColor;
+      context.fillRect(runFrom, y, runTo - runFrom, boxHeight);
+    }
+    [runFrom, runTo, runColor] = [from, to, color];
+  };
+
+  for (let box = lowerBound(end, row.first, stop, range.from); box < stop && begin[box]! <= range.to;) {
+    const left = (begin[box]! - range.from) * scale;
+    const right = (end[box]! - range.from) * scale;
+    if (right - left >= narrowest) {
+      const from = Math.max(left, -2);
+      const to = Math.min(right, width + 2);
+      fill(from, Math.max(to - 0.75, from + 1), colorOf(look, box));
+      labelled.push(box);
+      ++box;
+      continue;
+    }
+    // The pixels are counted from time 0, so that what is drawn does not change while the chart is moved.
+    const place = Math.floor(begin[box]! / pixel);
+    let next = Math.max(lowerBoundNear(begin, box, stop, (place + 1) * pixel), box + 1);
+    if (next > box + 1 && (end[next - 1]! - begin[next - 1]!) * scale >= narrowest) --next;
+    const at = Math.round(place - range.from * scale);
+    fill(at, at + 1, colorOf(look, box, next));
+    box = next;
+  }
+  fill(0, 0, '');
+
+  for (const box of labelled) drawInside(context, look, box, y, scale);
+
+  const { selected } = look;
+  if (selected !== undefined && selected >= row.first && selected < stop) {
+    if ((end[selected]! - begin[selected]!) * scale >= narrowest) return;
+    context.fillStyle = look.colors.accent;
+    context.fillRect(Math.round((begin[selected]! - range.from) * scale) - 1, y - 1, 3, boxHeight + 2);
+  }
+}
+
+/** Of several boxes in one pixel the first that was searched for, or the first. */
+function colorOf(look: Look, box: number, stop = box + 1): string {
+  const { chart, matches } = look;
+  if (!matches) return look.boxColors[chart.nameOf(box)]!;
+  const last = Math.min(stop, box + 64);
+  for (let at = box; at < last; ++at) {
+    const name = chart.nameOf(at);
+    if (matches[name]) return look.boxColors[name]!;
+  }
+  return look.colors.faded;
+}
+
+/** What a box has on its area: hatching, its name, a frame. */
+function drawInside(
+  context: CanvasRenderingContext2D,
+  look: Look,
+  box: number,
+  y: number,
+  scale: number,
+): void {
+  const { chart, colors, range, width } = look;
+  const left = (chart.begin[box]! - range.from) * scale;
+  const right = (chart.end[box]! - range.from) * scale;
+  const from = Math.max(left, 0);
+  const room = Math.min(right, width) - from;
+  if (chart.isOpen(box)) hatch(context, colors.hatch, from, y, room);
+  const name = chart.nameOf(box);
+  if (box === look.selected || box === look.hovered || name === look.selectedName) {
+    context.strokeStyle = box === look.selected ? colors.accent : colors.text;
+    context.lineWidth = box === look.selected ? 2 : 1;
+    context.strokeRect(left + 1, y + 1, right - left - 2, boxHeight - 2);
+  }
+  if (room < 24) return;
+  context.font = look.font;
+  context.fillStyle = look.matches && !look.matches[name] ? colors.muted : colors.boxText;
+  const text = shortened(context, oneLine(chart.names[name]!), room - 8, look.font);
+  if (text) context.fillText(text, from + 4, y + boxHeight / 2 + 0.5);
+}
+
+function hatch(
+  context: CanvasRenderingContext2D,
+  color: string,
+  left: number,
+  top: number,
+  width: number,
+): void {
+  context.save();
+  context.beginPath();
+  context.rect(left, top, width, boxHeight);
+  context.clip();
+  context.strokeStyle = color;
+  context.lineWidth = 3;
+  context.beginPath();
+  for (let at = left - (left % 9) - 18; at < left + width; at += 9) {
+    context.moveTo(at, top + boxHeight);
+    context.lineTo(at + boxHeight, top);
+  }
+  context.stroke();
+  context.restore();
+}
+
+const widths = new Map<string, number>();
+
+function widthOf(context: CanvasRenderingContext2D, text: string, font: string): number {
+  const key = font + text;
+  let width = widths.get(key);
+  if (width === undefined) {
+    if (widths.size > 50_000) widths.clear();
+    widths.set(key, (width = context.measureText(text).width));
+  }
+  return width;
+}
+
+/** The text, or as much of its beginning as there is room for; nothing if that is not even a few letters. */
+function shortened(context: CanvasRenderingContext2D, text: string, room: number, font: string): string {
+  const known = text.length > 200 ? text.slice(0, 200) + '…' : text;
+  const width = widthOf(context, known, font);
+  if (width <= room) return known;
+  const letters = Math.floor((known.length * room) / width) - 1;
+  return letters >= 2 ? known.slice(0, letters) + '…' : '';
+}

@@ -1,0 +1,101 @@
+import { chartColors, boxColors } from '../colors';
+import * as state from '../state';
+import { useCanvas } from './canvas';
+import { lowerBound, lowerBoundNear } from './layout';
+import type { Chart } from './model';
+
+/** Rows of each lane that are shown; below them it is too small to be seen. */
+const depths = 4;
+
+/** The whole record as a strip; the range in view can be moved, and chosen by dragging. */
+export function Minimap() {
+  const { timeline, timelineModel } = state;
+  let picture: { canvas: OffscreenCanvas; key: unknown[] } | undefined;
+
+  const canvas = useCanvas((context, width, height) => {
+    const chart = timelineModel.value;
+    if (!chart) return;
+    const last = state.profile.value!.last || 1;
+    const dark = state.darkNow.value;
+    const key = [chart, width, height, dark];
+    if (!picture || key.some((part, index) => part !== picture!.key[index]))
+      picture = { canvas: paint(chart, last, width, height, dark), key };
+    const colors = chartColors(dark);
+    context.drawImage(picture.canvas, 0, 0, width, height);
+    const { from, to } = timeline.range.value;
+    const left = (from / last) * width;
+    const right = Math.max((to / last) * width, left + 2);
+    context.globalAlpha = 0.72;
+    context.fillStyle = colors.background;
+    context.fillRect(0, 0, left, height);
+    context.fillRect(right, 0, width - right, height);
+    context.globalAlpha = 1;
+    context.fillStyle = colors.accent;
+    context.fillRect(left - 1, 0, 2, height);
+    context.fillRect(right - 1, 0, 2, height);
+  });
+
+  const onPointerDown = (event: PointerEvent) => {
+    if (event.button !== 0) return;
+    const element = canvas.current!;
+    element.setPointerCapture(event.pointerId);
+    const last = state.profile.value!.last || 1;
+    const timeAt = (x: number) =>
+      (Math.min(Math.max(x, 0), element.clientWidth) / element.clientWidth) * last;
+    const start = timeAt(event.offsetX);
+    const range = timeline.range.value;
+    const inside = start > range.from && start < range.to && range.to - range.from < last * 0.999;
+    const move = (now: PointerEvent) => {
+      const time = timeAt(now.offsetX);
+      if (inside) timeline.show(range.from + time - start, range.to + time - start);
+      else if (Math.abs(now.offsetX - event.offsetX) > 3)
+        timeline.show(Math.min(start, time), Math.max(start, time));
+    };
+    const up = () => {
+      element.removeEventListener('pointermove', move);
+      element.removeEventListener('pointerup', up);
+    };
+    element.addEventListener('pointermove', move);
+    element.addEventListener('pointerup', up);
+  };
+
+  return (
+    <canvas
+      ref={canvas}
+      class="minimap"
+      role="img"
+      aria-label="Overview of the whole record; drag to choose the range in view"
+      onPointerDown={onPointerDown}
+      onDblClick={() => timeline.all()}
+    />
+  );
+}
+
+function paint(chart: Chart, last: number, width: number, height: number, dark: boolean): OffscreenCanvas {
+  const ratio = devicePixelRatio;
+  const canvas = new OffscreenCanvas(Math.max(1, width * ratio), Math.max(1, height * ratio));
+  const context = canvas.getContext('2d', { alpha: false })!;
+  context.scale(ratio, ratio);
+  const names = boxColors(chart.names, dark);
+  context.fillStyle = chartColors(dark).background;
+  context.fillRect(0, 0, width, height);
+  const used = chart.lanes.filter((lane) => lane.rows.length > 0);
+  const laneHeight = height / Math.max(used.length, 1);
+  const scale = width / last;
+  used.forEach((lane, index) => {
+    const shown = Math.min(lane.rows.length, depths);
+    const rowHeight = Math.max((laneHeight * 0.85) / shown, 1);
+    lane.rows.slice(0, shown).forEach((row, depth) => {
+      const stop = row.first + row.count;
+      const y = index * laneHeight + depth * rowHeight;
+      for (let box = lowerBound(chart.end, row.first, stop, 0); box < stop;) {
+        const left = chart.begin[box]! * scale;
+        const right = chart.end[box]! * scale;
+        context.fillStyle = names[chart.nameOf(box)]!;
+        context.fillRect(left, y, Math.max(right - left, 1), rowHeight);
+        box = Math.max(lowerBoundNear(chart.begin, box, stop, (Math.floor(left) + 1) / scale), box + 1);
+      }
+    });
+  });
+  return canvas;
+}

@@ -1,0 +1,108 @@
+import { calleesOf, callersOf, type NameRow, type Relative } from '../record/statistics';
+import { formatCount, formatShare, formatTime, oneLine } from './format';
+import { goToLongest } from './navigation';
+import * as state from './state';
+import { Table, type Column } from './table';
+
+const time = (id: keyof NameRow & string, title: string, hint: string): Column<NameRow> => ({
+  id,
+  title,
+  hint,
+  value: (row) => row[id],
+  show: (row) => formatTime(row[id]),
+});
+
+const columns: Column<NameRow>[] = [
+  {
+    id: 'name',
+    title: 'Name',
+    value: (row) => state.names.value[row.name]!,
+    show: (row) => oneLine(state.names.value[row.name]!),
+  },
+  {
+    id: 'count',
+    title: 'Count',
+    hint: 'How often it was open',
+    value: (row) => row.count,
+    show: (row) => (
+      <>
+        {formatCount(row.count)}
+        {row.open > 0 && <small title="never closed; left out of the averages"> {row.open} open</small>}
+      </>
+    ),
+  },
+  time('total', 'Total', 'Time inside, with what it calls'),
+  time('self', 'Self', 'Time inside, without the blocks in it'),
+  time('mean', 'Mean', 'Of the closed intervals'),
+  time('median', 'Median', 'Half of the closed intervals are shorter'),
+  time('min', 'Min', 'The shortest closed interval'),
+  time('max', 'Max', 'The longest closed interval'),
+  time('deviation', 'Deviation', 'Standard deviation of the closed intervals'),
+];
+
+export function StatisticsView() {
+  return (
+    <div class="statistics">
+      <Table
+        label="Statistics by name"
+        rows={state.statistics.value}
+        columns={columns}
+        sortedBy="self"
+        textOf={(row) => state.names.value[row.name]!}
+        filter={state.search.value}
+        isSelected={(row) => row.name === state.selectedName.value}
+        onSelect={(row) => state.select(row.name, undefined)}
+        onOpen={(row) => goToLongest(row.name)}
+        empty={
+          state.search.value ? 'No name holds what is searched for.' : 'No interval lies wholly in the range.'
+        }
+      />
+      <Sandwich />
+    </div>
+  );
+}
+
+/** Who calls the selected name, and what it calls. */
+function Sandwich() {
+  const profile = state.profile.value;
+  const name = state.selectedName.value;
+  if (!profile || name === undefined)
+    return <aside class="sandwich hint">Select a name to see who calls it and what it calls.</aside>;
+  return (
+    <aside class="sandwich">
+      <Relatives title="Callers" rows={callersOf(profile, name, state.selection.value)} />
+      <h3 class="middle">{oneLine(state.names.value[name]!)}</h3>
+      <Relatives title="Callees" rows={calleesOf(profile, name, state.selection.value)} />
+    </aside>
+  );
+}
+
+/** More would not be read. */
+const mostRelatives = 200;
+
+function Relatives({ title, rows }: { title: string; rows: Relative[] }) {
+  const whole = rows.reduce((sum, row) => sum + row.total, 0);
+  return (
+    <section aria-label={title}>
+      <h3>{title}</h3>
+      {rows.length === 0 && <p class="hint">none</p>}
+      <ul>
+        {rows.slice(0, mostRelatives).map((row) => (
+          <li>
+            {row.name < 0 ? (
+              <span class="hint">top of the thread</span>
+            ) : (
+              <button onClick={() => state.select(row.name, undefined)}>
+                {oneLine(state.names.value[row.name]!)}
+              </button>
+            )}
+            <span class="number">{formatTime(row.total)}</span>
+            <span class="number">{formatShare(row.total, whole)}</span>
+            <span class="number">{formatCount(row.count)}</span>
+          </li>
+        ))}
+      </ul>
+      {rows.length > mostRelatives && <p class="hint">and {formatCount(rows.length - mostRelatives)} more</p>}
+    </section>
+  );
+}
