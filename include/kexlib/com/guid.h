@@ -36,7 +36,7 @@ class KEXLIB_API kexGUID {
   kexGUID(const GUID& value);
 
   /// set_str(text); texts without braces.
-  kexGUID(const ATL::CString& text);
+  kexGUID(const CString& text);
 
   /// set_BSTR(text); texts without braces.
   kexGUID(wchar_t* text);
@@ -67,7 +67,7 @@ class KEXLIB_API kexGUID {
   GUID get_GUID() const;
 
   /// The value as text, with braces or without. Assigns one like get_GUID.
-  ATL::CString get_str() const;
+  CString get_str() const;
 
   /// The same as a BSTR.
   ATL::CComBSTR get_BSTR() const;
@@ -76,7 +76,7 @@ class KEXLIB_API kexGUID {
   void get_BSTR(wchar_t** out) const;
 
   /// A new GUID as text without braces.
-  static ATL::CString make_new();
+  static CString make_new();
 
   /// Back to "not assigned"; the form stays.
   void reset();
@@ -86,7 +86,7 @@ class KEXLIB_API kexGUID {
 
   /// Reads the value from text with or without braces; the form stays. A text that begins with a brace is taken as it
   /// is, so it has to end in one too. Widened in the calling thread's code page.
-  void set_str(const ATL::CString& text);
+  void set_str(const CString& text);
 
   /// The same from wide text, ended by a zero; not null.
   void set_BSTR(wchar_t* text);

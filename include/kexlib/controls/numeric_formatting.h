@@ -49,17 +49,17 @@ class KEXLIB_API kexNumberFormatting {
   /// The value rounded half away from zero to `decimal_places` and printed with as many, in the locale that the C
   /// run-time library has set for numbers (setlocale). Negative places round to tens, hundreds and so on. A value that
   /// rounds to nothing from below is "-0".
-  ATL::CStringA format_double(double value);
+  CStringA format_double(double value);
 
   /// The value converted, then as format_double. Inches to millimetres multiplies by 25.4, the other way divides; equal
   /// units and every other pair leave the value alone.
-  ATL::CStringA format_double_with_units(double value);
+  CStringA format_double_with_units(double value);
 
   /// As format_double, with `neutral_decimal_places`. The locale counts here too.
-  ATL::CStringA format_neutral_double(double value);
+  CStringA format_neutral_double(double value);
 
  private:
-  ATL::CStringA format_double(double value, int digits);
+  CStringA format_double(double value, int digits);
 
   int decimal_places;
   int neutral_decimal_places;
@@ -84,15 +84,15 @@ class KEXLIB_API kexNumericFormatting {
   /// returns it. A null control is none: the text is returned all the same. The text is cut at 259 characters before
   /// the separator is put in; only values above 1e200 and more than 250 digits are that long. A null or empty separator
   /// leaves the point out.
-  static ATL::CStringA putValue(WTL::CEditT<ATL::CWindow>* edit, double value, const char* separator, long digits);
+  static CStringA putValue(WTL::CEditT<ATL::CWindow>* edit, double value, const char* separator, long digits);
 
   /// The same without the value's sign, unless `allow_negative`; a negative zero stays.
-  static ATL::CStringA putValue(WTL::CEditT<ATL::CWindow>* edit, double value, bool allow_negative,
-                                const char* separator, long digits);
+  static CStringA putValue(WTL::CEditT<ATL::CWindow>* edit, double value, bool allow_negative, const char* separator,
+                           long digits);
 
   /// The user's decimal separator (GetLocaleInfoA, LOCALE_SDECIMAL), which may be longer than a character; "." if there
   /// is none.
-  static ATL::CStringA get_decimal_seperator();
+  static CStringA get_decimal_seperator();
 };
 
 #endif

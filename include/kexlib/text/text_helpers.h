@@ -19,10 +19,10 @@
 /// Puts `replacement` in the place of each of * ? " < > | in the text: what a whole path may not contain. The length
 /// stays; control characters, and dots and blanks at the end, stay too. Second bytes of double-byte characters, of the
 /// code page that the C run-time library has set (_setmbcp), are no characters of their own.
-KEXLIB_API void kex_replace_forbidden_symbols(ATL::CString& text, char replacement);
+KEXLIB_API void kex_replace_forbidden_symbols(CString& text, char replacement);
 
 /// The same, and each of / \ : too: what a file name may not contain.
-KEXLIB_API void kex_replace_forbidden_symbols_strict(ATL::CString& text, char replacement);
+KEXLIB_API void kex_replace_forbidden_symbols_strict(CString& text, char replacement);
 
 /// Appends " (64-bit)" to the text, each time. The first argument is not read.
 KEXLIB_API void kex_append_product_bitness(void* context, bzString& text);

@@ -24,8 +24,8 @@
 /// that is set (exact digits, ties to even, "inf", "nan"); for A and B, what it was when the value first came counts,
 /// since each value's text is kept for as long as the library is loaded. 0 and -0 are one value, NaN is a new one each
 /// time. Running out of memory throws MFC's memory exception or std::bad_alloc.
-KEXLIB_API ATL::CStringA atl_smart_tip_name_from_parts(ATL::CComBSTR& name, long number, ATL::CComBSTR& subName,
-                                                       double a, double b, ATL::CComBSTR& dText, double d, bool showAB,
-                                                       bool showD, bool showNames, bool showNumber);
+KEXLIB_API CStringA atl_smart_tip_name_from_parts(ATL::CComBSTR& name, long number, ATL::CComBSTR& subName, double a,
+                                                  double b, ATL::CComBSTR& dText, double d, bool showAB, bool showD,
+                                                  bool showNames, bool showNumber);
 
 #endif
