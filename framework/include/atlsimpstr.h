@@ -145,14 +145,14 @@ class CSimpleStringT {
     else
       return lstrlenW(text);
   }
+  // Whether a text begins in this string's own.
+  bool is_inside(PCXSTR text) const { return text >= GetString() && text <= GetString() + GetLength(); }
   static size_t bytes(int length) { return static_cast<size_t>(length) * sizeof(XCHAR); }
   static void check(bool holds) {
     if (!holds) AtlThrow(E_INVALIDARG);
   }
 
  private:
-  bool is_inside(PCXSTR text) const { return text >= GetString() && text <= GetString() + GetLength(); }
-
   // Gives this string a buffer of its own that holds its text and has this room at least.
   void fork(int room) {
     if (room < GetLength()) room = GetLength();

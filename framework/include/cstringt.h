@@ -174,6 +174,8 @@ class CStringT : public CSimpleStringT<BaseType> {
   int Replace(PCXSTR oldText, PCXSTR newText) {
     int oldLength = Base::length_of(oldText);
     if (!oldLength) return 0;
+    if (Base::length_of(newText) == oldLength && !this->is_inside(oldText) && !this->is_inside(newText))
+      return overwrite(oldText, newText, oldLength);
     int count = 0, done = 0;
     CStringT result;
     for (int at; (at = Find(oldText, done)) >= 0; done = at + oldLength) {
@@ -237,6 +239,14 @@ class CStringT : public CSimpleStringT<BaseType> {
     if (start < 0 || start > this->GetLength()) return -1;
     PCXSTR found = search(this->GetString() + start);
     return found ? static_cast<int>(found - this->GetString()) : -1;
+  }
+
+  // Where nothing moves, no second buffer is needed.
+  int overwrite(PCXSTR oldText, PCXSTR newText, int length) {
+    int count = 0;
+    for (int at = 0; (at = Find(oldText, at)) >= 0; at += length, ++count)
+      std::memcpy(this->GetBuffer() + at, newText, static_cast<size_t>(length) * sizeof(XCHAR));
+    return count;
   }
 
   void convert(PCYSTR text, int length) {

@@ -15,6 +15,7 @@ bool ending = false;
 }  // namespace
 
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
+constinit NumberTexts tip_numbers;
 
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 
@@ -29,5 +30,6 @@ bool kexlib::module::process_is_ending() { return ending; }
 // Runs before the objects are released.
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
   if (reason == DLL_PROCESS_DETACH) kexlib::module::ending = process_ends != nullptr;
+  if (kexlib::module::ending) kexlib::module::tip_numbers.abandon();
   return TRUE;
 }

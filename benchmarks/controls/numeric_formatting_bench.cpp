@@ -1,0 +1,69 @@
+#include <kexlib/controls/numeric_formatting.h>
+
+#include <support/bench.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace {
+
+constexpr int texts = 100000;
+
+class Formatting : public kexNumberFormatting {
+ public:
+  Formatting() : kexNumberFormatting(3, 3, KRV_Inches, KRV_Inches) {}
+  CStringA text(double value) { return format_double(value); }
+};
+
+// Works on values as controls show them.
+template <class Work>
+double nanoseconds_a_value(int count, Work work) {
+  int i = 0;
+  return bench::nanoseconds_each(count, [&] { work((++i % 200000 - 100000) * 0.0377); });
+}
+
+}  // namespace
+
+void measure_number_text() {
+  static char buffer[512];
+  bench::Comparison format("a number as text, three digits");
+  format.add("snprintf", [] {
+    return nanoseconds_a_value(texts, [](double value) { std::snprintf(buffer, sizeof buffer, "%.*f", 3, value); });
+  });
+  format.add("putValue, no control", [] {
+    return nanoseconds_a_value(texts, [](double value) { kexNumericFormatting::putValue(nullptr, value, ",", 3); });
+  });
+  format.add("format_double", [] {
+    static Formatting formatting;
+    return nanoseconds_a_value(texts, [](double value) { formatting.text(value); });
+  });
+  format.run();
+  bench::at_most("T7", 1.2, format.ratio("putValue, no control", "snprintf"), "putValue, in one snprintf");
+  bench::at_most("T7", 1.2, format.ratio("format_double", "snprintf"), "format_double, in one snprintf");
+
+  // A real control, since there is no other way in; what it takes to get at its text is measured beside.
+  constexpr int reads = 2000;
+  const HWND window = CreateWindowA("EDIT", "1234.5678", WS_POPUP, 0, 0, 100, 20, nullptr, nullptr, nullptr, nullptr);
+  static WTL::CEditT<CWindow> edit(window);
+  const auto line = [] {
+    edit.GetLine(0, buffer, 260);
+    return 0.0;
+  };
+  bench::Comparison read("a number read from a control");
+  read.add("line, locale, _strtod_l, locale freed", [=] {
+    return bench::nanoseconds_each(reads, [=] {
+      line();
+      const _locale_t neutral = _create_locale(LC_NUMERIC, "C");
+      _strtod_l(buffer, nullptr, neutral);
+      _free_locale(neutral);
+    });
+  });
+  read.add("getValue",
+           [] { return bench::nanoseconds_each(reads, [] { kexNumericFormatting::getValue(&edit, "."); }); });
+  read.run();
+  bench::at_most("T7", 1.05, read.ratio("getValue", "line, locale, _strtod_l, locale freed"),
+                 "getValue, in what it calls");
+  DestroyWindow(window);
+}

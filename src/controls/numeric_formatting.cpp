@@ -1,0 +1,104 @@
+#include <kexlib/controls/numeric_formatting.h>
+
+#include <module/fixed_text.h>
+#include <neutralfmt/vsprintf.h>
+#include <qzutils/round.h>
+
+#include <clocale>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+
+using namespace kexlib;
+
+namespace {
+
+constexpr double millimetres_per_inch = 25.4;
+constexpr int line_length = 260;
+
+// Formats in the "C" locale. A text of 260 characters or more is cut.
+int neutral_format(CStringA& text, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int length = NEUTRAL_FMT::vsprintf(text.GetBuffer(line_length), line_length, format, arguments);
+  va_end(arguments);
+  text.ReleaseBuffer();
+  return length;
+}
+
+double parse(const char* text) {
+  const _locale_t neutral = _create_locale(LC_NUMERIC, "C");
+  const double value = _strtod_l(text, nullptr, neutral);
+  _free_locale(neutral);
+  return value;
+}
+
+// Not std::fabs: a negative zero stays one.
+double without_sign(double value) { return value < 0 ? -value : value; }
+
+}  // namespace
+
+kexNumberFormatting::kexNumberFormatting(int decimals, int neutral_decimals, KRV_Units from, KRV_Units to)
+    : decimal_places(decimals), neutral_decimal_places(neutral_decimals), from_units(from), to_units(to) {}
+
+void kexNumberFormatting::set_from_units(KRV_Units units) { from_units = units; }
+
+void kexNumberFormatting::set_to_units(KRV_Units units) { to_units = units; }
+
+CStringA kexNumberFormatting::format_double(double value) { return format_double(value, decimal_places); }
+
+CStringA kexNumberFormatting::format_double_with_units(double value) {
+  if (from_units == KRV_Inches && to_units == KRV_Millimetres)
+    value *= millimetres_per_inch;
+  else if (from_units == KRV_Millimetres && to_units == KRV_Inches)
+    value /= millimetres_per_inch;
+  return format_double(value, decimal_places);
+}
+
+// "Neutral" is what the text is for; it is formatted as the others are, locale and all.
+CStringA kexNumberFormatting::format_neutral_double(double value) {
+  return format_double(value, neutral_decimal_places);
+}
+
+CStringA kexNumberFormatting::format_double(double value, int digits) {
+  return module::fixed_text(qzuRound::round_to(value, digits), digits);
+}
+
+double kexNumericFormatting::getValue(const WTL::CEditT<CWindow>* edit, const char* separator) {
+  CStringA text;
+  if (edit) {
+    // The control ends the text with nothing, so it is zeros that it is written over.
+    char* const line = text.GetBuffer(line_length);
+    std::memset(line, 0, line_length + 1);
+    edit->GetLine(0, line, line_length);
+    text.ReleaseBuffer();
+  }
+  text.Replace(separator, ".");
+  return parse(text);
+}
+
+double kexNumericFormatting::getValue(const WTL::CEditT<CWindow>* edit, bool allow_negative, const char* separator) {
+  const double value = getValue(edit, separator);
+  return allow_negative ? value : without_sign(value);
+}
+
+CStringA kexNumericFormatting::putValue(WTL::CEditT<CWindow>* edit, double value, const char* separator, long digits) {
+  CStringA text;
+  neutral_format(text, "%.*lf", static_cast<int>(digits), value);
+  text.Replace(".", separator);
+  if (edit) edit->SetWindowText(text);
+  return text;
+}
+
+CStringA kexNumericFormatting::putValue(WTL::CEditT<CWindow>* edit, double value, bool allow_negative,
+                                        const char* separator, long digits) {
+  return putValue(edit, allow_negative ? value : without_sign(value), separator, digits);
+}
+
+CStringA kexNumericFormatting::get_decimal_seperator() {
+  const int size = GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, nullptr, 0);
+  CStringA separator;
+  GetLocaleInfoA(LOCALE_USER_DEFAULT, LOCALE_SDECIMAL, separator.GetBuffer(size), size);
+  separator.ReleaseBuffer();
+  return separator.IsEmpty() ? CStringA(".") : separator;
+}

@@ -1,0 +1,11 @@
+#include <atlbase.h>
+#include <module/widened.h>
+
+BSTR kexlib::module::widened(const char* text) {
+  if (!text) return nullptr;
+  const int size = MultiByteToWideChar(CP_THREAD_ACP, 0, text, -1, nullptr, 0);  // with the zero at the end
+  CComBSTR wide;
+  if (size > 0) wide.Attach(SysAllocStringLen(nullptr, static_cast<UINT>(size) - 1));
+  if (!wide || MultiByteToWideChar(CP_THREAD_ACP, 0, text, -1, wide, size) != size) AtlThrow(E_OUTOFMEMORY);
+  return wide.Detach();
+}

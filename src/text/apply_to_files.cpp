@@ -1,0 +1,76 @@
+#include <kexlib/text/apply_to_files.h>
+
+#include <afx.h>
+#include <atlbase.h>
+
+#include <shlobj.h>
+#include <shlwapi.h>
+
+#include <module/widened.h>
+
+using namespace kexlib;
+
+namespace {
+
+// The file that a shortcut stands for; empty where that cannot be told.
+CString shortcut_target(const char* path) {
+  CComPtr<IShellLinkA> link;
+  CComPtr<IPersistFile> file;
+  if (FAILED(link.CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER))) return {};
+  if (FAILED(link.QueryInterface(&file))) return {};
+  CComBSTR wide_path;
+  wide_path.Attach(module::widened(path));
+  if (FAILED(file->Load(wide_path, STGM_READ))) return {};
+  char target[MAX_PATH] = "";
+  if (FAILED(link->GetPath(target, MAX_PATH, nullptr, SLGP_UNCPRIORITY))) return {};
+  return target;
+}
+
+bool is_shortcut(const char* name) { return CString(PathFindExtensionA(name)).CompareNoCase(".lnk") == 0; }
+
+bool is_folder(const char* path) { return PathFileExistsA(path) && PathIsDirectoryA(path); }
+
+bool is_file(const char* path) { return PathFileExistsA(path) && !PathIsDirectoryA(path); }
+
+}  // namespace
+
+int kexApplyToFiles::ignore_directory(const char* const) { return 0; }
+
+long kexApplyToFiles::Apply(const char* directory, const char* pattern, int followShortcuts) {
+  return pattern && is_folder(directory) ? walk(directory, pattern, followShortcuts) : E_INVALIDARG;
+}
+
+// One search a folder, and no other question to the file system: what an entry is, the search has said.
+long kexApplyToFiles::walk(const char* directory, const char* pattern, int followShortcuts) {
+  stop = 0;
+  char mask[MAX_PATH];
+  lstrcpynA(mask, directory, MAX_PATH);
+  if (!PathAppendA(mask, "*.*")) return E_INVALIDARG;
+
+  CFileFind find;
+  if (!find.FindFile(mask)) {
+    const HRESULT failure = AtlHresultFromLastError();
+    return is_folder(directory) ? failure : E_INVALIDARG;  // it may have vanished since it was met
+  }
+  BOOL more;
+  do {
+    more = find.FindNextFile();
+    if (!more && GetLastError() != ERROR_NO_MORE_FILES) return AtlHresultFromLastError();
+    if (find.IsDirectory()) {
+      if (find.IsDots()) continue;
+      const CString folder = find.GetFilePath();
+      if (ignore_directory(folder)) continue;
+      const HRESULT result = walk(folder, pattern, followShortcuts);
+      if (FAILED(result)) return result;
+      continue;
+    }
+    const CString name = find.GetFileName();
+    if (PathMatchSpecA(name, pattern)) {
+      apply_to_file(find.GetFilePath().GetBuffer());
+    } else if (followShortcuts && is_shortcut(name)) {
+      CString target = shortcut_target(find.GetFilePath());
+      if (is_file(target) && PathMatchSpecA(PathFindFileNameA(target), pattern)) apply_to_file(target.GetBuffer());
+    }
+  } while (more && !stop);
+  return S_OK;
+}

@@ -1,0 +1,125 @@
+#include <kexlib/text/text_helpers.h>
+
+#include <emmintrin.h>
+#include <mbctype.h>
+#include <mbstring.h>
+
+#include <atlbase.h>
+#include <module/widened.h>
+
+#include <cstdlib>
+#include <string_view>
+
+using namespace kexlib;
+
+namespace {
+
+constexpr std::string_view not_in_paths = "*?\"<>|";
+constexpr std::string_view not_in_names = "*?\"<>|/\\:";
+
+bool contains(std::string_view characters, char character) { return characters.find(character) != characters.npos; }
+
+// The bytes of a block that are among the characters: all ones; the others zero.
+__m128i among(std::string_view characters, __m128i block) {
+  __m128i found = _mm_setzero_si128();
+  for (const char each : characters) found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(each)));
+  return found;
+}
+
+constexpr int block_size = sizeof(__m128i);
+
+__m128i block_at(const char* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
+
+// Where the first block with one of the characters begins, or the rest that is no whole block.
+int first_block(const char* text, int length, std::string_view characters) {
+  int i = 0;
+  while (i + block_size <= length && !_mm_movemask_epi8(among(characters, block_at(text + i)))) i += block_size;
+  return i;
+}
+
+// Sixteen characters at a time, whether there are any to replace or not: the time depends on the length alone.
+void replace_bytes(char* text, int length, std::string_view characters, char replacement) {
+  const __m128i replacements = _mm_set1_epi8(replacement);
+  int i = 0;
+  for (; i + block_size <= length; i += block_size) {
+    const __m128i block = block_at(text + i), found = among(characters, block);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(text + i),
+                     _mm_or_si128(_mm_and_si128(found, replacements), _mm_andnot_si128(found, block)));
+  }
+  for (; i < length; ++i)
+    if (contains(characters, text[i])) text[i] = replacement;
+}
+
+void replace_characters(char* text, int length, std::string_view characters, char replacement) {
+  for (int i = 0; i < length; ++i) {
+    if (_ismbblead(static_cast<unsigned char>(text[i])) && i + 1 < length)
+      ++i;
+    else if (contains(characters, text[i]))
+      text[i] = replacement;
+  }
+}
+
+bool has_double_bytes(UINT code_page) {
+  CPINFO info;
+  return code_page && GetCPInfo(code_page, &info) && info.MaxCharSize > 1;
+}
+
+void replace(CString& text, std::string_view characters, char replacement) {
+  const int length = text.GetLength();
+  if (has_double_bytes(static_cast<UINT>(_getmbcp())))
+    return replace_characters(text.GetBuffer(), length, characters, replacement);
+  // What is clean is not written, and stays shared with its copies.
+  const int start = first_block(text, length, characters);
+  if (std::string_view(text.GetString() + start, static_cast<std::size_t>(length - start)).find_first_of(characters) ==
+      std::string_view::npos)
+    return;
+  replace_bytes(text.GetBuffer() + start, length - start, characters, replacement);
+}
+
+// What a text refers to, and what it says itself.
+struct Reference {
+  long offset = -1;
+  CString own_text;
+};
+
+Reference read_reference(const CString& text) {
+  const int end = text.GetLength() >= 3 && text[0] == '{' ? text.Find('}') : -1;
+  if (end < 0) return {-1, text};
+  const char* const digits = text.GetString() + 1;
+  char* after = nullptr;
+  const long offset = std::strtol(digits, &after, 10);
+  return {after == digits ? -1 : offset, text.Mid(end + 1)};
+}
+
+bool is_reference_to_variant(VARTYPE type) {
+  // Some other types have these bits too; a copy that is no reference does them no harm.
+  constexpr VARTYPE bits = VT_BYREF | VT_VARIANT;
+  return (type & bits) == bits;
+}
+
+}  // namespace
+
+void kex_replace_forbidden_symbols(CString& text, char replacement) { replace(text, not_in_paths, replacement); }
+
+void kex_replace_forbidden_symbols_strict(CString& text, char replacement) { replace(text, not_in_names, replacement); }
+
+void kex_append_product_bitness(void*, bzString& text) { text << " (64-bit)"; }
+
+long kexLocalizeString(HINSTANCE resources, UINT baseId, VARIANT value, wchar_t** result) {
+  if (!result) return E_POINTER;
+  if (is_reference_to_variant(value.vt)) {
+    CComVariant copy;
+    const HRESULT copied = VariantCopyInd(&copy, &value);
+    return FAILED(copied) ? copied : kexLocalizeString(resources, baseId, copy, result);
+  }
+
+  Reference reference{-1, "** Error **"};
+  if (value.vt == VT_BSTR) reference = read_reference(CString(value.bstrVal));
+  CString loaded;
+  if (reference.offset >= 0 && loaded.LoadString(resources, baseId + static_cast<UINT>(reference.offset))) {
+    *result = module::widened(loaded);
+    return S_OK;
+  }
+  *result = module::widened(reference.own_text);
+  return S_FALSE;
+}

@@ -1,0 +1,64 @@
+// Numbers with one decimal, each made into a text once.
+#include <gtest/gtest.h>
+
+#include <text/number_texts.h>
+
+#include <clocale>
+#include <limits>
+#include <string>
+
+namespace {
+
+using kexlib::NumberTexts;
+
+TEST(NumberTexts, HaveOneDecimal) {
+  NumberTexts numbers;
+  EXPECT_STREQ(numbers.text(1.26), "1.3");
+  EXPECT_STREQ(numbers.text(2), "2.0");
+  EXPECT_STREQ(numbers.text(0.25), "0.2");  // ties to even
+  EXPECT_STREQ(numbers.text(-1e20), "-100000000000000000000.0");
+}
+
+TEST(NumberTexts, AreMadeOnce) {
+  NumberTexts numbers;
+  EXPECT_EQ(numbers.count(), 0u);
+  const char* const first = numbers.text(1.5);
+  EXPECT_EQ(numbers.count(), 1u);
+  for (int i = 0; i < 1000; ++i) numbers.text(i);
+  EXPECT_EQ(numbers.text(1.5).GetString(), first);
+  EXPECT_EQ(numbers.count(), 1001u);
+}
+
+TEST(NumberTexts, AreThoseOfTheFirstTime) {
+  NumberTexts numbers;
+  EXPECT_STREQ(numbers.text(1.5), "1.5");
+  ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);
+  const std::string known = numbers.text(1.5).GetString();
+  const std::string fresh = numbers.text(2.5).GetString();
+  std::setlocale(LC_NUMERIC, "C");
+  EXPECT_EQ(known, "1.5");
+  EXPECT_EQ(fresh, "2,5");
+  EXPECT_STREQ(numbers.text(2.5), "2,5");
+}
+
+TEST(NumberTexts, TakeBothZerosAsOneNumber) {
+  NumberTexts numbers;
+  EXPECT_STREQ(numbers.text(0.0), "0.0");
+  EXPECT_STREQ(numbers.text(-0.0), "0.0");
+  EXPECT_EQ(numbers.count(), 1u);
+  NumberTexts others;
+  EXPECT_STREQ(others.text(-0.0), "-0.0");
+  EXPECT_STREQ(others.text(0.0), "-0.0");
+}
+
+// A NaN is never found again: that is meant.
+TEST(NumberTexts, KeepEachNanAnew) {
+  NumberTexts numbers;
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  EXPECT_STREQ(numbers.text(nan), "nan");
+  EXPECT_STREQ(numbers.text(nan), "nan");
+  EXPECT_EQ(numbers.count(), 2u);
+  EXPECT_STREQ(numbers.text(std::numeric_limits<double>::infinity()), "inf");
+}
+
+}  // namespace
