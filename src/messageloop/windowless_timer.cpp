@@ -126,8 +126,6 @@ CComObjectRootExSTM::CComObjectRootExSTM(const CComObjectRootExSTM&) = default;
 
 CComObjectRootExSTM& CComObjectRootExSTM::operator=(const CComObjectRootExSTM&) = default;
 
-CComObjectRootExSTM::~CComObjectRootExSTM() = default;
-
 ULONG CComObjectRootExSTM::InternalAddRef() { return ++references_; }
 
 ULONG CComObjectRootExSTM::InternalRelease() { return --references_; }

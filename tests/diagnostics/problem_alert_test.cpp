@@ -10,6 +10,7 @@
 
 #include <process.h>
 
+#include <algorithm>
 #include <chrono>
 #include <mutex>
 #include <string>
@@ -130,12 +131,20 @@ TEST_F(ProblemAlertOnScreen, CanBeLookedAt) {
   GetWindowRect(boxes()[0], &place);
   const int width = place.right - place.left, height = place.bottom - place.top;
   const HDC screen = GetDC(nullptr);
-  // Until it has been painted: the title bar and the text make many colours of one.
-  const auto is_painted = [&](const Picture& picture) {
+  // Until its icon, its text and its button are there: each makes many colours of one.
+  std::vector<HWND> parts = children(boxes()[0], "Static");
+  parts.push_back(children(boxes()[0], "Button")[0]);
+  const auto shows = [&](const Picture& picture, HWND part) {
+    RECT rect;
+    GetWindowRect(part, &rect);
+    OffsetRect(&rect, -place.left, -place.top);
     int changes = 0;
-    for (int y = 0; y < height; ++y)
-      for (int x = 1; x < width; ++x) changes += picture.at(x, y) != picture.at(x - 1, y);
-    return changes > 500;
+    for (int y = rect.top; y < rect.bottom; ++y)
+      for (int x = rect.left + 1; x < rect.right; ++x) changes += picture.at(x, y) != picture.at(x - 1, y);
+    return changes > 30;
+  };
+  const auto is_painted = [&](const Picture& picture) {
+    return std::all_of(parts.begin(), parts.end(), [&](HWND part) { return shows(picture, part); });
   };
   EXPECT_TRUE(pump_until([&] {
     Picture picture(width, height, 0);

@@ -110,7 +110,7 @@ class KEXLIB_API CComObjectRootExSTM {
   /// Copies the count.
   CComObjectRootExSTM& operator=(const CComObjectRootExSTM&);
   /// Nothing.
-  ~CComObjectRootExSTM();
+  ~CComObjectRootExSTM() = default;
 
   /// One more; returns the new count.
   ULONG InternalAddRef();
