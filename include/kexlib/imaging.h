@@ -2,10 +2,14 @@
 //
 //   buffer.h          bytes that one thread fills and others wait for
 //   dib.h             a picture of 32 bits a pixel with the effects of owner-drawn buttons
+//   image_list.h      square pictures of the common controls, from resources
+//   static_bitmap.h   a static control that shows a bitmap, and who deletes which
 #ifndef KEXLIB_IMAGING_H
 #define KEXLIB_IMAGING_H
 
 #include <kexlib/imaging/buffer.h>
 #include <kexlib/imaging/dib.h>
+#include <kexlib/imaging/image_list.h>
+#include <kexlib/imaging/static_bitmap.h>
 
 #endif
