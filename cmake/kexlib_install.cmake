@@ -14,9 +14,12 @@ install(
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kexlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-if(NOT KEXLIB_BZBASE_LIBRARY)
-  install(DIRECTORY ${KEXLIB_BZBASE_INCLUDE_DIR}/bzbase DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-endif()
+foreach(companion bzbase pvwnd rqgfx)
+  string(TOUPPER ${companion} name)
+  if(NOT KEXLIB_${name}_LIBRARY)
+    install(DIRECTORY ${KEXLIB_${name}_INCLUDE_DIR}/${companion} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  endif()
+endforeach()
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/kexlib)
 install(

@@ -231,6 +231,7 @@ class CComVariant : public VARIANT {
  private:
   void copied(HRESULT result) {
     if (SUCCEEDED(result)) return;
+    Clear();  // a copy may fail before the old value is let go of
     vt = VT_ERROR;
     scode = result;
     AtlThrow(result);

@@ -268,4 +268,17 @@ TEST(ComVariant, ACopyThatFailsIsThrownAndLeavesTheErrorBehind) {
   EXPECT_EQ(value.scode, thrown);
 }
 
+TEST(ComVariant, ACopyThatFailsLetsGoOfTheOldValue) {
+  CountedObject object;
+  CComVariant value(static_cast<IDispatch*>(&object));
+  VARIANT bad = {};
+  bad.vt = static_cast<VARTYPE>(0x7F);
+  try {
+    value = bad;
+  } catch (COleException* exception) {
+    exception->Delete();
+  }
+  EXPECT_EQ(object.references, 0U);
+}
+
 }  // namespace

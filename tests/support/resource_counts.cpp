@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <psapi.h>
 #include <winternl.h>
 
 #include <cstring>
@@ -95,4 +96,11 @@ int count_heap_blocks() {
     HeapUnlock(heaps[i]);
   }
   return count;
+}
+
+size_t count_memory() {
+  PROCESS_MEMORY_COUNTERS_EX counters = {};
+  counters.cb = sizeof counters;
+  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
+  return counters.PagefileUsage;  // PrivateUsage is not told everywhere
 }

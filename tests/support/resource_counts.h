@@ -14,6 +14,9 @@ int count_kernel_handles();
 // The top-level windows of this thread; the system's own helper windows ("IME" and the like) are not counted.
 int count_windows();
 
+// Bytes that the process has taken for itself: too coarse to find small leaks.
+size_t count_memory();
+
 // Blocks of the heaps of this process: what its modules and the system's hold in memory.
 int count_heap_blocks();
 

@@ -1,0 +1,227 @@
+// Rows of pixels, four at a time with SSE2, which every x86-64 processor has.
+#include <imaging/pixel_effects.h>
+
+#include <emmintrin.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <type_traits>
+
+#ifdef _MSC_VER
+#include <intrin.h>
+#endif
+
+namespace kexlib {
+namespace {
+
+constexpr std::size_t lanes = sizeof(__m128i) / sizeof(Pixel);
+
+__m128i all_lanes(Pixel pixel) { return _mm_set1_epi32(static_cast<int>(pixel)); }
+__m128i load(const Pixel* pixels) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels)); }
+void store(Pixel* pixels, __m128i four) { _mm_storeu_si128(reinterpret_cast<__m128i*>(pixels), four); }
+
+__m128i select(__m128i mask, __m128i yes, __m128i no) {
+  return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+}
+
+// Pixels with the key's colour become `even` and `odd` by turns. Whether all had it.
+bool replace(Pixel* pixels, std::size_t count, Pixel key, Pixel even, Pixel odd) {
+  const __m128i keys = all_lanes(key), colors = all_lanes(color_bits);
+  const __m128i pattern = _mm_unpacklo_epi32(all_lanes(even), all_lanes(odd));
+  __m128i all_keys = all_lanes(~Pixel{0});
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const __m128i four = load(pixels + i);
+    const __m128i is_key = _mm_cmpeq_epi32(_mm_and_si128(four, colors), keys);
+    all_keys = _mm_and_si128(all_keys, is_key);
+    store(pixels + i, select(is_key, pattern, four));
+  }
+  bool all = _mm_movemask_epi8(all_keys) == 0xFFFF;
+  for (; i < count; ++i) {
+    if ((pixels[i] & color_bits) == key)
+      pixels[i] = i % 2 == 0 ? even : odd;
+    else
+      all = false;
+  }
+  return all;
+}
+
+struct Channels {
+  int red, green, blue;
+};
+Channels channels_of(ColorRef color) {
+  return {static_cast<int>(color & 0xFF), static_cast<int>(color >> 8 & 0xFF), static_cast<int>(color >> 16 & 0xFF)};
+}
+
+constexpr int red_weight = 77, green_weight = 151, blue_weight = 28;  // of 256
+
+int luminance(Channels color) {
+  return (red_weight * color.red + green_weight * color.green + blue_weight * color.blue) >> 8;
+}
+int luminance_of(Pixel pixel) {
+  return luminance(
+      {static_cast<int>(pixel >> 16 & 0xFF), static_cast<int>(pixel >> 8 & 0xFF), static_cast<int>(pixel & 0xFF)});
+}
+
+// The luminances of four pixels.
+__m128i luminances_of(__m128i four) {
+  const __m128i zero = _mm_setzero_si128();
+  const __m128i weights =
+      _mm_set_epi16(0, red_weight, green_weight, blue_weight, 0, red_weight, green_weight, blue_weight);
+  // Two sums for each pixel: blue and green, then red.
+  const __m128 low = _mm_castsi128_ps(_mm_madd_epi16(_mm_unpacklo_epi8(four, zero), weights));
+  const __m128 high = _mm_castsi128_ps(_mm_madd_epi16(_mm_unpackhi_epi8(four, zero), weights));
+  const __m128i sums = _mm_add_epi32(_mm_castps_si128(_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0))),
+                                     _mm_castps_si128(_mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1))));
+  return _mm_srli_epi32(sums, 8);
+}
+
+using Ramp = std::array<Pixel, 256>;
+
+// from + (to - from) * step / steps for each channel, truncated towards zero. Single precision is exact enough: the
+// quotients are below 256 and, where they are not whole, at least 1/256 away from the next whole number.
+void ramp_part(Pixel* entries, int count, Channels from, Channels to, int first_step, int steps) {
+  const auto divisor = static_cast<float>(steps);
+  for (int i = 0; i < count; ++i) {
+    const auto step = first_step + i;
+    const auto channel = [=](int begin, int end) {
+      return static_cast<Pixel>(begin + static_cast<int>(static_cast<float>((end - begin) * step) / divisor)) & 0xFF;
+    };
+    entries[i] = channel(from.red, to.red) << 16 | channel(from.green, to.green) << 8 | channel(from.blue, to.blue);
+  }
+}
+
+// What each luminance becomes. `middle` is in 1 to 255.
+Ramp make_ramp(Channels dark, Channels mid, Channels light, int middle) {
+  Ramp ramp;
+  ramp_part(ramp.data(), middle, dark, mid, 0, middle);
+  ramp_part(ramp.data() + middle, 256 - middle, mid, light, 0, 256 - middle);
+  return ramp;
+}
+
+}  // namespace
+
+void fill(PixelSpan picture, Pixel pixel) {
+  // The processor's own string store is level with memset on any size; a loop of stores is not.
+#if defined(__GNUC__)
+  Pixel* to = picture.pixels;
+  std::size_t count = picture.count();
+  asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");
+#elif defined(_MSC_VER)
+  __stosd(reinterpret_cast<unsigned long*>(picture.pixels), pixel, picture.count());
+#else
+  std::fill_n(picture.pixels, picture.count(), pixel);
+#endif
+}
+
+bool substitute_key(PixelSpan picture, Pixel substitute) {
+  return replace(picture.pixels, picture.count(), key_pixel, substitute, substitute);
+}
+
+Pixel tint(Pixel pixel, ColorRef dark, ColorRef mid, ColorRef light) {
+  const int middle = luminance(channels_of(mid));
+  const int place = luminance_of(pixel);
+  Pixel result;
+  if (place >= middle)
+    ramp_part(&result, 1, channels_of(mid), channels_of(light), place - middle, 256 - middle);
+  else
+    ramp_part(&result, 1, channels_of(dark), channels_of(mid), place, middle);
+  return result;
+}
+
+void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, ColorRef skip, std::uint8_t threshold) {
+  constexpr Channels grey{128, 128, 128};
+  const Channels middle_color = pixel_of(mid) == 0 ? grey : channels_of(mid);
+  const int middle = threshold ? threshold : luminance(middle_color);
+  if (middle == 0) return;  // almost black, and no ramp leads there
+
+  const Ramp ramp = make_ramp(channels_of(dark), middle_color, channels_of(light), middle);
+  const Pixel skipped = pixel_of(skip);
+  const __m128i keys = all_lanes(skipped), colors = all_lanes(color_bits);
+  const std::size_t count = picture.count();
+  Pixel* const pixels = picture.pixels;
+  const auto entry = [&](__m128i four, auto lane) {
+    return _mm_cvtsi32_si128(static_cast<int>(ramp[static_cast<unsigned>(_mm_extract_epi16(four, 2 * lane()))]));
+  };
+
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) {
+    const __m128i four = load(pixels + i);
+    const __m128i places = luminances_of(four);
+    const __m128i tinted = _mm_unpacklo_epi64(_mm_unpacklo_epi32(entry(places, std::integral_constant<int, 0>()),
+                                                                 entry(places, std::integral_constant<int, 1>())),
+                                              _mm_unpacklo_epi32(entry(places, std::integral_constant<int, 2>()),
+                                                                 entry(places, std::integral_constant<int, 3>())));
+    const __m128i is_key = _mm_cmpeq_epi32(_mm_and_si128(four, colors), keys);
+    store(pixels + i, select(_mm_andnot_si128(is_key, colors), tinted, four));
+  }
+  for (; i < count; ++i)
+    if ((pixels[i] & color_bits) != skipped)
+      pixels[i] = (pixels[i] & ~color_bits) | ramp[static_cast<unsigned>(luminance_of(pixels[i]))];
+}
+
+void stipple(PixelSpan picture, Pixel face, Pixel highlight) {
+  // The margins differ on purpose: two columns on either side, one row at the bottom, two at the top.
+  constexpr int side = 2, bottom = 1, top = 2;
+  if (picture.width <= 2 * side) return;
+  const auto columns = static_cast<std::size_t>(picture.width - 2 * side);
+  for (int y = bottom; y < picture.height - top; ++y) {
+    const bool begins_even = (side + y) % 2 == 0;
+    replace(picture.row(y) + side, columns, face, begins_even ? face : highlight, begins_even ? highlight : face);
+  }
+}
+
+void shift_down_right(PixelSpan picture) {
+  if (picture.width < 2 || picture.height < 2) return;
+  // From the bottom row up: each takes from the row above it before that one is changed.
+  const std::size_t bytes = static_cast<std::size_t>(picture.width - 1) * sizeof(Pixel);
+  for (int y = 0; y + 1 < picture.height; ++y) std::memcpy(picture.row(y) + 1, picture.row(y + 1), bytes);
+}
+
+void merge(PixelSpan picture, const Pixel* other, Pixel face) {
+  const __m128i faces = all_lanes(face);
+  const auto merge_pixels = [&](std::size_t first, std::size_t count) {
+    Pixel* to = picture.pixels + first;
+    const Pixel* from = other + first;
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes) {
+      const __m128i four = load(from + i);
+      store(to + i, select(_mm_cmpeq_epi32(four, faces), load(to + i), four));
+    }
+    for (; i < count; ++i)
+      if (from[i] != face) to[i] = from[i];
+  };
+
+  // The picture is walked as if its width and height were each other's, on purpose: i * width + j, i up to the width
+  // and j up to the height. In a wide picture that is a square at the lower left and then what lies behind the end; in
+  // a high one the runs overlap, and all but the end of the picture is merged.
+  const auto width = static_cast<std::size_t>(picture.width), height = static_cast<std::size_t>(picture.height);
+  if (width > height)
+    for (std::size_t y = 0; y < height; ++y) merge_pixels(y * width, height);
+  else if (width > 0)
+    merge_pixels(0, (width - 1) * width + height);
+}
+
+void draw_edge(PixelSpan picture, const EdgePixels& edge) {
+  const int right = picture.width - 1, top = picture.height - 1;
+  const auto put = [&](int x, int y, Pixel pixel) {
+    if (x >= 0 && x <= right && y >= 0 && y <= top) picture.row(y)[x] = pixel;
+  };
+  // Where two sides meet, the later one wins.
+  for (int y = 1; y <= top; ++y) {
+    put(0, y, edge.left_outer);
+    put(1, y, edge.left_inner);
+    put(right, y - 1, edge.right_outer);
+    put(right - 1, y - 1, edge.right_inner);
+  }
+  for (int x = 0; x <= right; ++x) {
+    if (x > 3) put(x - 2, top - 1, edge.left_inner);
+    put(x + 1, top, edge.top_outer);
+    put(x, 0, edge.bottom_outer);
+    if (x > 2) put(x - 2, 1, edge.right_inner);
+  }
+  put(right, top, edge.corner);
+}
+
+}  // namespace kexlib

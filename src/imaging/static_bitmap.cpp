@@ -1,0 +1,52 @@
+#define _WTL_NO_AUTOMATIC_NAMESPACE
+#include <kexlib/imaging/static_bitmap.h>
+
+#include <afxwin.h>
+#include <atlimage.h>
+
+template <class Static>
+wbzStaticBitmapTemplate<Static>::~wbzStaticBitmapTemplate() {
+  // A copy that the control still shows is left to it, on purpose.
+  if (owned_) DeleteObject(bitmap_);
+}
+
+template <class Static>
+void wbzStaticBitmapTemplate<Static>::SetBitmap(HBITMAP bitmap) {
+  if (owned_) DeleteObject(bitmap_);
+  if (shown_ && shown_ != bitmap_) DeleteObject(shown_);  // the control's copy
+  control_.SetBitmap(bitmap);
+  bitmap_ = bitmap;
+  shown_ = control_.GetBitmap();
+  owned_ = false;
+}
+
+template <class Static>
+void wbzStaticBitmapTemplate<Static>::set_internal_bitmap(HBITMAP bitmap) {
+  SetBitmap(bitmap);
+  if (shown_ != bitmap_) {
+    DeleteObject(bitmap_);
+    bitmap_ = nullptr;
+  } else {
+    owned_ = true;
+  }
+}
+
+template <class Static>
+void wbzStaticBitmapTemplate<Static>::set_bitmap_from_id(UINT id) {
+  HINSTANCE module = AfxFindResourceHandle(MAKEINTRESOURCEA(id), reinterpret_cast<LPCSTR>(RT_BITMAP));
+  set_internal_bitmap(LoadBitmapW(module, MAKEINTRESOURCEW(id)));
+}
+
+template <class Static>
+void wbzStaticBitmapTemplate<Static>::set_bitmap_from_id_given_resources(HINSTANCE module, UINT id) {
+  set_internal_bitmap(LoadBitmapA(module, MAKEINTRESOURCEA(id)));
+}
+
+template <class Static>
+void wbzStaticBitmapTemplate<Static>::set_bitmap_from_file(const char* path) {
+  ATL::CImage image;
+  image.Load(path);
+  set_internal_bitmap(image.Detach());
+}
+
+template class wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;

@@ -1,0 +1,293 @@
+// The static bitmap on a real control of version 6: who deletes which bitmap, and where bitmaps come from.
+#define _WTL_NO_AUTOMATIC_NAMESPACE
+#include <gtest/gtest.h>
+
+#include <kexlib/imaging/static_bitmap.h>
+
+#include <imaging/resources.h>
+#include <support/files.h>
+#include <support/message_pump.h>
+#include <support/picture.h>
+#include <support/resource_counts.h>
+
+#include <objidl.h>
+
+#include <gdiplus.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using StaticBitmap = wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;
+
+// A section of two by two pixels.
+HBITMAP make_bitmap(DWORD pixel) {
+  BITMAPINFO info{};
+  info.bmiHeader = {sizeof(BITMAPINFOHEADER), 2, 2, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+  void* bits = nullptr;
+  HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+  for (int i = 0; i < 4; ++i) static_cast<DWORD*>(bits)[i] = pixel;
+  return bitmap;
+}
+HBITMAP make_plain() { return make_bitmap(0x00102030); }
+HBITMAP make_alpha() { return make_bitmap(0x80102030); }
+
+// Whether it is there and can be used: a deleted one cannot be selected.
+bool is_alive(HBITMAP bitmap) {
+  HDC memory = CreateCompatibleDC(nullptr);
+  HGDIOBJ old = SelectObject(memory, bitmap);
+  if (old) SelectObject(memory, old);
+  DeleteDC(memory);
+  return old != nullptr;
+}
+
+const CLSID bmp_encoder = {0x557cf400, 0x1a04, 0x11d3, {0x9a, 0x73, 0, 0, 0xf8, 0x1e, 0xf3, 0x2e}};
+
+// A file of one colour; the encoders of GDI+ are numbered: bmp 0, jpg 1, tif 5, png 6.
+bool save_image(const wchar_t* path, unsigned encoder, int width, int height, Gdiplus::PixelFormat format) {
+  ULONG_PTR token;
+  Gdiplus::GdiplusStartupInput input;
+  if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return false;
+  bool saved;
+  {
+    Gdiplus::Bitmap image(width, height, format);
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x) image.SetPixel(x, y, Gdiplus::Color(255, 128, 128, 128));
+    CLSID id = bmp_encoder;
+    id.Data1 += encoder;
+    saved = image.Save(path, &id, nullptr) == Gdiplus::Ok;
+  }
+  Gdiplus::GdiplusShutdown(token);
+  return saved;
+}
+
+class StaticBitmapControl : public testing::Test {
+ protected:
+  StaticBitmapControl() {
+    parent_ = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr);
+    window_ = CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE | SS_BITMAP, 10, 10, 50, 50, parent_, nullptr, nullptr,
+                            nullptr);
+  }
+  ~StaticBitmapControl() override { DestroyWindow(parent_); }
+
+  void attach(StaticBitmap* control) { control->get_static().Attach(window_); }
+  HBITMAP shown() const { return reinterpret_cast<HBITMAP>(SendMessageA(window_, STM_GETIMAGE, IMAGE_BITMAP, 0)); }
+  SIZE shown_size() const {
+    BITMAP description{};
+    GetObjectA(shown(), sizeof description, &description);
+    return {description.bmWidth, description.bmHeight};
+  }
+
+  TemporaryFolder folder_;
+  HWND parent_;
+  HWND window_;
+};
+
+TEST_F(StaticBitmapControl, BeginsWithoutAWindow) {
+  StaticBitmap control;
+  EXPECT_EQ(control.get_static().m_hWnd, nullptr);
+}
+
+TEST_F(StaticBitmapControl, APlainBitmapIsShownItselfAndStaysTheCallers) {
+  HBITMAP first = make_plain(), second = make_plain();
+  {
+    StaticBitmap control;
+    attach(&control);
+    control.SetBitmap(first);
+    EXPECT_EQ(shown(), first);
+    control.SetBitmap(second);
+    EXPECT_EQ(shown(), second);
+    EXPECT_TRUE(is_alive(first));
+  }
+  EXPECT_TRUE(is_alive(second));
+  EXPECT_TRUE(DeleteObject(first));
+  EXPECT_TRUE(DeleteObject(second));
+}
+
+TEST_F(StaticBitmapControl, AnAlphaBitmapIsCopiedAndTheCopyIsDeletedWithTheNext) {
+  HBITMAP first = make_alpha(), second = make_alpha();
+  {
+    StaticBitmap control;
+    attach(&control);
+    control.SetBitmap(first);
+    HBITMAP copy = shown();
+    ASSERT_NE(copy, first) << "the control is not of version 6";
+    EXPECT_TRUE(is_alive(copy));
+    control.SetBitmap(second);
+    EXPECT_FALSE(is_alive(copy));
+    EXPECT_TRUE(is_alive(first));
+    EXPECT_NE(shown(), second);
+    control.SetBitmap(nullptr);
+    EXPECT_EQ(shown(), nullptr);
+  }
+  EXPECT_TRUE(DeleteObject(first));
+  EXPECT_TRUE(DeleteObject(second));
+}
+
+TEST_F(StaticBitmapControl, AnOwnedPlainBitmapIsDeletedWithTheNextOrTheObject) {
+  HBITMAP first = make_plain(), second = make_plain();
+  {
+    StaticBitmap control;
+    attach(&control);
+    control.set_internal_bitmap(first);
+    EXPECT_EQ(shown(), first);
+    EXPECT_TRUE(is_alive(first));
+    control.set_internal_bitmap(second);
+    EXPECT_FALSE(is_alive(first));
+    EXPECT_TRUE(is_alive(second));
+  }
+  EXPECT_FALSE(is_alive(second));
+}
+
+TEST_F(StaticBitmapControl, AnOwnedAlphaBitmapIsDeletedAtOnceAndItsCopyWithTheNext) {
+  StaticBitmap control;
+  attach(&control);
+  HBITMAP bitmap = make_alpha();
+  control.set_internal_bitmap(bitmap);
+  EXPECT_FALSE(is_alive(bitmap));
+  HBITMAP copy = shown();
+  EXPECT_TRUE(is_alive(copy));
+  control.SetBitmap(nullptr);
+  EXPECT_FALSE(is_alive(copy));
+}
+
+TEST_F(StaticBitmapControl, TheObjectLeavesACopyThatTheControlStillShows) {
+  HBITMAP copy;
+  {
+    StaticBitmap control;
+    attach(&control);
+    control.set_internal_bitmap(make_alpha());
+    copy = shown();
+  }
+  EXPECT_TRUE(is_alive(copy));
+  EXPECT_TRUE(DeleteObject(copy));
+}
+
+TEST_F(StaticBitmapControl, WithoutAWindowAnOwnedBitmapIsDeletedAtOnce) {
+  StaticBitmap control;
+  HBITMAP bitmap = make_plain();
+  control.set_internal_bitmap(bitmap);
+  EXPECT_FALSE(is_alive(bitmap));
+}
+
+TEST_F(StaticBitmapControl, ResourcesAreShownAndOwned) {
+  HBITMAP last;
+  {
+    StaticBitmap control;
+    attach(&control);
+    control.set_bitmap_from_id_given_resources(GetModuleHandle(nullptr), IDB_TWENTY_FOUR_BITS);
+    EXPECT_EQ(shown_size().cx, 4);
+    EXPECT_EQ(shown_size().cy, 2);
+    control.set_bitmap_from_id(IDB_SQUARE);
+    EXPECT_EQ(shown_size().cy, 4);
+    last = shown();
+    EXPECT_TRUE(is_alive(last));
+  }
+  EXPECT_FALSE(is_alive(last));
+}
+
+TEST_F(StaticBitmapControl, MissingResourcesShowNothing) {
+  StaticBitmap control;
+  attach(&control);
+  control.set_internal_bitmap(make_plain());
+  control.set_bitmap_from_id(IDB_MISSING);
+  EXPECT_EQ(shown(), nullptr);
+  control.set_internal_bitmap(make_plain());
+  control.set_bitmap_from_id_given_resources(GetModuleHandle(nullptr), IDB_MISSING);
+  EXPECT_EQ(shown(), nullptr);
+}
+
+TEST_F(StaticBitmapControl, FilesOfEveryFormatAreShown) {
+  constexpr struct {
+    const char* name;
+    unsigned encoder;
+  } formats[] = {{"a.bmp", 0}, {"a.jpg", 1}, {"a.tif", 5}, {"a.png", 6}};
+  StaticBitmap control;
+  attach(&control);
+  int width = 3;
+  for (const auto& format : formats) {
+    const std::string name = format.name;
+    ASSERT_TRUE(
+        save_image(std::wstring(name.begin(), name.end()).c_str(), format.encoder, ++width, 2, PixelFormat24bppRGB))
+        << name;
+    control.set_bitmap_from_file(format.name);
+    EXPECT_EQ(shown_size().cx, width) << name;
+    EXPECT_EQ(shown_size().cy, 2) << name;
+  }
+
+  write_file("a.gif", std::string("GIF89a\2\0\1\0\x80\0\0\xff\0\0\0\0\xff,\0\0\0\0\2\0\1\0\0\2\2D\n\0;", 35));
+  control.set_bitmap_from_file("a.gif");
+  EXPECT_EQ(shown_size().cx, 2);
+  EXPECT_EQ(shown_size().cy, 1);
+}
+
+TEST_F(StaticBitmapControl, AnOpaqueFileIsDrawnInItsColor) {
+  ASSERT_TRUE(save_image(L"grey.png", 6, 20, 20, PixelFormat24bppRGB));
+  StaticBitmap control;
+  attach(&control);
+  control.set_bitmap_from_file("grey.png");
+  ASSERT_TRUE(pump_until([&] { return Picture(window_).at(5, 5) == RGB(128, 128, 128); }));
+  EXPECT_TRUE(Picture(window_).save("static_bitmap", 4));
+}
+
+TEST_F(StaticBitmapControl, AFileWithAlphaIsCopiedByTheControlAndTheOriginalIsGone) {
+  ASSERT_TRUE(save_image(L"alpha.png", 6, 3, 2, PixelFormat32bppARGB));
+  StaticBitmap control;
+  attach(&control);
+  const int before = count_gdi_objects();
+  control.set_bitmap_from_file("alpha.png");
+  EXPECT_EQ(shown_size().cx, 3);
+  EXPECT_EQ(count_gdi_objects(), before + 1);
+}
+
+TEST_F(StaticBitmapControl, FilesThatAreNoImagesShowNothing) {
+  write_file("empty.png", "");
+  write_file("text.png", "no image at all");
+  ASSERT_TRUE(save_image(L"whole.png", 6, 30, 20, PixelFormat24bppRGB));
+  write_file("cut.png", read_file("whole.png").substr(0, 20));
+  StaticBitmap control;
+  attach(&control);
+  for (const char* name : {"missing.png", "empty.png", "text.png", "cut.png", "", static_cast<const char*>(nullptr)}) {
+    control.set_internal_bitmap(make_plain());
+    control.set_bitmap_from_file(name);
+    EXPECT_EQ(shown(), nullptr) << (name ? name : "null");
+  }
+}
+
+TEST_F(StaticBitmapControl, AHundredRoundsLeaveNothingBehind) {
+  ASSERT_TRUE(save_image(L"alpha.png", 6, 3, 2, PixelFormat32bppARGB));
+  ASSERT_TRUE(save_image(L"plain.png", 6, 3, 2, PixelFormat24bppRGB));
+  HBITMAP mine = make_alpha();
+  const auto round = [&] {
+    StaticBitmap control;
+    attach(&control);
+    control.set_bitmap_from_file("alpha.png");
+    control.SetBitmap(mine);
+    control.set_bitmap_from_file("plain.png");
+    control.set_bitmap_from_id(IDB_SQUARE);
+    control.set_bitmap_from_file("missing.png");
+    control.set_internal_bitmap(make_alpha());
+    control.SetBitmap(nullptr);
+  };
+  round();
+  const ResourceCounts before;
+  for (int i = 0; i < 100; ++i) round();
+  EXPECT_EQ(ResourceCounts(), before);
+  EXPECT_TRUE(is_alive(mine));
+  DeleteObject(mine);
+}
+
+TEST_F(StaticBitmapControl, EachObjectThatGoesWhileACopyIsShownLeavesExactlyThatCopy) {
+  const auto round = [&] {
+    StaticBitmap control;
+    attach(&control);
+    control.set_internal_bitmap(make_alpha());
+  };
+  round();
+  const int before = count_gdi_objects();
+  for (int i = 0; i < 100; ++i) round();
+  EXPECT_EQ(count_gdi_objects(), before + 100);
+}
+
+}  // namespace

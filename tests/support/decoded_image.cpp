@@ -1,0 +1,31 @@
+#include <support/decoded_image.h>
+
+#include <objidl.h>
+
+#include <gdiplus.h>
+
+#include <filesystem>
+
+DecodedImage decode_image(const std::string& path) {
+  DecodedImage decoded;
+  ULONG_PTR token;
+  Gdiplus::GdiplusStartupInput input;
+  if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return decoded;
+  {
+    Gdiplus::Bitmap image(std::filesystem::path(path).c_str());
+    Gdiplus::BitmapData data;
+    if (image.GetLastStatus() == Gdiplus::Ok &&
+        image.LockBits(nullptr, Gdiplus::ImageLockModeRead, PixelFormat32bppARGB, &data) == Gdiplus::Ok) {
+      decoded.width = static_cast<int>(data.Width);
+      decoded.height = static_cast<int>(data.Height);
+      decoded.has_alpha = Gdiplus::IsAlphaPixelFormat(image.GetPixelFormat());
+      for (int y = 0; y < decoded.height; ++y) {
+        const auto row = reinterpret_cast<const std::uint32_t*>(static_cast<const char*>(data.Scan0) + y * data.Stride);
+        decoded.pixels.insert(decoded.pixels.end(), row, row + decoded.width);
+      }
+      image.UnlockBits(&data);
+    }
+  }
+  Gdiplus::GdiplusShutdown(token);
+  return decoded;
+}
