@@ -71,7 +71,6 @@ class CBitmapT {
 
   HBITMAP m_hBitmap;
 };
-using CBitmapHandle = CBitmapT<false>;
 using CBitmap = CBitmapT<true>;
 
 // The description of a font.

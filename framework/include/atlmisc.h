@@ -10,7 +10,10 @@ namespace WTL {
 class CSize : public SIZE {
  public:
   CSize() noexcept : SIZE{} {}
-  CSize(int width, int height) noexcept : SIZE{width, height} {}
+  CSize(int width, int height) noexcept {
+    cx = width;
+    cy = height;
+  }
   CSize(SIZE size) noexcept : SIZE(size) {}
 
   bool operator==(SIZE other) const noexcept { return cx == other.cx && cy == other.cy; }

@@ -1,4 +1,3 @@
-#define _WTL_NO_AUTOMATIC_NAMESPACE
 #include <kexlib/imaging/dib.h>
 
 #include <imaging/pixel_effects.h>

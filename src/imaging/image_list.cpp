@@ -1,4 +1,3 @@
-#define _WTL_NO_AUTOMATIC_NAMESPACE
 #include <kexlib/imaging/image_list.h>
 
 #include <kexlib/imaging/dib.h>
@@ -10,8 +9,6 @@ int kexWTLImageList::m_DefaultSize = 16;
 kexWTLImageList::kexWTLImageList(int size, DWORD mask_color) : m_size(size), m_mask_color(mask_color) {}
 
 // The list outlives the object, on purpose.
-kexWTLImageList::~kexWTLImageList() = default;
-
 bool kexWTLImageList::Create() {
   constexpr int grow = 4;
   m_handle = ImageList_Create(m_size, m_size, ILC_COLOR32 | ILC_MASK, m_DefaultSize, grow);

@@ -1,4 +1,3 @@
-#define _WTL_NO_AUTOMATIC_NAMESPACE
 #include <kexlib/imaging/static_bitmap.h>
 
 #include <afxwin.h>

@@ -64,7 +64,7 @@ void expect_ownership(Make make) {
 }
 
 TEST(Ownership, OfBitmaps) {
-  expect_ownership<CBitmap, CBitmapHandle>([] { return CreateBitmap(2, 2, 1, 32, nullptr); });
+  expect_ownership<CBitmap, CBitmapT<false>>([] { return CreateBitmap(2, 2, 1, 32, nullptr); });
 }
 
 TEST(Ownership, OfFonts) {

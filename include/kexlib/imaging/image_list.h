@@ -33,7 +33,7 @@ class KEXLIB_API kexWTLImageList {
   kexWTLImageList(int size, DWORD mask_color);
 
   /// Does not destroy the list: that is for whoever has it in use, by Destroy.
-  ~kexWTLImageList();
+  ~kexWTLImageList() = default;
 
   /// Makes the list (ImageList_Create). One that was there is forgotten, not destroyed.
   bool Create();

@@ -25,6 +25,7 @@ class KEXLIB_API hnDuctImage {
 
   // In pixels.
   int width() const { return width_; }
+  // In pixels.
   int height() const { return height_; }
   // Whether the top bytes mean anything.
   bool has_alpha() const { return has_alpha_; }
