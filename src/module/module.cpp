@@ -17,6 +17,8 @@ bool ending = false;
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
 constinit NumberTexts tip_numbers;
 
+constinit HwndTableState hwnd_table;  // unloaded: removes the hook
+
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 
 }  // namespace kexlib::module

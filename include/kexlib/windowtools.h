@@ -1,0 +1,9 @@
+// Window bookkeeping: windows by name, and what dialogs do to their controls again and again.
+//
+//   hwnd_table.h         windows by name, in each MDI child anew
+#ifndef KEXLIB_WINDOWTOOLS_H
+#define KEXLIB_WINDOWTOOLS_H
+
+#include <kexlib/windowtools/hwnd_table.h>
+
+#endif
