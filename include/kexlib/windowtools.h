@@ -1,9 +1,11 @@
 // Window bookkeeping: windows by name, and what dialogs do to their controls again and again.
 //
+//   combo_list_utils.h   filling combo boxes, reading list views
 //   hwnd_table.h         windows by name, in each MDI child anew
 #ifndef KEXLIB_WINDOWTOOLS_H
 #define KEXLIB_WINDOWTOOLS_H
 
+#include <kexlib/windowtools/combo_list_utils.h>
 #include <kexlib/windowtools/hwnd_table.h>
 
 #endif
