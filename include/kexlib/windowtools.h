@@ -2,10 +2,12 @@
 //
 //   combo_list_utils.h   filling combo boxes, reading list views
 //   hwnd_table.h         windows by name, in each MDI child anew
+//   tree_iterators.h     range loops over the items of a tree view
 #ifndef KEXLIB_WINDOWTOOLS_H
 #define KEXLIB_WINDOWTOOLS_H
 
 #include <kexlib/windowtools/combo_list_utils.h>
 #include <kexlib/windowtools/hwnd_table.h>
+#include <kexlib/windowtools/tree_iterators.h>
 
 #endif
