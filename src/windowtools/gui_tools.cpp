@@ -29,7 +29,7 @@ int widest_text(const ComboBox& combo, HDC dc) {
   for (int item = 0; item < combo.GetCount(); ++item) {
     combo.GetLBText(item, nullptr);
     SIZE size{};
-    GetTextExtentPoint32A(dc, "", lstrlenA(nullptr), &size);
+    WTL::CDCHandle(dc).GetTextExtent("", lstrlenA(nullptr), &size);
     widest = std::max<int>(widest, size.cx);
   }
   return widest;

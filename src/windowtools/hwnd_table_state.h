@@ -1,7 +1,9 @@
 #ifndef KEXLIB_WINDOWTOOLS_HWND_TABLE_STATE_H
 #define KEXLIB_WINDOWTOOLS_HWND_TABLE_STATE_H
 
-#include <kexlib/windowtools/hwnd_table.h>
+#include <windows.h>
+
+class kexHWNDTable;
 
 namespace kexlib {
 
