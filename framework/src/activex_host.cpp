@@ -42,11 +42,32 @@ LRESULT answer(Getter get, HWND window) {
   return SUCCEEDED(get(window, &object)) ? reinterpret_cast<LRESULT>(object) : 0;
 }
 
+// An object that is no OLE object has no window and no site: the host only keeps it. The system's library refuses it.
+constexpr char plain_object[] = "kexframework.PlainObject";
+
+IUnknown* plain_object_of(HWND window) { return static_cast<IUnknown*>(GetPropA(window, plain_object)); }
+
+bool keep_plain_object(HWND window, LPCWSTR name) {
+  CLSID id;
+  if (FAILED(CLSIDFromString(name, &id))) return false;
+  CComPtr<IUnknown> object;
+  if (FAILED(object.CoCreateInstance(id, nullptr, CLSCTX_ALL)) || CComQIPtr<IOleObject>(object)) return false;
+  if (!SetPropA(window, plain_object, object)) return false;
+  object.Detach();
+  return true;
+}
+
+void release_plain_object(HWND window) {
+  if (auto* object = static_cast<IUnknown*>(RemovePropA(window, plain_object))) object->Release();
+}
+
 // Whether the window has the control that its text names, or names none yet.
 bool has_its_control(HWND window, LPCSTR name) {
   if (!name || !*name) return true;
+  const CA2W wide(name);
   CComPtr<IUnknown> container;
-  return host().there && SUCCEEDED(host().create_control(CA2W(name), window, nullptr, &container));
+  return host().there &&
+         (SUCCEEDED(host().create_control(wide, window, nullptr, &container)) || keep_plain_object(window, wide));
 }
 
 // The library takes the window over when it makes the control; what it leaves unanswered comes here.
@@ -59,7 +80,13 @@ LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM
       return -1;
     }
   }
-  if (message == get_control_message()) return answer(host().get_control, window);
+  if (message == WM_NCDESTROY) release_plain_object(window);
+  if (message == get_control_message()) {
+    IUnknown* const object = plain_object_of(window);
+    if (!object) return answer(host().get_control, window);
+    object->AddRef();
+    return reinterpret_cast<LRESULT>(object);
+  }
   if (message == get_host_message()) return answer(host().get_host, window);
   return DefWindowProc(window, message, wParam, lParam);
 }
