@@ -13,6 +13,9 @@ extern ProfilerState profiler;
 extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
 
+// The face that the digit control is given.
+extern const char digit_font_name[];
+
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.
 bool process_is_ending();
