@@ -12,13 +12,12 @@ struct Host {
   HRESULT(WINAPI* create_control)(LPCOLESTR name, HWND window, IStream* stream, IUnknown** container);
   HRESULT(WINAPI* attach_control)(IUnknown* control, HWND window, IUnknown** container);
   HRESULT(WINAPI* get_control)(HWND window, IUnknown** control);
-  HRESULT(WINAPI* get_host)(HWND window, IUnknown** host);
   bool there;
 
   Host() {
     framework::SystemLibrary library("atl.dll");
     there = library.find(create_control, "AtlAxCreateControl") && library.find(attach_control, "AtlAxAttachControl") &&
-            library.find(get_control, "AtlAxGetControl") && library.find(get_host, "AtlAxGetHost");
+            library.find(get_control, "AtlAxGetControl");
   }
 };
 
@@ -30,16 +29,6 @@ const Host& host() {
 UINT get_control_message() {
   static const UINT message = RegisterWindowMessageA("WM_ATLGETCONTROL");
   return message;
-}
-UINT get_host_message() {
-  static const UINT message = RegisterWindowMessageA("WM_ATLGETHOST");
-  return message;
-}
-
-using Getter = HRESULT(WINAPI*)(HWND, IUnknown**);
-LRESULT answer(Getter get, HWND window) {
-  IUnknown* object = nullptr;
-  return SUCCEEDED(get(window, &object)) ? reinterpret_cast<LRESULT>(object) : 0;
 }
 
 // An object that is no OLE object has no window and no site: the host only keeps it. The system's library refuses it.
@@ -82,19 +71,14 @@ LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM
   }
   if (message == WM_NCDESTROY) release_plain_object(window);
   if (message == get_control_message()) {
-    IUnknown* const object = plain_object_of(window);
-    if (!object) return answer(host().get_control, window);
-    object->AddRef();
+    IUnknown* object = plain_object_of(window);
+    if (object)
+      object->AddRef();
+    else if (FAILED(host().get_control(window, &object)))
+      object = nullptr;
     return reinterpret_cast<LRESULT>(object);
   }
-  if (message == get_host_message()) return answer(host().get_host, window);
   return DefWindowProc(window, message, wParam, lParam);
-}
-
-HRESULT ask(HWND window, UINT message, IUnknown** object) {
-  if (!object) return E_POINTER;
-  *object = reinterpret_cast<IUnknown*>(SendMessage(window, message, 0, 0));
-  return *object ? S_OK : E_FAIL;
 }
 
 }  // namespace
@@ -113,8 +97,10 @@ HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** container)
   return host().there ? host().attach_control(control, window, container) : E_FAIL;
 }
 
-HRESULT AtlAxGetControl(HWND window, IUnknown** control) { return ask(window, get_control_message(), control); }
-
-HRESULT AtlAxGetHost(HWND window, IUnknown** host) { return ask(window, get_host_message(), host); }
+HRESULT AtlAxGetControl(HWND window, IUnknown** control) {
+  if (!control) return E_POINTER;
+  *control = reinterpret_cast<IUnknown*>(SendMessage(window, get_control_message(), 0, 0));
+  return *control ? S_OK : E_FAIL;
+}
 
 }  // namespace ATL
