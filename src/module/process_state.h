@@ -15,6 +15,9 @@ extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
 extern HwndTableState hwnd_table;
 
+// The face that the digit control is given.
+extern const char digit_font_name[];
+
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.
 bool process_is_ending();
