@@ -853,6 +853,14 @@ TEST_F(DrawnDigitsOnScreen, AreNotMadeOfABrokenState) {
       other[i] = static_cast<BYTE>(other[i] ^ flipped);
       is_made_of(other);
     }
+  // A value without a title, after the number of lines and the one with a title.
+  const size_t count = whole - (sizeof(double) + 4 + 5 * sizeof(wchar_t)) - 4;
+  for (const BYTE lines : std::initializer_list<BYTE>{64, 65}) {
+    std::vector<BYTE> many = bytes;
+    many[count] = lines;
+    many.resize(whole + (lines - 1u) * (sizeof(double) + 4));
+    EXPECT_EQ(is_made_of(many), lines == 64);
+  }
   bytes[0] ^= 1;
   EXPECT_FALSE(is_made_of(bytes));
 }
@@ -939,15 +947,18 @@ TEST(DrawnDigits, GoWithTheirComponent) {
   for (int round = 0; round < 3; ++round) {
     CWnd frame;
     frame.Attach(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 200, 100, nullptr, nullptr, nullptr, nullptr));
+    kexOleFont font;
     {
       const Manifest known;
       kexDigitOCX digits;
       ASSERT_TRUE(digits.Create(nullptr, style, place, &frame, 7, nullptr, 0, nullptr));
       EXPECT_NE(GetModuleHandleA("digit_control.dll"), nullptr);
+      font = digits.GetFont();
     }
     frame.DestroyWindow();
     CoFreeUnusedLibrariesEx(0, 0);
     EXPECT_EQ(GetModuleHandleA("digit_control.dll"), nullptr);
+    font.SetBold(1);  // the font is the system's, and tells nobody any more
   }
   OleUninitialize();
 }
