@@ -16,6 +16,7 @@ bool ending = false;
 
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
 constinit NumberTexts tip_numbers;
+constinit OwnManifest own_manifest;
 
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 

@@ -5,6 +5,7 @@
 
 #include <diagnostics/profiler_state.h>
 #include <messageloop/timer_registry.h>
+#include <module/common_controls.h>
 #include <text/number_texts.h>
 
 namespace kexlib::module {
@@ -12,6 +13,7 @@ namespace kexlib::module {
 extern ProfilerState profiler;
 extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
+extern OwnManifest own_manifest;
 
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.
