@@ -18,6 +18,9 @@ constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
 constinit NumberTexts tip_numbers;
 constinit OwnManifest own_manifest;
 
+const DialogMessages dialog_messages{RegisterWindowMessageA("MSG_QZ_GetDialogTemplateID"),
+                                     RegisterWindowMessageA("MSG_QZ_GetDialogResLibrary")};
+
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 
 }  // namespace kexlib::module

@@ -15,6 +15,13 @@ extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
 extern OwnManifest own_manifest;
 
+// Window messages that programs agree on; the library only sees to it that they are registered.
+struct DialogMessages {
+  UINT get_template_id;
+  UINT get_resource_library;
+};
+extern const DialogMessages dialog_messages;
+
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.
 bool process_is_ending();

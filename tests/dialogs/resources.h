@@ -7,8 +7,6 @@
 #define IDD_SUMMARY_PAGE 112
 #define IDD_EXTRA_PAGE 113
 
-#define IDI_WIZARD 120
-
 #define IDS_TITLE 200
 #define IDS_MISSING 201 /* there is no such text */
 
