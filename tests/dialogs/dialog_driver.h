@@ -6,6 +6,8 @@
 
 #include <windows.h>
 
+#include <support/user_input.h>
+
 #include <chrono>
 #include <functional>
 #include <string>
@@ -72,6 +74,25 @@ class DialogDriver {
   UINT_PTR timer_;
   const std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(15);
 };
+
+// Clicks on what `find` finds in the dialog. First the mouse is moved there, and a step later it is seen to have
+// arrived: the display may still be telling of where it was.
+inline DialogDriver::Step click_on(std::function<HWND(HWND dialog)> find) {
+  return [find = std::move(find), moved = false](HWND dialog) mutable {
+    const HWND target = find(dialog);
+    if (!target || !IsWindowEnabled(target)) return false;
+    POINT mouse;
+    GetCursorPos(&mouse);
+    if (moved && WindowFromPoint(mouse) == target) {
+      mouse_button(MOUSEEVENTF_LEFTDOWN);
+      mouse_button(MOUSEEVENTF_LEFTUP);
+      return true;
+    }
+    move_mouse_over(target);
+    moved = true;
+    return false;
+  };
+}
 
 inline std::string text_of(HWND window) {
   char text[256]{};

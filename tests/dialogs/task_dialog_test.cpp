@@ -435,10 +435,7 @@ Step then(std::function<void(HWND)> what) {
 }
 // With the mouse.
 Step press_button(const std::string& text) {
-  return then([text](HWND dialog) {
-    ASSERT_TRUE(button_named(dialog, text)) << text;
-    click(button_named(dialog, text));
-  });
+  return click_on([text](HWND dialog) { return button_named(dialog, text); });
 }
 Step press_the_key(WORD code, WORD held = 0) {
   return [code, held](HWND dialog) {

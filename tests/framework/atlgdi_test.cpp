@@ -104,8 +104,6 @@ TEST(Ownership, RoundsLeaveNothingBehind) {
     CBitmap bitmap;
     bitmap.CreateCompatibleBitmap(screen, 4, 4);
     CClientDC client(nullptr);
-    CFont font;
-    font.CreatePointFont(90, "Tahoma");
   };
   round();
   ResourceCounts before;
