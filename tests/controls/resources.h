@@ -21,4 +21,18 @@
 #define IDC_BACK 128
 #define IDC_NEXT 129
 
+#define IDD_BUTTONS 130
+#define IDC_OPEN 131
+#define IDC_MORE 132
+#define IDC_LATER 133
+
+#define IDR_MENU 140
+#define IDR_NO_SUBMENU 141
+#define ID_COPY 142
+#define ID_PASTE 143
+#define ID_TOP 144
+#define ID_OTHER 145
+
+#define IDB_FRAME 150
+
 #endif
