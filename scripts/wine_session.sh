@@ -12,6 +12,13 @@ export WINEPREFIX=$root/build/wine WINEARCH=win64
 export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES='mscoree,mshtml=;winemenubuilder.exe=d'
 
+# How a program starts. Without a random layout: Linux may put the heap of Wine's loader where Windows keeps its shared
+# data (0x7ffe0000), and one start in some thousands then ends at once with status 1 and not a word.
+wine=(wine)
+if setarch -R true 2>/dev/null; then
+  wine=(setarch -R wine)
+fi
+
 desktop_folder() {
   echo "$WINEPREFIX/drive_c/users/$(id -un)/Desktop"
 }
@@ -47,7 +54,7 @@ start_display() {
 }
 
 wine_quietly() {
-  wine "$@" </dev/null >/dev/null 2>&1 9>&-
+  "${wine[@]}" "$@" </dev/null >/dev/null 2>&1 9>&-
 }
 
 # The answers to Wine's questions, once: a virtual desktop, fonts that it finds, no crash dialog, folders that are not
@@ -71,7 +78,7 @@ prepare_prefix() {
 start_keeper() {
   local ready=$session_folder/keeper-ready
   rm -f "$ready"
-  start_companion wine "$programs/keeper.exe" "$(windows_path "$ready")"
+  start_companion "${wine[@]}" "$programs/keeper.exe" "$(windows_path "$ready")"
   wait_until 60 $! test -e "$ready" || fail "Wine did not start."
 }
 
@@ -90,7 +97,7 @@ start_session() {
   prepare_prefix
   [ -e "$programs/keeper.exe" ] || build_targets keeper
   start_keeper
-  export KEX_SESSION=1
+  export KEX_WINE="${wine[*]}"
 }
 
 stop_session() {

@@ -22,6 +22,7 @@
 
 #include <prsht.h>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -62,6 +63,22 @@ class CPropertySheetWindow : public ATL::CWindow {
   }
 };
 
+// A page that waits for its sheet, and goes with the last copy of that sheet if it is never shown.
+class PendingPropertyPage {
+ public:
+  explicit PendingPropertyPage(HPROPSHEETPAGE page) noexcept : page_(page) {}
+  PendingPropertyPage(const PendingPropertyPage&) = delete;
+  PendingPropertyPage& operator=(const PendingPropertyPage&) = delete;
+  ~PendingPropertyPage() {
+    if (page_) ::DestroyPropertySheetPage(page_);
+  }
+  // For the system, which owns it from then on; null where a copy of the sheet has shown it.
+  HPROPSHEETPAGE hand_over() noexcept { return std::exchange(page_, nullptr); }
+
+ private:
+  HPROPSHEETPAGE page_;
+};
+
 // A sheet T of the application's, derived from this; before it is there, the members below prepare it.
 //
 // T may have
@@ -81,13 +98,10 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     m_psh.nStartPage = startPage;
     m_psh.pfnCallback = T::PropSheetCallback;
   }
-  // Copies name the same pages: of those that wait to be shown, show only one copy's.
+  // Copies share the pages that wait to be shown: the first copy that is shown has them. Those that were never shown go
+  // with the last copy.
   CPropertySheetImpl(const CPropertySheetImpl&) = default;
   CPropertySheetImpl& operator=(const CPropertySheetImpl&) = default;
-  // Pages that were never shown go with the sheet.
-  ~CPropertySheetImpl() override {
-    for (HPROPSHEETPAGE page : m_arrPages) ::DestroyPropertySheetPage(page);
-  }
 
   // Runs the sheet until the user closes it: greater than zero for OK or Finish, 0 for Cancel, -1 where it could not be
   // made. The pages added so far are used up, so a second run needs pages of its own. The parent given earlier goes
@@ -122,7 +136,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   BOOL AddPage(HPROPSHEETPAGE page) {
     if (!page) return FALSE;
     if (this->m_hWnd) return TBase::AddPage(page);
-    m_arrPages.push_back(page);
+    m_arrPages.push_back(std::make_shared<PendingPropertyPage>(page));
     return TRUE;
   }
   // Makes a page of this description first.
@@ -166,7 +180,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   }
 
   PROPSHEETHEADER m_psh;
-  std::vector<HPROPSHEETPAGE> m_arrPages;  // those that wait for the sheet
+  std::vector<std::shared_ptr<PendingPropertyPage>> m_arrPages;  // those that wait for the sheet
 
  private:
   bool is_modeless() const { return (m_psh.dwFlags & PSH_MODELESS) != 0; }
@@ -185,8 +199,11 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
       return -1;
     }
     if (!m_psh.hwndParent) m_psh.hwndParent = parent;
-    m_psh.phpage = m_arrPages.data();
-    m_psh.nPages = static_cast<UINT>(m_arrPages.size());
+    std::vector<HPROPSHEETPAGE> pages;
+    for (const auto& pending : m_arrPages)
+      if (HPROPSHEETPAGE page = pending->hand_over()) pages.push_back(page);
+    m_psh.phpage = pages.data();
+    m_psh.nPages = static_cast<UINT>(pages.size());
 
     ATL::_AtlCreateWndData waiting(this);
     INT_PTR result = ::PropertySheet(&m_psh);

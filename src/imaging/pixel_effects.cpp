@@ -77,18 +77,23 @@ __m128i luminances_of(__m128i four) {
   return _mm_srli_epi32(sums, 8);
 }
 
-using Ramp = std::array<Pixel, 256>;
+// A pixel for each luminance, and room for the rest of the last four that are made.
+using Ramp = std::array<Pixel, 256 + lanes>;
 
-// from + (to - from) * step / steps for each channel, truncated towards zero. Single precision is exact enough: the
-// quotients are below 256 and, where they are not whole, at least 1/256 away from the next whole number.
+// from + (to - from) * step / steps for each channel, truncated towards zero, four steps at a time: up to three more
+// than `count` are made. Single precision is exact enough: the quotients are below 256 and, where they are not whole,
+// at least 1/256 away from the next whole number.
 void ramp_part(Pixel* entries, int count, Channels from, Channels to, int first_step, int steps) {
-  const auto divisor = static_cast<float>(steps);
-  for (int i = 0; i < count; ++i) {
-    const auto step = first_step + i;
-    const auto channel = [=](int begin, int end) {
-      return static_cast<Pixel>(begin + static_cast<int>(static_cast<float>((end - begin) * step) / divisor)) & 0xFF;
-    };
-    entries[i] = channel(from.red, to.red) << 16 | channel(from.green, to.green) << 8 | channel(from.blue, to.blue);
+  const __m128 divisor = _mm_set1_ps(static_cast<float>(steps)), next_four = _mm_set1_ps(float{lanes});
+  __m128 step = _mm_add_ps(_mm_set1_ps(static_cast<float>(first_step)), _mm_set_ps(3, 2, 1, 0));
+  const auto channel = [&](int begin, int end) {
+    const __m128 product = _mm_mul_ps(_mm_set1_ps(static_cast<float>(end - begin)), step);
+    return _mm_add_epi32(_mm_set1_epi32(begin), _mm_cvttps_epi32(_mm_div_ps(product, divisor)));
+  };
+  for (int i = 0; i < count; i += int{lanes}, step = _mm_add_ps(step, next_four)) {
+    const __m128i red = _mm_slli_epi32(channel(from.red, to.red), 16);
+    const __m128i green = _mm_slli_epi32(channel(from.green, to.green), 8);
+    store(entries + i, _mm_or_si128(_mm_or_si128(red, green), channel(from.blue, to.blue)));
   }
 }
 
@@ -122,12 +127,12 @@ bool substitute_key(PixelSpan picture, Pixel substitute) {
 Pixel tint(Pixel pixel, ColorRef dark, ColorRef mid, ColorRef light) {
   const int middle = luminance(channels_of(mid));
   const int place = luminance_of(pixel);
-  Pixel result;
+  Pixel result[lanes];
   if (place >= middle)
-    ramp_part(&result, 1, channels_of(mid), channels_of(light), place - middle, 256 - middle);
+    ramp_part(result, 1, channels_of(mid), channels_of(light), place - middle, 256 - middle);
   else
-    ramp_part(&result, 1, channels_of(dark), channels_of(mid), place, middle);
-  return result;
+    ramp_part(result, 1, channels_of(dark), channels_of(mid), place, middle);
+  return result[0];
 }
 
 void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, ColorRef skip, std::uint8_t threshold) {

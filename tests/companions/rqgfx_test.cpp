@@ -97,7 +97,7 @@ TEST_F(Rqgfx, EveryImageComesBackPixelByPixelWithEveryOption) {
         }
 }
 
-TEST_F(Rqgfx, TheBitsSayWhetherThereIsAlpha) {
+TEST_F(Rqgfx, TheBitsSayWhetherAlphaIsKept) {
   auto alpha = make_image(9, 9, true, false), opaque = make_image(9, 9, false, false);
   const auto written = [](hnDuctImage* image, int bits) {
     std::string bytes;
@@ -108,7 +108,7 @@ TEST_F(Rqgfx, TheBitsSayWhetherThereIsAlpha) {
   EXPECT_EQ(format_of(written(alpha.get(), 32)), std::pair(8, with_alpha));
   EXPECT_EQ(format_of(written(alpha.get(), 24)), std::pair(8, without_alpha));
   EXPECT_EQ(format_of(written(opaque.get(), -1)), std::pair(8, without_alpha));
-  EXPECT_EQ(format_of(written(opaque.get(), 32)), std::pair(8, with_alpha));
+  EXPECT_EQ(format_of(written(opaque.get(), 32)), std::pair(8, without_alpha));
   write_file("opaque.png", written(opaque.get(), 24));
   EXPECT_EQ(decode_image("opaque.png").pixels, pixels_of(*opaque));
 }
@@ -119,6 +119,30 @@ TEST_F(Rqgfx, TheFileIsTheSameAsWhatTheSinkGets) {
   ASSERT_EQ(rqPNGWriterDuctImage::write_file(image.get(), append, &bytes, 1, 32), 1);
   ASSERT_EQ(rqPNGWriterDuctImage::write_file(image.get(), bzString("a.png"), 1, 32), 1);
   EXPECT_EQ(read_file("a.png"), bytes);
+}
+
+// The rows below the first tenth are painted over as soon as compressed bytes arrive: those rows cannot have been read.
+TEST_F(Rqgfx, TheFirstBytesComeBeforeATenthOfTheRowsIsRead) {
+  constexpr size_t signature_and_header = 8 + 25;
+  auto image = make_image(640, 1000, true, false);
+  struct Taker {
+    hnDuctImage* image;
+    std::string bytes;
+  } taker{image.get(), {}};
+  const auto paint_over = [](void* context, const unsigned char* data, unsigned __int64 count) {
+    auto& here = *static_cast<Taker*>(context);
+    const bool was_early = here.bytes.size() <= signature_and_header;
+    append(&here.bytes, data, count);
+    if (was_early && here.bytes.size() > signature_and_header)
+      std::fill(here.image->row(100), here.image->row(999) + 640, 0xFF112233);
+    return true;
+  };
+  ASSERT_EQ(rqPNGWriterDuctImage::write_file(image.get(), paint_over, &taker, 1, 32), 1);
+  write_file("a.png", taker.bytes);
+  const DecodedImage decoded = decode_image("a.png");
+  ASSERT_EQ(decoded.pixels, pixels_of(*image));
+  EXPECT_NE(decoded.pixels.at(0), 0xFF112233);
+  EXPECT_EQ(decoded.pixels.at(100 * 640), 0xFF112233);
 }
 
 TEST_F(Rqgfx, ASinkThatRefusesEndsTheEncoding) {

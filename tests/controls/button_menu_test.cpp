@@ -388,6 +388,7 @@ TEST_F(ButtonMenuOnScreen, CanBeLookedAt) {
   click_and([&](HWND menu) {
     RECT rect;
     dialog_.GetWindowRect(&rect);
+    rect.bottom += 40;  // the menu reaches beyond it
     // What was drawn reaches the screen while the menu waits for messages: look at the next tick.
     on_open = [rect](HWND) {
       const Picture picture(rect.right - rect.left, rect.bottom - rect.top, 0);

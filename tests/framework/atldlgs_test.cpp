@@ -319,6 +319,32 @@ TEST_F(PropertySheetsOnScreen, PagesGoWithTheSheetThatWasNeverShown) {
   EXPECT_EQ(released, 3) << "the system lets those go that were shown";
 }
 
+TEST_F(PropertySheetsOnScreen, CopiesShareThePagesThatWait) {
+  released = 0;
+  first.m_psp.dwFlags |= PSP_USECALLBACK;
+  first.m_psp.pfnCallback = count_releases;
+  {
+    Sheet original;
+    EXPECT_TRUE(original.AddPage(first));
+    Sheet copy(original), assigned;
+    assigned = original;
+  }
+  EXPECT_EQ(released, 1);
+
+  Sheet original;
+  EXPECT_TRUE(original.AddPage(first));
+  Sheet copy(original);
+  copy.run({});
+  EXPECT_EQ(told, "1 init, 1 active, 1 cancel?, 1 reset, ");
+  EXPECT_EQ(released, 2);
+
+  told.clear();
+  EXPECT_TRUE(original.AddPage(second));
+  original.run({original.expect_page(0)});
+  EXPECT_EQ(told, "2 init, 2 active, 2 cancel?, 2 reset, ") << "the first page was the copy's";
+  EXPECT_EQ(released, 2);
+}
+
 TEST_F(PropertySheetsOnScreen, APageThatTheSystemRefusesIsNotAdded) {
   PROPSHEETPAGE none{};
   EXPECT_FALSE(sheet.AddPage(&none));

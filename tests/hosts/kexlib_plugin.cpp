@@ -1,5 +1,6 @@
 // A plug-in that is the only user of kexlib in its program: when it is freed, kexlib is unloaded.
 #include <kexlib/diagnostics.h>
+#include <kexlib/imaging.h>
 #include <kexlib/messageloop.h>
 
 extern "C" __declspec(dllexport) void run_plugin() {
@@ -24,6 +25,19 @@ class RefusedTimer : public CATLWindowLessTimer {
 };
 
 }  // namespace
+
+// Writes a picture of a quarter of a megabyte and shows it, which takes WIC and GDI+.
+extern "C" __declspec(dllexport) void show_pictures() {
+  hnDuctImage image(256, 256, true);
+  kexPNGGenerationThread::write_image(&image, "picture.png", nullptr);
+  wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>> picture;
+  picture.get_static() =
+      CreateWindowExA(0, "STATIC", "", WS_POPUP | SS_BITMAP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+  picture.set_bitmap_from_file("picture.png");
+  if (!picture.get_static().GetBitmap()) ExitProcess(9);
+  picture.SetBitmap(nullptr);
+  picture.get_static().DestroyWindow();
+}
 
 // Each start that the system refuses leaves its note behind: three megabytes of them, where it refuses all.
 extern "C" __declspec(dllexport) void start_many_timers() {

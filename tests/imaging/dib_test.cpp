@@ -4,7 +4,9 @@
 
 #include <kexlib/imaging/dib.h>
 
+#include <imaging/pixel_effects.h>
 #include <imaging/resources.h>
+#include <support/decoded_image.h>
 #include <support/files.h>
 #include <support/import_override.h>
 #include <support/picture.h>
@@ -507,6 +509,63 @@ TEST(Dib, RoundsOfLoadingAndCopyingLeaveNothingBehind) {
   const ResourceCounts before;
   for (int i = 0; i < 1000; ++i) round();
   EXPECT_EQ(ResourceCounts(), before);
+}
+
+// What every effect makes of one picture with fixed colours, side by side; build/pictures/pixel_effects.png shows it.
+// Whoever changes an effect on purpose looks at that file and copies it to tests/imaging/effects.png.
+TEST(Dib, TheEffectsMakeTheSamePictureAsEver) {
+  constexpr int size = 24, count = 10;
+  constexpr DWORD face_pixel = 0xD4D0C8;
+  const auto subject = [&] {
+    std::vector<kexlib::Pixel> pixels(size * size, face_pixel);
+    for (int y = 3; y < 21; ++y)
+      for (int x = 3; x < 21; ++x)
+        if ((x - 12) * (x - 12) + (y - 12) * (y - 12) < 81)
+          pixels[static_cast<size_t>(y * size + x)] =
+              x == y ? kexlib::key_pixel : static_cast<DWORD>(x * 12 << 16 | y * 12 << 8 | (x ^ y) * 8);
+    return pixels;
+  };
+  const kexlib::EdgePixels edge{0xFFFFFF, 0xE4E0D8, 0x404040, 0x808080, 0xFFFFFF, 0x404040, 0x202020};
+  Picture sheet(size * count, size, 0);
+  int column = 0;
+  const auto show = [&](auto effect) {
+    std::vector<kexlib::Pixel> pixels = subject();
+    effect(kexlib::PixelSpan{pixels.data(), size, size});
+    for (int y = 0; y < size; ++y)
+      for (int x = 0; x < size; ++x)
+        SetPixelV(sheet.dc(), column * size + x, size - 1 - y,
+                  kexlib::pixel_of(pixels[static_cast<size_t>(y * size + x)]));
+    ++column;
+  };
+  using Span = kexlib::PixelSpan;
+  show([](Span) {});
+  show([](Span picture) { kexlib::fill(picture, 0x336699); });
+  show([](Span picture) { kexlib::substitute_key(picture, 0x00FF00); });
+  show([](Span picture) { kexlib::tint_all(picture, 0x500000, 0xAA5500, 0xFFFFFF, 0xC8D0D4, 0); });
+  show([](Span picture) { kexlib::tint_all(picture, 0x000000, 0x808080, 0xFFFFFF, 0xC8D0D4, 200); });
+  show([](Span picture) { kexlib::stipple(picture, face_pixel, 0xFFFFFF); });
+  show([](Span picture) { kexlib::shift_down_right(picture); });
+  show([&](Span picture) { kexlib::merge(picture, subject().data(), 0x000000); });
+  show([&](Span picture) {
+    kexlib::fill(picture, 0x102030);
+    kexlib::merge(picture, subject().data(), face_pixel);
+  });
+  show([&](Span picture) { kexlib::draw_edge(picture, edge); });
+  ASSERT_EQ(column, count);
+  EXPECT_TRUE(sheet.save("pixel_effects"));
+
+  TemporaryFolder folder;
+  const HRSRC golden = FindResourceA(nullptr, MAKEINTRESOURCEA(IDR_EFFECTS), reinterpret_cast<LPCSTR>(RT_RCDATA));
+  write_file("golden.png",
+             {static_cast<const char*>(LockResource(LoadResource(nullptr, golden))), SizeofResource(nullptr, golden)});
+  const DecodedImage expected = decode_image("golden.png");
+  ASSERT_EQ(expected.width, size * count);
+  ASSERT_EQ(expected.height, size);
+  for (int y = 0; y < size; ++y)
+    for (int x = 0; x < size * count; ++x)
+      ASSERT_EQ(kexlib::pixel_of(sheet.at(x, y)),
+                expected.pixels[static_cast<size_t>(y * size * count + x)] & kexlib::color_bits)
+          << x << ", " << y;
 }
 
 // A picture of the effects, to look at.

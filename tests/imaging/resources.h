@@ -13,6 +13,7 @@
 #define IDB_DAMAGED 141
 #define IDB_SQUARE 142  /* four by four pixels */
 #define IDB_ALPHA 143   /* two by two pixels with alpha */
+#define IDR_EFFECTS 150 /* a PNG file: what the effects made when somebody last looked at them */
 #define IDB_MISSING 199 /* there is no such bitmap */
 
 #endif

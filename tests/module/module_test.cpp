@@ -152,6 +152,7 @@ TEST_F(UnloadInChildProcess, FinishesRecordAndTraceAtFreeLibraryTimeAndAgain) {
 TEST_F(UnloadInChildProcess, GivesItsMemoryBackAtFreeLibrary) {
   EXPECT_EQ(run_program("plugin_host.exe", "flat profile_much"), 0u);
   EXPECT_EQ(run_program("plugin_host.exe", "flat start_many_timers"), 0u);
+  EXPECT_EQ(run_program("plugin_host.exe", "flat show_pictures"), 0u);
 }
 
 // What every test here stands on: a crash is no success.

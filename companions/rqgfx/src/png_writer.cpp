@@ -125,7 +125,7 @@ Band band_of(hnDuctImage* image, int first, int rows, bool with_alpha, std::vect
 }
 
 HRESULT encode(hnDuctImage* image, IStream* stream, int filter, int bits) {
-  const bool with_alpha = bits == 32 || (bits != 24 && image->has_alpha());
+  const bool with_alpha = image->has_alpha() && bits != 24;
   const bool unfiltered = filter == 0 || ((filter == 1 || filter == -1) && is_flat(*image));
   const WICPixelFormatGUID wanted = with_alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
   WICPixelFormatGUID format = wanted;

@@ -13,7 +13,9 @@
 // The options, with -1 for the default of each:
 //   filter   0: rows are not filtered; 1, the default: not where neighbours are mostly equal, as in pictures of
 //            interfaces, and else as WIC has it; any other value: as WIC has it
-//   bits     24: without alpha; 32: with alpha; the default, and any other value: 32 if the image has alpha, else 24
+//   bits     the most bits that a pixel takes. 24: without alpha; 32, the default, and any other value: with the alpha
+//   of
+//            an image that has it. An image without it takes 24 in any case: a smaller file of the same pixels
 //
 // Results are 1, or 0 where the image, the system or the taker refuses; nothing is thrown.
 class KEXLIB_API rqPNGWriterDuctImage {
