@@ -62,7 +62,8 @@ const std::set<unsigned int>& atlControlGroup::control_ids() const { return cont
 atlStepControlGroup::atlStepControlGroup(HWND parent, int step_number)
     : atlControlGroup(parent), step_number_(step_number) {}
 
-atlStepControlGroup::atlStepControlGroup(const atlStepControlGroup& other) : atlControlGroup() { copy_from(other); }
+atlStepControlGroup::atlStepControlGroup(const atlStepControlGroup& other)
+    : atlControlGroup(other), number_display_id_(other.number_display_id_), step_number_(other.step_number_) {}
 
 const atlStepControlGroup& atlStepControlGroup::operator=(const atlStepControlGroup& other) {
   copy_from(other);
