@@ -105,6 +105,8 @@ void kexWTLBitmapButton::repaint_behind() {
   parent.UpdateWindow();
 }
 
+// By value, as WTL's buttons have it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 void kexWTLBitmapButton::DoPaint(WTL::CDCT<false> dc, bool themed) {
   const bool has_edge = (m_dwExtendedStyle & (BMPBTN_AUTO3D_SINGLE | BMPBTN_AUTO3D_DOUBLE)) != 0;
   const bool highlighted = IsHoverMode() ? m_fMouseOver : m_fFocus;
