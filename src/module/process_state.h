@@ -7,12 +7,18 @@
 #include <messageloop/timer_registry.h>
 #include <module/common_controls.h>
 #include <text/number_texts.h>
+#include <windowtools/hwnd_table_state.h>
 
 namespace kexlib::module {
 
 extern ProfilerState profiler;
 extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
+extern HwndTableState hwnd_table;
+
+// The face that the digit control is given.
+extern const char digit_font_name[];
+
 extern OwnManifest own_manifest;
 
 // Window messages that programs agree on; the library only sees to it that they are registered.
