@@ -29,9 +29,9 @@
 #ifndef KEXLIB_DIALOGS_TASK_DIALOG_H
 #define KEXLIB_DIALOGS_TASK_DIALOG_H
 
-#include <kexlib/export.h>
+#include <atlbase.h>
 
-#include <windows.h>
+#include <kexlib/export.h>
 
 #include <functional>
 #include <memory>
