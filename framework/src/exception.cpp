@@ -8,6 +8,12 @@ namespace {
 // Made with the module, since there may be no memory left when it is needed.
 CMemoryException memory_exception(false);
 
+// The answer of exceptions that always say the same, and have no help.
+BOOL say(const char* text, LPTSTR message, UINT room, UINT* helpContext) {
+  if (helpContext) *helpContext = 0;
+  return framework::give_text(text, message, room);
+}
+
 }  // namespace
 
 CException::CException(bool autoDelete) : m_bAutoDelete(autoDelete) {}
@@ -19,28 +25,23 @@ void CException::Delete() {
 }
 
 BOOL CException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
-  if (helpContext) *helpContext = 0;
-  return framework::give_text("", message, room);
+  return say("", message, room, helpContext);
 }
 
 BOOL CMemoryException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
-  if (helpContext) *helpContext = 0;
-  return framework::give_text("Out of memory.", message, room);
+  return say("Out of memory.", message, room, helpContext);
 }
 
 BOOL CInvalidArgException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
-  if (helpContext) *helpContext = 0;
-  return framework::give_text("An invalid argument was given.", message, room);
+  return say("An invalid argument was given.", message, room, helpContext);
 }
 
 BOOL CNotSupportedException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
-  if (helpContext) *helpContext = 0;
-  return framework::give_text("This is not supported.", message, room);
+  return say("This is not supported.", message, room, helpContext);
 }
 
 BOOL CResourceException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext) const {
-  if (helpContext) *helpContext = 0;
-  return framework::give_text("The system has no such resource left.", message, room);
+  return say("The system has no such resource left.", message, room, helpContext);
 }
 
 COleException::COleException(SCODE code) : m_sc(code) {}
