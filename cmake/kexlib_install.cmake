@@ -14,7 +14,7 @@ install(
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kexlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(companion bzbase pvwnd rqgfx)
+foreach(companion bzbase pvwnd rqgfx wbzframe)
   string(TOUPPER ${companion} name)
   if(NOT KEXLIB_${name}_LIBRARY)
     install(DIRECTORY ${KEXLIB_${name}_INCLUDE_DIR}/${companion} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

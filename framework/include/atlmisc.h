@@ -48,6 +48,7 @@ class CRect : public RECT {
   CPoint CenterPoint() const noexcept {
     return {static_cast<int>(left) + Width() / 2, static_cast<int>(top) + Height() / 2};
   }
+  // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the analyzer loses sight of a CPoint's base
   BOOL PtInRect(POINT point) const noexcept { return ::PtInRect(this, point); }
 
   // Moves each edge outwards, or inwards for a negative distance.

@@ -788,10 +788,9 @@ KEXFRAMEWORK_API BOOL AtlAxWinInit();
 // is destroyed. The object that hosts it comes with a reference for the caller.
 KEXFRAMEWORK_API HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** host);
 
-// The control in such a window, or the object that hosts it, with a reference for the caller. E_FAIL where the window
+// The control in such a window, with a reference for the caller. E_FAIL where the window
 // hosts nothing, E_POINTER for a null target.
 KEXFRAMEWORK_API HRESULT AtlAxGetControl(HWND window, IUnknown** control);
-KEXFRAMEWORK_API HRESULT AtlAxGetHost(HWND window, IUnknown** host);
 
 // A window of that class.
 template <class TBase = CWindow>
@@ -812,24 +811,14 @@ class CAxWindowT : public TBase {
     return CWindow::Create(GetWndClassName(), parent, rect, name, style, extendedStyle, menuOrId, parameter);
   }
 
-  // An interface of the control, or of the object that hosts it; the failure of AtlAxGet... or of QueryInterface.
+  // An interface of the control; the failure of AtlAxGetControl or of QueryInterface.
   template <class Q>
   HRESULT QueryControl(Q** target) {
-    return query(AtlAxGetControl, target);
-  }
-  template <class Q>
-  HRESULT QueryHost(Q** target) {
-    return query(AtlAxGetHost, target);
-  }
-
- private:
-  template <class Q>
-  HRESULT query(HRESULT (*get)(HWND, IUnknown**), Q** target) {
     if (!target) return E_POINTER;
     *target = nullptr;
-    CComPtr<IUnknown> object;
-    HRESULT result = get(this->m_hWnd, &object);
-    return SUCCEEDED(result) ? object.QueryInterface(target) : result;
+    CComPtr<IUnknown> control;
+    HRESULT result = AtlAxGetControl(this->m_hWnd, &control);
+    return SUCCEEDED(result) ? control.QueryInterface(target) : result;
   }
 };
 using CAxWindow = CAxWindowT<CWindow>;

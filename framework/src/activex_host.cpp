@@ -12,13 +12,12 @@ struct Host {
   HRESULT(WINAPI* create_control)(LPCOLESTR name, HWND window, IStream* stream, IUnknown** container);
   HRESULT(WINAPI* attach_control)(IUnknown* control, HWND window, IUnknown** container);
   HRESULT(WINAPI* get_control)(HWND window, IUnknown** control);
-  HRESULT(WINAPI* get_host)(HWND window, IUnknown** host);
   bool there;
 
   Host() {
     framework::SystemLibrary library("atl.dll");
     there = library.find(create_control, "AtlAxCreateControl") && library.find(attach_control, "AtlAxAttachControl") &&
-            library.find(get_control, "AtlAxGetControl") && library.find(get_host, "AtlAxGetHost");
+            library.find(get_control, "AtlAxGetControl");
   }
 };
 
@@ -31,22 +30,33 @@ UINT get_control_message() {
   static const UINT message = RegisterWindowMessageA("WM_ATLGETCONTROL");
   return message;
 }
-UINT get_host_message() {
-  static const UINT message = RegisterWindowMessageA("WM_ATLGETHOST");
-  return message;
+
+// An object that is no OLE object has no window and no site: the host only keeps it. The system's library refuses it.
+constexpr char plain_object[] = "kexframework.PlainObject";
+
+IUnknown* plain_object_of(HWND window) { return static_cast<IUnknown*>(GetPropA(window, plain_object)); }
+
+bool keep_plain_object(HWND window, LPCWSTR name) {
+  CLSID id;
+  if (FAILED(CLSIDFromString(name, &id))) return false;
+  CComPtr<IUnknown> object;
+  if (FAILED(object.CoCreateInstance(id, nullptr, CLSCTX_ALL)) || CComQIPtr<IOleObject>(object)) return false;
+  if (!SetPropA(window, plain_object, object)) return false;
+  object.Detach();
+  return true;
 }
 
-using Getter = HRESULT(WINAPI*)(HWND, IUnknown**);
-LRESULT answer(Getter get, HWND window) {
-  IUnknown* object = nullptr;
-  return SUCCEEDED(get(window, &object)) ? reinterpret_cast<LRESULT>(object) : 0;
+void release_plain_object(HWND window) {
+  if (auto* object = static_cast<IUnknown*>(RemovePropA(window, plain_object))) object->Release();
 }
 
 // Whether the window has the control that its text names, or names none yet.
 bool has_its_control(HWND window, LPCSTR name) {
   if (!name || !*name) return true;
+  const CA2W wide(name);
   CComPtr<IUnknown> container;
-  return host().there && SUCCEEDED(host().create_control(CA2W(name), window, nullptr, &container));
+  return host().there &&
+         (SUCCEEDED(host().create_control(wide, window, nullptr, &container)) || keep_plain_object(window, wide));
 }
 
 // The library takes the window over when it makes the control; what it leaves unanswered comes here.
@@ -59,15 +69,16 @@ LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM
       return -1;
     }
   }
-  if (message == get_control_message()) return answer(host().get_control, window);
-  if (message == get_host_message()) return answer(host().get_host, window);
+  if (message == WM_NCDESTROY) release_plain_object(window);
+  if (message == get_control_message()) {
+    IUnknown* object = plain_object_of(window);
+    if (object)
+      object->AddRef();
+    else if (FAILED(host().get_control(window, &object)))
+      object = nullptr;
+    return reinterpret_cast<LRESULT>(object);
+  }
   return DefWindowProc(window, message, wParam, lParam);
-}
-
-HRESULT ask(HWND window, UINT message, IUnknown** object) {
-  if (!object) return E_POINTER;
-  *object = reinterpret_cast<IUnknown*>(SendMessage(window, message, 0, 0));
-  return *object ? S_OK : E_FAIL;
 }
 
 }  // namespace
@@ -86,8 +97,10 @@ HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** container)
   return host().there ? host().attach_control(control, window, container) : E_FAIL;
 }
 
-HRESULT AtlAxGetControl(HWND window, IUnknown** control) { return ask(window, get_control_message(), control); }
-
-HRESULT AtlAxGetHost(HWND window, IUnknown** host) { return ask(window, get_host_message(), host); }
+HRESULT AtlAxGetControl(HWND window, IUnknown** control) {
+  if (!control) return E_POINTER;
+  *control = reinterpret_cast<IUnknown*>(SendMessage(window, get_control_message(), 0, 0));
+  return *control ? S_OK : E_FAIL;
+}
 
 }  // namespace ATL

@@ -6,6 +6,7 @@
 #include <framework/dispatch.h>
 
 #include <climits>
+#include <new>
 #include <vector>
 
 namespace {
@@ -64,13 +65,15 @@ HRESULT load_storage(IUnknown* control, const std::vector<BYTE>& bytes) {
   return SUCCEEDED(result) ? state->Load(storage) : result;
 }
 
-HRESULT load(IUnknown* control, CFile* file, BOOL storage) {
+HRESULT load(IUnknown* control, CFile* file, BOOL storage) try {
   ULONGLONG length = file->GetLength(), position = file->GetPosition();
   ULONGLONG count = length > position ? length - position : 0;
   if (count > INT_MAX) return E_OUTOFMEMORY;
   std::vector<BYTE> bytes(static_cast<size_t>(count));
   bytes.resize(file->Read(bytes.data(), static_cast<UINT>(count)));
   return storage ? load_storage(control, bytes) : load_stream(control, bytes);
+} catch (const std::bad_alloc&) {
+  return E_OUTOFMEMORY;
 }
 
 // False where the control does not take the text.

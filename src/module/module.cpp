@@ -16,6 +16,9 @@ bool ending = false;
 
 constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
 constinit NumberTexts tip_numbers;
+constinit const char digit_font_name[] = "Tahoma";
+
+constinit HwndTableState hwnd_table;  // unloaded: removes the hook
 
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 

@@ -6,12 +6,17 @@
 #include <diagnostics/profiler_state.h>
 #include <messageloop/timer_registry.h>
 #include <text/number_texts.h>
+#include <windowtools/hwnd_table_state.h>
 
 namespace kexlib::module {
 
 extern ProfilerState profiler;
 extern TimerRegistry timers;
 extern NumberTexts tip_numbers;
+extern HwndTableState hwnd_table;
+
+// The face that the digit control is given.
+extern const char digit_font_name[];
 
 // Whether the unloading that is under way ends the process. The other threads are gone then, wherever they were, so
 // what they may have been changing (the heap among it) is left alone.

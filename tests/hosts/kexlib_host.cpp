@@ -1,6 +1,7 @@
 // A program that profiles and traces and then ends in the way that its argument names. It tests what unloading writes.
 #include <kexlib/diagnostics.h>
 #include <kexlib/messageloop.h>
+#include <kexlib/windowtools/hwnd_table.h>
 
 #include <windows.h>
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int exit_code = 7;
 constexpr int touched_lock = 8;
+constexpr int touched_hook = 9;
 
 // A thread that is always inside the profiler, most of the time with new names, so that the process ends in the middle
 // of an insertion.
@@ -62,6 +64,9 @@ void tick_endlessly(EndlessTick& timer) {
   while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
 }
 
+// At the end of the process the hook goes by itself, as the memory does.
+BOOL WINAPI unhooked(HHOOK) { return TerminateProcess(GetCurrentProcess(), touched_hook); }
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -77,6 +82,11 @@ int main(int argc, char** argv) {
     std::thread([] { tick_endlessly(timer); }).detach();
     while (!timer.ticking) Sleep(1);
     ending_now = true;
+    return exit_code;
+  }
+  if (ending == "hwnd_table") {
+    new ImportOverride("kexlib.dll", "USER32.dll", "UnhookWindowsHookEx", &unhooked);
+    kexHWNDTable::singleton().reg_window(GetDesktopWindow(), "desktop", 1);
     return exit_code;
   }
   if (ending == "alert") {

@@ -2,6 +2,9 @@
 #include <kexlib/diagnostics.h>
 #include <kexlib/imaging.h>
 #include <kexlib/messageloop.h>
+#include <kexlib/windowtools/hwnd_table.h>
+
+#include <string>
 
 extern "C" __declspec(dllexport) void run_plugin() {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
@@ -43,4 +46,15 @@ extern "C" __declspec(dllexport) void show_pictures() {
 extern "C" __declspec(dllexport) void start_many_timers() {
   static RefusedTimer timer;
   for (int i = 0; i < 100000; ++i) timer.SetEnabled(1);
+}
+
+// More than three megabytes of names.
+extern "C" __declspec(dllexport) void register_many_windows() {
+  const std::string text(200, 'n');
+  for (INT_PTR i = 1; i <= 15000; ++i)
+    kexHWNDTable::singleton().reg_window(reinterpret_cast<HWND>(-i), (text + std::to_string(i)).c_str(), 1);
+}
+
+extern "C" __declspec(dllexport) void register_window(HWND window) {
+  kexHWNDTable::singleton().reg_window(window, "window", 1);
 }

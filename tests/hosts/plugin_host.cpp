@@ -57,9 +57,48 @@ int stay_flat(const char* function) {
   return memory_in_use() < before + 4 * megabyte ? 0 : 7;
 }
 
+HHOOK installed = nullptr;
+
+HHOOK WINAPI record_hook(int type, HOOKPROC procedure, HINSTANCE module, DWORD thread) {
+  return installed = SetWindowsHookExA(type, procedure, module, thread);
+}
+
+// Of a class of its own: those of the common controls are gone when the plug-in, which brought them, is freed.
+HWND make_window() {
+  WNDCLASSA description{};
+  description.lpfnWndProc = &DefWindowProcA;
+  description.lpszClassName = "plugin_host";
+  RegisterClassA(&description);
+  return CreateWindowA("plugin_host", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+}
+
+// The hook of the table of windows must go with the library: the messages sent to this thread would call nowhere.
+int free_and_go_on() {
+  const HMODULE plugin = LoadLibraryA("kexlib_plugin.dll");
+  if (!plugin) return 1;
+  HWND window = make_window();
+  {
+    const ImportOverride recorded("kexlib.dll", "USER32.dll", "SetWindowsHookExA", &record_hook);
+    if (!recorded.made()) return 8;
+    reinterpret_cast<void (*)(HWND)>(reinterpret_cast<void*>(GetProcAddress(plugin, "register_window")))(window);
+  }
+  if (!installed) return 9;
+  if (!FreeLibrary(plugin)) return 3;
+  if (GetModuleHandleA("kexlib.dll")) return 4;
+  if (UnhookWindowsHookEx(installed)) return 10;  // it was still there
+  SetTimer(window, 1, 10, nullptr);
+  MSG message;
+  for (int ticks = 0; ticks < 5 && GetMessageA(&message, nullptr, 0, 0); ticks += message.message == WM_TIMER)
+    DispatchMessageA(&message);
+  DestroyWindow(window);
+  DestroyWindow(make_window());
+  return GetModuleHandleA("kexlib.dll") ? 4 : 0;
+}
+
 }  // namespace
 
 int main(int, char** arguments) {
   report_crashes();
+  if (std::strcmp(arguments[1], "hook") == 0) return free_and_go_on();
   return std::strcmp(arguments[1], "flat") == 0 ? stay_flat(arguments[2]) : free_three_times();
 }

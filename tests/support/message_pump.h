@@ -2,6 +2,8 @@
 #ifndef TESTS_SUPPORT_MESSAGE_PUMP_H
 #define TESTS_SUPPORT_MESSAGE_PUMP_H
 
+#include <windows.h>
+
 #include <chrono>
 #include <functional>
 
@@ -10,5 +12,8 @@ bool pump_until(const std::function<bool()>& happened, std::chrono::milliseconds
 
 // Dispatches the messages that are waiting.
 void pump_waiting();
+
+// The same in a modeless dialog, where keys such as Tab move the focus (IsDialogMessage).
+bool pump_dialog_until(HWND dialog, const std::function<bool()>& happened);
 
 #endif

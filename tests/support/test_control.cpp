@@ -17,7 +17,7 @@ TestControl::~TestControl() { TestControl::InPlaceDeactivate(); }
 
 HRESULT TestControl::QueryInterface(REFIID id, void** object) {
   *object = nullptr;
-  if (id == IID_IUnknown || id == IID_IOleObject) *object = static_cast<IOleObject*>(this);
+  if (id == IID_IUnknown || (id == IID_IOleObject && is_ole_object)) *object = static_cast<IOleObject*>(this);
   if (id == IID_IDispatch && has_dispatch) *object = static_cast<IDispatch*>(this);
   if (id == IID_IOleWindow || id == IID_IOleInPlaceObject) *object = static_cast<IOleInPlaceObject*>(this);
   if (id == IID_IPersist || id == IID_IPersistStreamInit) *object = static_cast<IPersistStreamInit*>(this);
@@ -50,7 +50,7 @@ HRESULT TestControl::SetExtent(DWORD, SIZEL* size) {
 }
 
 HRESULT TestControl::GetExtent(DWORD, SIZEL* size) {
-  *size = size_;
+  *size = natural_size ? *natural_size : size_;
   return S_OK;
 }
 
@@ -100,9 +100,9 @@ HRESULT TestControl::Load(IStorage* storage) {
 
 const CLSID TestControlClass::id = {0x9f4f3a70, 0x6b1d, 0x4c5e, {0x8a, 0x11, 0x52, 0x0e, 0x77, 0x3c, 0x01, 0x02}};
 
-TestControlClass::TestControlClass() {
+TestControlClass::TestControlClass(const CLSID& as) {
   OleInitialize(nullptr);
-  CoRegisterClassObject(id, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
+  CoRegisterClassObject(as, this, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
 }
 
 TestControlClass::~TestControlClass() {

@@ -23,6 +23,8 @@ class TestControl : public RecordingDispatch,
 
   bool refuses_state = false;
   bool has_dispatch = true;
+  bool is_ole_object = true;
+  const SIZEL* natural_size = nullptr;  // kept whatever the host says; null: the host's
 
   bool began_anew = false;
   std::string state;      // what was loaded
@@ -79,12 +81,13 @@ class TestControl : public RecordingDispatch,
   SIZEL size_{3000, 2000};
 };
 
-// While it lives, the process knows the control's class, and COM is initialised on this thread.
+// While it lives, the process knows the control's class, by its own identifier or the one given, and COM is initialised
+// on this thread.
 class TestControlClass : public IClassFactory2 {
  public:
   static const CLSID id;
 
-  TestControlClass();
+  explicit TestControlClass(const CLSID& as = id);
   TestControlClass(const TestControlClass&) = delete;
   TestControlClass& operator=(const TestControlClass&) = delete;
   virtual ~TestControlClass();

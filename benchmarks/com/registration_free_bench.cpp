@@ -1,0 +1,64 @@
+#include <kexlib/com/registration_free.h>
+
+#include <support/bench.h>
+#include <support/files.h>
+#include <support/type_library.h>
+
+#include <atlbase.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned count = 200;
+const GUID wanted = {0x7E57AB1E, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
+
+// Libraries in twenty folders; every second one has the interface.
+std::vector<fs::path> make_libraries(const fs::path& root) {
+  std::vector<fs::path> paths;
+  for (unsigned i = 0; i < count; ++i) {
+    const fs::path folder = root / std::to_string(i % 20);
+    fs::create_directories(folder);
+    paths.push_back(folder / ("library" + std::to_string(i) + ".tlb"));
+    const GUID clsid = {i, 0, 0, {1}};
+    GUID iid = wanted;
+    iid.Data2 = static_cast<unsigned short>(iid.Data2 + i % 2);
+    make_type_library(paths.back(), clsid, iid);
+  }
+  return paths;
+}
+
+}  // namespace
+
+void measure_type_library_scan() {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  {
+    TemporaryFolder folder;
+    const std::vector<fs::path> paths = make_libraries(folder.path());
+    const std::string root = folder.path().string();
+    std::size_t found = 0;
+    const auto nanoseconds_a_library = [](auto work) {
+      return [=] { return bench::nanoseconds_each(3, work) / count; };
+    };
+
+    bench::Comparison scan("a walk over 200 type libraries, each library");
+    scan.add("LoadTypeLib alone", nanoseconds_a_library([&] {
+               for (const fs::path& path : paths) {
+                 CComPtr<ITypeLib> library;
+                 if (SUCCEEDED(LoadTypeLib(path.c_str(), &library))) ++found;
+               }
+             }));
+    scan.add("reg_free_list_classes",
+             nanoseconds_a_library([&] { found += reg_free_list_classes(wanted, root.c_str(), "*.tlb").size(); }));
+    scan.add("reg_free_find_tlb",
+             nanoseconds_a_library([&] { found += reg_free_find_tlb(wanted, root.c_str(), "*.tlb").size(); }));
+    scan.run();
+    bench::at_most("walk", 1.2, scan.ratio("reg_free_list_classes", "LoadTypeLib alone"), "in loading alone, classes");
+    bench::at_most("walk", 1.2, scan.ratio("reg_free_find_tlb", "LoadTypeLib alone"), "in loading alone, one class");
+  }
+  CoUninitialize();
+}

@@ -1,0 +1,30 @@
+#define _WTL_NO_AUTOMATIC_NAMESPACE
+#include <kexlib/windowtools/combo_list_utils.h>
+
+#include <support/bench.h>
+
+namespace {
+
+constexpr int cells = 1000;
+
+}  // namespace
+
+void measure_cell_text() {
+  WTL::CListViewCtrlT<ATL::CWindow> list(
+      CreateWindowA(WC_LISTVIEWA, "", WS_POPUP | LVS_REPORT, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr));
+  list.InsertColumn(0, "heading");
+  list.InsertItem(0, "a text as cells have it");
+  kexWTLListViewCtrlUtils utils(list);
+
+  bench::Comparison text("the text of a short cell", 101);
+  text.add("one LVM_GETITEMTEXTA", [&] {
+    return bench::nanoseconds_each(cells, [&] {
+      char buffer[256];
+      list.GetItemText(0, 0, buffer, sizeof buffer);
+    });
+  });
+  text.add("library", [&] { return bench::nanoseconds_each(cells, [&] { utils.get_item_text(0, 0); }); });
+  text.run();
+  bench::at_most("T17", 1.2, text.ratio("library", "one LVM_GETITEMTEXTA"), "to one message");
+  DestroyWindow(list);
+}

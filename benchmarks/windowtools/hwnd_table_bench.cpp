@@ -1,0 +1,84 @@
+#include <kexlib/windowtools/hwnd_table.h>
+
+#include <support/bench.h>
+#include <support/import_override.h>
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+constexpr int look_ups = 10000;
+
+// What the system is asked about a window takes the same time for all; it is left out on both sides.
+BOOL WINAPI yes(HWND) { return TRUE; }
+HWND WINAPI no_parent(HWND) { return nullptr; }
+int WINAPI no_class(HWND, char*, int) { return 0; }
+
+std::string name_of(int i) { return "view " + std::to_string(i); }
+
+class Table : public kexHWNDTable {
+ public:
+  explicit Table(int windows) {
+    for (int i = 0; i < windows; ++i) {
+      reg_window(reinterpret_cast<HWND>(static_cast<INT_PTR>(i + 1)), name_of(i).c_str(), 1);
+      names.push_back(name_of(i));
+    }
+  }
+  double nanoseconds() const {
+    std::size_t i = 0;
+    const auto look_up = [&] {
+      i = (i + 7919) % names.size();
+      found += get_handle(names[i].c_str()) != nullptr;
+    };
+    bench::nanoseconds_each(look_ups, look_up);  // the other variants have had the processor's caches
+    return bench::nanoseconds_each(look_ups, look_up);
+  }
+
+  std::vector<std::string> names;
+  mutable int found = 0;
+};
+
+// What one would write instead.
+struct Entry {
+  std::string name;
+  unsigned long idd;
+};
+
+double scan(const std::unordered_map<HWND, Entry>& entries, const std::vector<std::string>& names) {
+  std::size_t i = 0;
+  static volatile int found;
+  return bench::nanoseconds_each(look_ups / 10, [&] {
+    i = (i + 7919) % names.size();
+    for (const auto& [window, entry] : entries)
+      if (entry.name == names[i].c_str() && yes(window) && yes(window)) {
+        found = found + 1;
+        break;
+      }
+  });
+}
+
+}  // namespace
+
+void measure_window_by_name() {
+  const ImportOverride one("kexlib.dll", "USER32.dll", "IsWindow", &yes);
+  const ImportOverride two("kexlib.dll", "USER32.dll", "IsWindowVisible", &yes);
+  const ImportOverride three("kexlib.dll", "USER32.dll", "GetParent", &no_parent);
+  const ImportOverride four("kexlib.dll", "USER32.dll", "GetClassNameA", &no_class);
+  const Table ten(10), thirty_two(32), thousand(1000), ten_thousand(10000);
+  std::unordered_map<HWND, Entry> entries;
+  for (int i = 0; i < 32; ++i)
+    entries.try_emplace(reinterpret_cast<HWND>(static_cast<INT_PTR>(i + 1)), Entry{name_of(i), 1});
+
+  bench::Comparison table("a window by its name, window calls left out", 45);
+  table.add("10 windows", [&] { return ten.nanoseconds(); });
+  table.add("32 windows", [&] { return thirty_two.nanoseconds(); });
+  table.add("32 windows, scan", [&] { return scan(entries, thirty_two.names); });
+  table.add("1000 windows", [&] { return thousand.nanoseconds(); });
+  table.add("10000 windows", [&] { return ten_thousand.nanoseconds(); });
+  table.run();
+  bench::at_most("T13", 3, table.ratio("10000 windows", "10 windows"), "10000 windows to 10");
+  bench::at_most("T13", 1, table.ratio("32 windows", "32 windows, scan"), "to a scan of 32 windows");
+  kexHWNDTable::delete_singleton();
+}

@@ -1,0 +1,38 @@
+# kexlib_add_type_library(NAME IDL) makes NAME.tlb and NAME.h from an interface description. What links NAME finds both:
+# the header by #include, the library as a resource (1 TYPELIB "NAME.tlb").
+#
+# The description imports oaidl.idl; cmake/idl has the little of it that is needed, as the cross tools bring none.
+function(kexlib_add_type_library name idl)
+  find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
+  # widl looks into the system's own library for IUnknown and IDispatch.
+  find_path(STDOLE2_FOLDER stdole2.tlb REQUIRED NO_CMAKE_FIND_ROOT_PATH
+            PATHS /usr/lib/x86_64-linux-gnu/wine/x86_64-windows /usr/lib64/wine/x86_64-windows)
+
+  cmake_path(ABSOLUTE_PATH idl)
+  set(folder ${PROJECT_BINARY_DIR}/type_libraries)
+  file(MAKE_DIRECTORY ${folder})
+  set(imports ${PROJECT_SOURCE_DIR}/cmake/idl)
+  set(widl ${WIDL} --nostdinc -m64 -I${imports} -L${STDOLE2_FOLDER})
+  add_custom_command(
+    OUTPUT ${folder}/${name}.tlb ${folder}/${name}.h
+    COMMAND ${widl} -t -o ${folder}/${name}.tlb ${idl}
+    COMMAND ${widl} -h -H ${folder}/${name}.h ${idl}
+    DEPENDS ${idl} ${imports}/oaidl.idl ${imports}/wtypes.idl
+    VERBATIM)
+  add_custom_target(${name}_files DEPENDS ${folder}/${name}.tlb ${folder}/${name}.h)
+  add_library(${name} INTERFACE)
+  add_dependencies(${name} ${name}_files)
+  target_include_directories(${name} SYSTEM INTERFACE ${folder})
+endfunction()
+
+# kexlib_add_component(NAME SOURCE...) makes a DLL with COM classes, which nobody registers: NAME.dll in the programs'
+# folder "components", with the manifest NAME.manifest beside it. Among the sources are NAME.def, which exports what COM
+# calls, and the resources with the type library.
+function(kexlib_add_component name)
+  set(folder ${PROJECT_BINARY_DIR}/bin/components)
+  add_library(${name} MODULE ${ARGN})
+  target_link_libraries(${name} PRIVATE kexlib_settings)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/examples/components)
+  set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${folder})
+  configure_file(${name}.manifest ${folder}/${name}.manifest COPYONLY)
+endfunction()

@@ -1,0 +1,76 @@
+// What a DLL with COM classes needs beside the classes: it makes them, and says when nobody uses it any more.
+//
+//     class Lamp : public Counted<ILamp> { ... };       // QueryInterface is the class's own
+//     HRESULT WINAPI DllGetClassObject(REFCLSID id, REFIID wanted, void** object) {
+//       return id == __uuidof(Lamp) ? in_process::give(new in_process::Factory<LampObject>, wanted, object) : ...;
+//     }
+#ifndef EXAMPLES_COMPONENTS_IN_PROCESS_SERVER_H
+#define EXAMPLES_COMPONENTS_IN_PROCESS_SERVER_H
+
+#include <windows.h>
+
+#include <unknwn.h>
+
+#include <atomic>
+
+// COM objects are deleted by Release alone.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+namespace in_process {
+
+// Objects and locks that keep the DLL loaded.
+inline std::atomic<long> in_use;
+
+// An object that counts its references; it begins with one.
+template <class... Interfaces>
+class Counted : public Interfaces... {
+ public:
+  Counted() { ++in_use; }
+  Counted(const Counted&) = delete;
+  Counted& operator=(const Counted&) = delete;
+  virtual ~Counted() { --in_use; }
+
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ private:
+  std::atomic<ULONG> references_ = 1;
+};
+
+// Hands out an interface of a new object, whose first reference goes.
+template <class Object>
+HRESULT give(Object* object, REFIID wanted, void** result) {
+  const HRESULT found = object->QueryInterface(wanted, result);
+  object->Release();
+  return found;
+}
+
+template <class Object>
+class Factory : public Counted<IClassFactory> {
+ public:
+  STDMETHODIMP QueryInterface(REFIID wanted, void** object) override {
+    *object = wanted == IID_IUnknown || wanted == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
+    if (!*object) return E_NOINTERFACE;
+    this->AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** object) override {
+    *object = nullptr;
+    return outer ? CLASS_E_NOAGGREGATION : give(new Object, wanted, object);
+  }
+  STDMETHODIMP LockServer(BOOL lock) override {
+    in_use += lock ? 1 : -1;
+    return S_OK;
+  }
+};
+
+}  // namespace in_process
+
+#pragma GCC diagnostic pop
+
+#endif

@@ -1,0 +1,151 @@
+#include <kexlib/controls/bitmap_button.h>
+#include <kexlib/imaging/dib.h>
+
+#include <wbzframe/themed_std_button.h>
+
+#include <utility>
+
+using namespace WTL;  // BMPBTN_...
+
+namespace {
+
+constexpr int no_image = -1;
+
+// True while something runs, however it ends.
+class Running {
+ public:
+  explicit Running(BOOL& running) : running_(running) { running_ = TRUE; }
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running() { running_ = FALSE; }
+
+ private:
+  BOOL& running_;
+};
+
+void add_to(HIMAGELIST images, kexWTLDIB& picture) {
+  const HBITMAP bitmap = picture.detach_bitmap();
+  ImageList_Add(images, bitmap, nullptr);
+  DeleteObject(bitmap);
+}
+
+}  // namespace
+
+kexWTLBitmapButton::kexWTLBitmapButton(kexWTLButtonType type) : m_type(type) {
+  if (m_type != kexBtnTypePlain) m_themer = wbzThemer::create(wbzThemedStdButton::create(&m_hWnd), nullptr);
+  SetBitmapButtonExtendedStyle(BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS,
+                               BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS | BMPBTN_AUTOSIZE);
+}
+
+kexWTLBitmapButton::kexWTLBitmapButton(const kexWTLBitmapButton& other) = default;
+
+kexWTLBitmapButton& kexWTLBitmapButton::operator=(const kexWTLBitmapButton& other) = default;
+
+kexWTLBitmapButton::~kexWTLBitmapButton() = default;
+
+BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
+                                              DWORD map) {
+  if (map != 0) return FALSE;
+  if (message != WM_PAINT && message != WM_PRINTCLIENT)
+    return CBitmapButton::ProcessWindowMessage(window, message, wParam, lParam, result, map);
+  BOOL handled = TRUE;
+  result = OnPaint(message, wParam, lParam, handled);
+  return handled;
+}
+
+int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id, HINSTANCE instance) {
+  const HIMAGELIST list = images ? images->m_hImageList : nullptr;
+  const COLORREF face = GetSysColor(COLOR_BTNFACE);
+  kexWTLDIB picture;
+  picture.load_bitmap_transparent(static_cast<UINT>(bitmap_id), instance, face);
+  add_to(list, picture);
+  const int index = ImageList_GetImageCount(list) - 1;
+
+  picture.load_bitmap_transparent(static_cast<UINT>(bitmap_id), instance, face);
+  if (m_type == kexBtnTypeThemed) picture.insensitive(face);
+  add_to(list, picture);
+  return index;
+}
+
+void kexWTLBitmapButton::SetInfo(HWND button, WTL::CImageListT<false>* images, int bitmap_id, const char* tooltip,
+                                 HINSTANCE instance) {
+  const int image = AddImage(images, bitmap_id, instance);
+  if (!m_hWnd) SubclassWindow(button);
+  SetImageList(images ? images->m_hImageList : nullptr);
+  SetImages(image, image, no_image, image + 1);
+  SetToolTipText(tooltip);
+}
+
+// The pushed image stays as it was: that is meant.
+void kexWTLBitmapButton::SetImage(int index) {
+  if (m_nImage[_nImageNormal] == index && m_nImage[_nImageDisabled] == index + 1) return;
+  SetImages(index, no_image, no_image, index + 1);
+  if (IsWindow()) Invalidate(FALSE);  // without a window it would be all windows of the screen
+}
+
+void kexWTLBitmapButton::set_themer(std::shared_ptr<wbzThemer> themer) { m_themer = std::move(themer); }
+
+// WM_PRINTCLIENT is answered with BeginPaint too: that is meant.
+LRESULT kexWTLBitmapButton::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
+  if (m_painting) return 0;
+  const Running painting(m_painting);
+  const bool themed = m_type != kexBtnTypePlain && wbzThemer::can_draw(m_themer);
+  repaint_behind();
+  DoPaint(WTL::CDCHandle(WTL::CPaintDC(m_hWnd).m_hDC), themed);
+  return 0;
+}
+
+void kexWTLBitmapButton::repaint_behind() {
+  ATL::CWindow parent = GetParent();
+  if (!parent.m_hWnd) return;
+  RECT rect;
+  GetWindowRect(&rect);
+  parent.ScreenToClient(&rect);
+  parent.InvalidateRect(&rect);
+  parent.UpdateWindow();
+}
+
+// By value, as WTL's buttons have it.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
+void kexWTLBitmapButton::DoPaint(WTL::CDCT<false> dc, bool themed) {
+  const bool has_edge = (m_dwExtendedStyle & (BMPBTN_AUTO3D_SINGLE | BMPBTN_AUTO3D_DOUBLE)) != 0;
+  const bool highlighted = IsHoverMode() ? m_fMouseOver : m_fFocus;
+
+  // Pressed goes before disabled, and a highlighted button that is disabled is drawn as hot: both are meant.
+  wbzThemeStyle style = wbzThemeHot;
+  int image = m_nImage[_nImageFocusOrHover];
+  if (m_fPressed) {
+    style = wbzThemePressed;
+    image = m_nImage[_nImagePushed];
+  } else if (!highlighted && IsWindowEnabled()) {
+    style = m_dwExtendedStyle & BMPBTN_CHECK ? wbzThemePressed : wbzThemeNormal;
+    image = m_nImage[_nImageNormal];
+  } else if (!highlighted) {
+    style = wbzThemeDisabled;
+    image = m_nImage[_nImageDisabled];
+  }
+  if (image == no_image) image = m_nImage[_nImageNormal];
+
+  WTL::CRect client;
+  GetClientRect(client);
+  if (themed) m_themer->draw_theme(dc, client, style);
+
+  int width = 0, height = 0;
+  m_ImageList.GetIconSize(width, height);
+  const int shift = m_fPressed && has_edge && m_nImage[_nImagePushed] == no_image ? 1 : 0;
+  m_ImageList.Draw(dc, image, (client.Width() - width) / 2 + shift, (client.Height() - height) / 2 + shift, ILD_NORMAL);
+
+  if (!themed && has_edge) draw_edge(dc, client);
+}
+
+void kexWTLBitmapButton::draw_edge(WTL::CDCT<false> dc, RECT rect) {
+  const bool single = (m_dwExtendedStyle & BMPBTN_AUTO3D_SINGLE) != 0;
+  if (m_fPressed || m_dwExtendedStyle & BMPBTN_CHECK)
+    dc.DrawEdge(&rect, single ? BDR_SUNKENOUTER : EDGE_SUNKEN, BF_RECT);
+  else if (!IsHoverMode() || m_fMouseOver)
+    dc.DrawEdge(&rect, single ? BDR_RAISEDINNER : EDGE_RAISED, BF_RECT);
+
+  if (IsHoverMode() || !m_fFocus) return;
+  InflateRect(&rect, -2 * GetSystemMetrics(SM_CXEDGE), -2 * GetSystemMetrics(SM_CYEDGE));
+  dc.DrawFocusRect(&rect);
+}

@@ -1,0 +1,77 @@
+#include <kexlib/controls/button_menu.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int arrow_size = 100;  // tenths of a point
+constexpr char arrow[] = "6";    // in the symbol font
+constexpr char arrow_without_font[] = "v";
+
+class Menu {
+ public:
+  Menu(HINSTANCE module, UINT id) : menu_(LoadMenuA(module, MAKEINTRESOURCEA(id))) {}
+  Menu(const Menu&) = delete;
+  Menu& operator=(const Menu&) = delete;
+  ~Menu() {
+    if (menu_) DestroyMenu(menu_);
+  }
+  HMENU first_submenu() const { return menu_ ? GetSubMenu(menu_, 0) : nullptr; }
+
+ private:
+  HMENU menu_;
+};
+
+// Only sideways: a button below all monitors has its menu there, which is meant.
+POINT moved_onto_monitor(POINT point) {
+  if (MonitorFromPoint(point, MONITOR_DEFAULTTONULL)) return point;
+  MONITORINFO nearest{};
+  nearest.cbSize = sizeof nearest;
+  if (GetMonitorInfoA(MonitorFromPoint(point, MONITOR_DEFAULTTONEAREST), &nearest))
+    point.x = std::clamp(point.x, nearest.rcWork.left, nearest.rcWork.right);
+  return point;
+}
+
+}  // namespace
+
+atlButtonMenu::~atlButtonMenu() = default;
+
+BOOL atlButtonMenu::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
+                                         DWORD map) {
+  if (map != 0) return FALSE;
+  if (message == OCM_COMMAND && HIWORD(wParam) == BN_CLICKED) {
+    BOOL handled = TRUE;
+    result = OnClick(BN_CLICKED, LOWORD(wParam), reinterpret_cast<HWND>(lParam), handled);
+    return TRUE;
+  }
+  return DefaultReflectionHandler(window, message, wParam, lParam, result);
+}
+
+void atlButtonMenu::SetMenu(HINSTANCE module, UINT id) {
+  menu_module = module;
+  menu_id = id;
+}
+
+BOOL atlButtonMenu::SubclassWindow(HWND button) {
+  if (!::IsWindow(button) || (m_hWnd && !UnsubclassWindow()) || !CWindowImpl::SubclassWindow(button)) return FALSE;
+  ModifyStyle(BS_ICON, 0);
+  if (arrow_font.IsNull()) arrow_font.CreatePointFont(arrow_size, "Marlett");
+  if (!arrow_font.IsNull()) SetFont(arrow_font);
+  SetWindowText(arrow_font.IsNull() ? arrow_without_font : arrow);
+  return TRUE;
+}
+
+LRESULT atlButtonMenu::OnClick(WORD, WORD, HWND, BOOL&) {
+  if (!menu_id) return 0;
+  if (GetCheck() == BST_UNCHECKED) SetCheck(BST_CHECKED);
+  RECT button;
+  GetWindowRect(&button);
+  const Menu menu(menu_module, menu_id);
+  const HMENU shown = menu.first_submenu();
+  if (!shown) return 0;  // the button stays checked: that is meant
+
+  const POINT corner = moved_onto_monitor({button.left, button.bottom});
+  TrackPopupMenu(shown, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, corner.x, corner.y, 0, GetParent(), nullptr);
+  SetCheck(BST_UNCHECKED);  // also where it was checked before the click
+  return 0;
+}

@@ -1,0 +1,612 @@
+// Control groups and steps, on the controls of real windows.
+#include <gtest/gtest.h>
+
+#include <kexlib/controls/step_manager.h>
+
+#include <atlbase.h>
+
+#include <atlwin.h>
+
+#include <controls/resources.h>
+#include <support/expect_flat.h>
+#include <support/message_pump.h>
+#include <support/picture.h>
+#include <support/user_input.h>
+
+#include <memory>
+#include <new>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr unsigned first_display = 100;
+
+// A window with controls 1, 2, 3 ... and as many number displays from 100 on.
+class Controls {
+ public:
+  explicit Controls(unsigned count) {
+    parent_ = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr);
+    for (unsigned i = 0; i < count; ++i) make(i + 1), make(first_display + i);
+  }
+  Controls(const Controls&) = delete;
+  Controls& operator=(const Controls&) = delete;
+  ~Controls() { DestroyWindow(parent_); }
+
+  HWND parent() const { return parent_; }
+  HWND control(unsigned id) const { return GetDlgItem(parent_, static_cast<int>(id)); }
+  bool enabled(unsigned id) const { return IsWindowEnabled(control(id)); }
+  bool visible(unsigned id) const { return IsWindowVisible(control(id)); }
+  std::string text(unsigned id) const {
+    char text[40] = "";
+    GetWindowTextA(control(id), text, sizeof text);
+    return text;
+  }
+
+ private:
+  void make(unsigned id) {
+    CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10, parent_,
+                  reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
+  }
+  HWND parent_;
+};
+
+TEST(ControlGroup, BeginsEmptyEnabledAndVisible) {
+  const Controls controls(1);
+  const atlControlGroup group(controls.parent());
+  EXPECT_EQ(group.enabled(), 1);
+  EXPECT_EQ(group.visible(), 1);
+  EXPECT_EQ(group.parent(), controls.parent());
+  EXPECT_TRUE(group.control_ids().empty());
+  EXPECT_EQ(group.contains(1), 0);
+}
+
+TEST(ControlGroup, HoldsEachControlOnceInTheOrderOfTheIdentifiers) {
+  atlControlGroup group(nullptr);
+  for (const unsigned id : {3u, 1u, 0xFFFFFFFFu, 3u}) group.add_control(id);
+  EXPECT_EQ(group.control_ids(), (std::set<unsigned>{1, 3, 0xFFFFFFFF}));
+  EXPECT_EQ(group.contains(3), 1);
+  EXPECT_EQ(group.contains(2), 0);
+}
+
+TEST(ControlGroup, EnablesItsControlsAndNoOthers) {
+  const Controls controls(3);
+  atlControlGroup group(controls.parent());
+  group.add_control(1);
+  group.add_control(3);
+  group.set_enabled(0);
+  EXPECT_FALSE(controls.enabled(1));
+  EXPECT_TRUE(controls.enabled(2));
+  EXPECT_FALSE(controls.enabled(3));
+  EXPECT_EQ(group.enabled(), 0);
+  group.set_enabled(1);
+  EXPECT_TRUE(controls.enabled(1));
+  EXPECT_TRUE(controls.enabled(3));
+}
+
+TEST(ControlGroup, ShowsItsControlsAndNoOthers) {
+  const Controls controls(3);
+  atlControlGroup group(controls.parent());
+  group.add_control(2);
+  group.set_visible(0);
+  EXPECT_TRUE(controls.visible(1));
+  EXPECT_FALSE(controls.visible(2));
+  EXPECT_EQ(group.visible(), 0);
+  EXPECT_EQ(group.enabled(), 1);
+  group.set_visible(-1);
+  EXPECT_TRUE(controls.visible(2));
+  EXPECT_EQ(group.visible(), -1);
+}
+
+// What it is told is kept as it is, not made 1: that is meant.
+TEST(ControlGroup, RemembersWhatItWasTold) {
+  const Controls controls(1);
+  atlControlGroup group(controls.parent());
+  group.add_control(1);
+  group.set_enabled(2);
+  EXPECT_EQ(group.enabled(), 2);
+  EXPECT_TRUE(controls.enabled(1));
+}
+
+TEST(ControlGroup, LeavesAControlThatIsAddedLaterAsItIs) {
+  const Controls controls(1);
+  atlControlGroup group(controls.parent());
+  group.set_enabled(0);
+  group.add_control(1);
+  EXPECT_TRUE(controls.enabled(1));
+  EXPECT_EQ(group.enabled(), 0);
+}
+
+TEST(ControlGroup, PassesOverWhatIsNotThere) {
+  const Controls controls(2);
+  atlControlGroup group(controls.parent());
+  for (const unsigned id : {0u, 1u, 77u, 0xFFFFFFFFu}) group.add_control(id);
+  group.set_enabled(0);
+  EXPECT_FALSE(controls.enabled(1));
+  DestroyWindow(controls.control(1));
+  group.set_enabled(1);
+  group.set_visible(0);
+
+  atlControlGroup nowhere(nullptr);
+  nowhere.add_control(1);
+  nowhere.set_enabled(0);
+  nowhere.set_visible(0);
+  EXPECT_EQ(nowhere.visible(), 0);
+  EXPECT_TRUE(controls.visible(2));
+}
+
+// A class of its own may say where its controls are.
+class Elsewhere : public atlControlGroup {
+ public:
+  explicit Elsewhere(HWND place) : atlControlGroup(nullptr), place_(place) {}
+  HWND parent() const override {
+    ++asked_;
+    return place_;
+  }
+  int asked() const { return asked_; }
+
+ private:
+  HWND place_;
+  mutable int asked_ = 0;
+};
+
+TEST(ControlGroup, AsksForItsParentOnce) {
+  const Controls controls(2);
+  Elsewhere group(controls.parent());
+  group.add_control(1);
+  group.add_control(2);
+  group.set_enabled(0);
+  EXPECT_EQ(group.asked(), 1);
+  EXPECT_FALSE(controls.enabled(2));
+  group.set_visible(0);
+  EXPECT_EQ(group.asked(), 2);
+}
+
+// A window procedure that looks at the group while the group is at work.
+const atlControlGroup* group_at_work = nullptr;
+int enabled_meanwhile = -1;
+LRESULT CALLBACK look_at_group(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (message == WM_ENABLE && group_at_work) enabled_meanwhile = group_at_work->enabled();
+  return DefWindowProcA(window, message, w, l);
+}
+
+// The flag comes last: that is meant.
+TEST(ControlGroup, IsDoneOnlyWhenAllItsControlsAre) {
+  const Controls controls(1);
+  SetWindowLongPtrA(controls.control(1), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(look_at_group));
+  atlControlGroup group(controls.parent());
+  group.add_control(1);
+  group_at_work = &group;
+  group.set_enabled(0);
+  group_at_work = nullptr;
+  EXPECT_EQ(enabled_meanwhile, 1);
+  EXPECT_EQ(group.enabled(), 0);
+}
+
+TEST(ControlGroup, CopiesAreOfTheSameControls) {
+  const Controls controls(2);
+  atlControlGroup group(controls.parent());
+  group.add_control(1);
+  group.set_enabled(0);
+  group.set_visible(3);
+  atlControlGroup copy(group);
+  copy.add_control(2);
+  EXPECT_EQ(copy.parent(), controls.parent());
+  EXPECT_EQ(copy.enabled(), 0);
+  EXPECT_EQ(copy.visible(), 3);
+  EXPECT_EQ(group.contains(2), 0);
+  EXPECT_EQ(&(group = copy), &group);
+  EXPECT_EQ(group.contains(2), 1);
+  const atlControlGroup& same = group;
+  group = same;
+  EXPECT_EQ(group.control_ids().size(), 2u);
+}
+
+// ---- steps ---------------------------------------------------------------------------------------------------------
+
+// Steps 0, 1, 2 ... with the controls 1, 2, 3 ... and their displays.
+class Steps : public testing::Test {
+ protected:
+  static constexpr int most = 8;
+
+  void make(int count, bool number, bool disable_completed) {
+    manager_ = std::make_unique<atlStepManager>(controls_.parent(), number, disable_completed);
+    for (int i = 0; i < count; ++i) add();
+  }
+  atlStepControlGroup* add() {
+    const auto i = static_cast<unsigned>(manager_->get_step_count());
+    atlStepControlGroup* step = manager_->create_step();
+    step->add_control(i + 1);
+    step->attach_number_display(first_display + i);
+    return step;
+  }
+  // The enabled ones, as "0 2".
+  std::string enabled() const {
+    std::string list;
+    for (int i = 0; i < manager_->get_step_count(); ++i)
+      if (controls_.enabled(static_cast<unsigned>(i) + 1)) list += (list.empty() ? "" : " ") + std::to_string(i);
+    return list;
+  }
+  // What the displays say, as "1||2".
+  std::string numbers() const {
+    std::string list;
+    for (int i = 0; i < manager_->get_step_count(); ++i)
+      list += (i ? "|" : "") + controls_.text(first_display + static_cast<unsigned>(i));
+    return list;
+  }
+
+  Controls controls_{most};
+  std::unique_ptr<atlStepManager> manager_;
+};
+
+struct Walk {
+  const char* what;
+  bool disable_completed;
+  const char* hidden;  // 'h' for a hidden step
+  const char* moves;   // n next, p previous, i init, a digit goes to that step
+  const char* enabled;
+  int active;
+};
+
+// Three steps each.
+const Walk walks[] = {
+    {"none before init", true, "   ", "", "0 1 2", -1},
+    {"the first after init", true, "   ", "i", "0", 0},
+    {"on", true, "   ", "in", "1", 1},
+    {"to the end", true, "   ", "inn", "2", 2},
+    {"past the end", true, "   ", "innnn", "2", 2},
+    {"on and back", true, "   ", "innp", "1", 1},
+    {"before the beginning", true, "   ", "ippp", "0", 0},
+    {"to itself", true, "   ", "i0", "0", 0},
+    {"jump on", true, "   ", "i2", "2", 2},
+    {"jump back", true, "   ", "i20", "0", 0},
+    {"twice init", true, "   ", "ii", "", 0},
+    {"init elsewhere", true, "   ", "ini", "0", 0},
+    {"back after init twice", true, "   ", "iin", "1", 1},
+    {"next without init", true, "   ", "n", "0 1 2", -1},
+    {"previous without init", true, "   ", "p", "0 1 2", -1},
+    {"goto without init", true, "   ", "1", "0 1 2", 1},
+    {"no such step", true, "   ", "i7", "0", 0},
+    {"first hidden", true, "h  ", "i", "1", 1},
+    {"to a hidden one all the same", true, " h ", "in", "1", 1},
+    {"over a hidden one", true, " h ", "i2", "2", 2},
+    {"all hidden", true, "hhh", "i", "", -1},
+    {"kept on", false, "   ", "in", "0 1", 1},
+    {"kept to the end", false, "   ", "inn", "0 1 2", 2},
+    {"kept and back to the first", false, "   ", "inn0", "0", 0},
+    {"kept and back", false, "   ", "innp", "0 1", 1},
+    {"kept, jump on", false, "   ", "i2", "0 2", 2},
+    {"kept, jump back disables what is between", false, "   ", "inn0", "0", 0},
+};
+
+class WalksThroughSteps : public Steps, public testing::WithParamInterface<Walk> {};
+
+TEST_P(WalksThroughSteps, EnableWhatIsToBeDone) {
+  const Walk& walk = GetParam();
+  make(3, false, walk.disable_completed);
+  for (int i = 0; i < 3; ++i)
+    if (walk.hidden[i] == 'h') manager_->step(i)->set_visible(0);
+  for (const char* move = walk.moves; *move; ++move) {
+    if (*move == 'n') manager_->next_step();
+    if (*move == 'p') manager_->prev_step();
+    if (*move == 'i') manager_->init();
+    if (*move >= '0' && *move <= '9') manager_->goto_step(*move - '0');
+  }
+  EXPECT_EQ(enabled(), walk.enabled) << walk.what;
+  EXPECT_EQ(manager_->get_active_step_idx(), walk.active) << walk.what;
+}
+
+INSTANTIATE_TEST_SUITE_P(AllOfThem, WalksThroughSteps, testing::ValuesIn(walks));
+
+TEST_F(Steps, AreNumberedWithoutGaps) {
+  make(3, true, true);
+  EXPECT_EQ(numbers(), "||") << "not before init";
+  EXPECT_EQ(manager_->step(1)->step_number(), 2);
+  manager_->step(1)->set_visible(0);
+  manager_->init();
+  EXPECT_EQ(numbers(), "1||2");
+  EXPECT_EQ(manager_->step(0)->step_number(), 1);
+  EXPECT_EQ(manager_->step(1)->step_number(), 2) << "a hidden one keeps its own";
+  EXPECT_EQ(manager_->step(2)->step_number(), 2);
+  manager_->step(1)->set_visible(1);
+  manager_->renumber_steps();
+  EXPECT_EQ(numbers(), "1|2|3");
+}
+
+TEST_F(Steps, AreNotNumberedUnlessAsked) {
+  make(2, false, true);
+  manager_->init();
+  EXPECT_EQ(numbers(), "|");
+  EXPECT_EQ(manager_->step(1)->step_number(), -1);
+}
+
+TEST_F(Steps, SkipHiddenOnesOnlyWhereTheNextIsAskedFor) {
+  make(4, false, true);
+  EXPECT_EQ(manager_->get_next_step_idx(), 0) << "before the first";
+  manager_->init();
+  manager_->step(1)->set_visible(0);
+  EXPECT_EQ(manager_->get_next_step_idx(), 2);
+  manager_->next_step();
+  EXPECT_EQ(manager_->get_active_step_idx(), 1) << "hidden or not";
+  manager_->goto_step(3);
+  EXPECT_EQ(manager_->get_next_step_idx(), -1);
+  manager_->goto_step(2);
+  manager_->step(3)->set_visible(0);
+  EXPECT_EQ(manager_->get_next_step_idx(), -1);
+}
+
+TEST_F(Steps, AreNotThereBeyondTheLast) {
+  make(2, false, true);
+  EXPECT_NE(manager_->step(1), nullptr);
+  EXPECT_EQ(manager_->step(manager_->get_step_count()), nullptr);
+  EXPECT_EQ(manager_->step(-1), nullptr);
+  EXPECT_EQ(manager_->step(1000000), nullptr);
+}
+
+// The index of the active step outlives the steps: that is meant.
+TEST_F(Steps, BeginAnewWhenTheyAreCleared) {
+  make(3, true, true);
+  manager_->init();
+  manager_->goto_step(2);
+  manager_->clear();
+  EXPECT_EQ(manager_->get_step_count(), 0);
+  EXPECT_EQ(manager_->get_active_step_idx(), 2);
+  EXPECT_EQ(add()->step_number(), 1);
+  EXPECT_EQ(manager_->get_active_step_idx(), 2);
+  manager_->next_step();
+  manager_->prev_step();
+  EXPECT_EQ(manager_->get_active_step_idx(), 2) << "there is nowhere to go";
+  manager_->init();
+  EXPECT_EQ(manager_->get_active_step_idx(), 0);
+  EXPECT_EQ(enabled(), "0");
+}
+
+TEST_F(Steps, MayBeNone) {
+  make(0, true, true);
+  manager_->init();
+  manager_->renumber_steps();
+  manager_->next_step();
+  manager_->prev_step();
+  for (const int idx : {-5, -1, 0, 1}) manager_->goto_step(idx);
+  manager_->clear();
+  EXPECT_EQ(manager_->get_active_step_idx(), -1);
+  EXPECT_EQ(manager_->get_next_step_idx(), -1);
+  EXPECT_EQ(manager_->step(0), nullptr);
+}
+
+TEST_F(Steps, CannotBeLeftForOneThatIsNotThere) {
+  make(2, false, true);
+  manager_->init();
+  for (const int idx : {-1, 2, 1000000, -1000000}) manager_->goto_step(idx);
+  EXPECT_EQ(manager_->get_active_step_idx(), 0);
+  EXPECT_EQ(enabled(), "0");
+}
+
+TEST_F(Steps, GetTheParentOfWhenTheyAreMade) {
+  atlStepManager manager;
+  EXPECT_EQ(manager.create_step()->parent(), nullptr);
+  manager.set_parent(controls_.parent());
+  EXPECT_EQ(manager.create_step()->parent(), controls_.parent());
+  EXPECT_EQ(manager.step(0)->parent(), nullptr);
+}
+
+TEST_F(Steps, TakeTheirDisplayWithThem) {
+  make(1, false, true);
+  manager_->step(0)->set_enabled(0);
+  EXPECT_FALSE(controls_.enabled(first_display));
+  manager_->step(0)->set_visible(0);
+  EXPECT_FALSE(controls_.visible(first_display));
+  manager_->step(0)->set_visible(1);
+  EXPECT_TRUE(controls_.visible(first_display));
+}
+
+TEST_F(Steps, ShowTheirNumberWhenTheyAreUpdated) {
+  make(1, false, true);
+  atlStepControlGroup* step = manager_->step(0);
+  step->set_step_number(-12);
+  EXPECT_EQ(numbers(), "");
+  step->update();
+  EXPECT_EQ(numbers(), "-12");
+  step->set_step_number(7);
+  step->attach_number_display(0);
+  step->update();
+  EXPECT_EQ(numbers(), "-12");
+  step->attach_number_display(999);
+  step->update();
+}
+
+TEST_F(Steps, CanBeCopied) {
+  make(2, true, true);
+  atlStepControlGroup copy(*manager_->step(1));
+  EXPECT_EQ(copy.step_number(), 2);
+  EXPECT_EQ(copy.contains(2), 1);
+  EXPECT_EQ(&(copy = *manager_->step(0)), &copy);
+  EXPECT_EQ(copy.step_number(), 1);
+  copy.update();
+  EXPECT_EQ(numbers(), "1|") << "the display is copied too";
+  EXPECT_EQ(manager_->get_step_count(), 2);
+}
+
+// A copy of a manager is shallow: that is meant. The copy here is never destroyed.
+TEST_F(Steps, AreSharedByACopyOfTheManager) {
+  make(2, true, false);
+  manager_->init();
+  alignas(atlStepManager) static std::byte place[sizeof(atlStepManager)];
+  auto* copy = new (place) atlStepManager(*manager_);
+  EXPECT_EQ(copy->step(1), manager_->step(1));
+  EXPECT_EQ(copy->get_active_step_idx(), 0);
+  copy->next_step();
+  EXPECT_EQ(enabled(), "0 1") << "it keeps completed steps as well";
+  EXPECT_EQ(manager_->get_active_step_idx(), 0);
+  EXPECT_EQ(copy->create_step()->step_number(), 3);
+  EXPECT_EQ(manager_->get_step_count(), 2);
+  delete copy->step(2);
+}
+
+// ---- against a model ---------------------------------------------------------------------------------------------
+
+// Steps as one would describe them: what is enabled is said step by step.
+struct Model {
+  struct Step {
+    bool enabled = true, visible = true;
+    int number = -1;
+    std::string shown;
+  };
+  bool numbered, disable_completed;
+  std::vector<Step> steps;
+  int active = -1, next_number = 1;
+
+  int count() const { return static_cast<int>(steps.size()); }
+  Step& at(int i) { return steps[static_cast<std::size_t>(i)]; }
+  void add() {
+    steps.push_back({});
+    if (numbered) steps.back().number = next_number++;
+  }
+  void go(int to) {
+    if (to == active) return;
+    for (int i = 0; i < count(); ++i) {
+      const bool left_behind = active >= 0 && active <= i && i < to && disable_completed;
+      const bool taken_back = to < i && i <= active;
+      if (left_behind || taken_back) at(i).enabled = false;
+    }
+    at(to).enabled = true;
+    active = to;
+  }
+  void renumber() {
+    int number = 0;
+    for (Step& step : steps)
+      if (step.visible) step.number = ++number, step.shown = std::to_string(number);
+  }
+  void init() {
+    if (numbered) renumber();
+    int first = count();
+    for (int i = count() - 1; i >= 0; --i) {
+      at(i).enabled = false;
+      if (at(i).visible) first = i;
+    }
+    if (first < count()) go(first);
+  }
+};
+
+class RandomWalks : public Steps, public testing::WithParamInterface<unsigned> {};
+
+TEST_P(RandomWalks, EndWhereTheModelEnds) {
+  std::mt19937 random(GetParam());
+  const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
+  const bool numbered = below(2), disable_completed = below(2);
+  make(0, numbered, disable_completed);
+  Model model{numbered, disable_completed, {}};
+  std::string done;
+  for (int i = 0; i < 200; ++i) {
+    const int what = below(8), which = model.count() ? below(model.count()) : 0;
+    done += std::to_string(what) + ":" + std::to_string(which) + " ";
+    if ((what == 0 || !model.count()) && model.count() < most) model.add(), add();
+    if (what == 1) model.init(), manager_->init();
+    if (what == 2 && model.active >= 0 && model.active + 1 < model.count())
+      model.go(model.active + 1), manager_->next_step();
+    if (what == 3 && model.active > 0) model.go(model.active - 1), manager_->prev_step();
+    if (what == 4) model.go(which), manager_->goto_step(which);
+    if (what == 5) model.at(which).visible = false, manager_->step(which)->set_visible(0);
+    if (what == 6) model.at(which).visible = true, manager_->step(which)->set_visible(1);
+    if (what == 7) model.renumber(), manager_->renumber_steps();
+
+    ASSERT_EQ(manager_->get_active_step_idx(), model.active) << done;
+    int next = -1;
+    for (int k = model.count() - 1; k > model.active; --k)
+      if (model.at(k).visible) next = k;
+    ASSERT_EQ(manager_->get_next_step_idx(), next) << done;
+    for (int k = 0; k < model.count(); ++k) {
+      const auto id = static_cast<unsigned>(k);
+      ASSERT_EQ(controls_.enabled(id + 1), model.at(k).enabled) << k << " after " << done;
+      ASSERT_EQ(controls_.enabled(first_display + id), model.at(k).enabled) << k << " after " << done;
+      ASSERT_EQ(controls_.visible(id + 1), model.at(k).visible) << k << " after " << done;
+      ASSERT_EQ(manager_->step(k)->step_number(), model.at(k).number) << k << " after " << done;
+      ASSERT_EQ(controls_.text(first_display + id), model.at(k).shown) << k << " after " << done;
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(TwentyOfThem, RandomWalks, testing::Range(1u, 21u));
+
+TEST(StepRounds, LeaveNothingBehind) {
+  const Controls controls(3);
+  expect_flat(1000, [&] {
+    atlStepManager manager(controls.parent(), true);
+    for (unsigned i = 0; i < 3; ++i) manager.create_step()->add_control(i + 1);
+    manager.init();
+    manager.next_step();
+    manager.clear();
+    manager.create_step();
+  });
+}
+
+// ---- in a dialog, with the real mouse ------------------------------------------------------------------------------
+
+class StepsDialog : public CDialogImpl<StepsDialog> {
+ public:
+  enum { IDD = IDD_STEPS };
+  BEGIN_MSG_MAP(StepsDialog)
+    MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
+    COMMAND_ID_HANDLER(IDC_NEXT, OnNext)
+    COMMAND_ID_HANDLER(IDC_BACK, OnBack)
+  END_MSG_MAP()
+
+  LRESULT OnInitDialog(UINT, WPARAM, LPARAM, BOOL&) {
+    steps.set_parent(m_hWnd);
+    const unsigned displays[] = {IDC_NUMBER_1, IDC_NUMBER_2, IDC_NUMBER_3};
+    const std::vector<unsigned> controls[] = {{IDC_NAME}, {IDC_DEPTH}, {IDC_COLOR, IDC_ROUND}};
+    for (int i = 0; i < 3; ++i) {
+      atlStepControlGroup* step = steps.create_step();
+      step->attach_number_display(displays[i]);
+      for (const unsigned id : controls[i]) step->add_control(id);
+    }
+    steps.init();
+    return TRUE;
+  }
+  LRESULT OnNext(WORD, WORD, HWND, BOOL&) {
+    steps.next_step();
+    return 0;
+  }
+  LRESULT OnBack(WORD, WORD, HWND, BOOL&) {
+    steps.prev_step();
+    return 0;
+  }
+
+  std::string enabled() const {
+    std::string list;
+    for (const int id : {IDC_NAME, IDC_DEPTH, IDC_COLOR, IDC_ROUND})
+      if (GetDlgItem(id).IsWindowEnabled()) list += std::to_string(id - IDC_NAME);
+    return list;
+  }
+  std::string number(int id) const {
+    char text[20] = "";
+    GetDlgItem(id).GetWindowText(text, sizeof text);
+    return text;
+  }
+
+  atlStepManager steps{nullptr, true};
+};
+
+TEST(StepsOnScreen, LeadThroughADialog) {
+  StepsDialog dialog;
+  ASSERT_TRUE(dialog.Create(nullptr));
+  park_mouse();
+  ASSERT_TRUE(bring_to_front(dialog));
+  EXPECT_EQ(dialog.number(IDC_NUMBER_1) + dialog.number(IDC_NUMBER_2) + dialog.number(IDC_NUMBER_3), "123");
+  EXPECT_EQ(dialog.enabled(), "0");
+  const auto click_on = [&](int id, const char* expected) {
+    click(dialog.GetDlgItem(id));
+    return pump_until([&] { return dialog.enabled() == expected; });
+  };
+  EXPECT_TRUE(click_on(IDC_NEXT, "1"));
+  park_mouse();
+  EXPECT_TRUE(Picture(dialog).save("step_manager", 2));
+  EXPECT_TRUE(click_on(IDC_NEXT, "23"));
+  EXPECT_TRUE(click_on(IDC_BACK, "1"));
+  EXPECT_TRUE(click_on(IDC_BACK, "0"));
+  park_mouse();
+  dialog.DestroyWindow();
+}
+
+}  // namespace

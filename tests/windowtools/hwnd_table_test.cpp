@@ -1,0 +1,629 @@
+#include <kexlib/windowtools/hwnd_table.h>
+
+#include <gtest/gtest.h>
+
+#include <commctrl.h>
+
+#include <support/child_process.h>
+#include <support/expect_flat.h>
+#include <support/import_override.h>
+#include <support/message_pump.h>
+#include <windowtools/mdi_frame.h>
+
+#include <algorithm>
+#include <future>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+kexHWNDTable& table() { return kexHWNDTable::singleton(); }
+
+HWND make_dialog(DWORD style = WS_VISIBLE, HWND owner = nullptr) {
+  return CreateWindowA("STATIC", "", WS_POPUP | style, 0, 0, 50, 50, owner, nullptr, nullptr, nullptr);
+}
+
+HWND make_view(HWND parent, DWORD style = WS_VISIBLE) {
+  return CreateWindowA("STATIC", "", WS_CHILD | style, 0, 0, 20, 20, parent, nullptr, nullptr, nullptr);
+}
+
+class HwndTable : public testing::Test {
+ protected:
+  HwndTable() { kexHWNDTable::delete_singleton(); }
+  ~HwndTable() override {
+    kexHWNDTable::delete_singleton();
+    for (HWND dialog : dialogs_)
+      if (IsWindow(dialog)) DestroyWindow(dialog);
+  }
+
+  HWND dialog(DWORD style = WS_VISIBLE, HWND owner = nullptr) {
+    dialogs_.push_back(make_dialog(style, owner));
+    return dialogs_.back();
+  }
+
+ private:
+  std::vector<HWND> dialogs_;
+};
+
+// ---- the singleton -------------------------------------------------------------------------------------------------
+
+TEST_F(HwndTable, IsOneForTheProcessUntilItIsDeleted) {
+  EXPECT_EQ(&table(), &table());
+  EXPECT_EQ(kexHWNDTable::access_singleton(bz_singleton_get), &table());
+  HWND window = dialog();
+  for (const int action : {1, 2, -1}) {
+    table().reg_window(window, "name", 5);
+    EXPECT_EQ(table().get_idd(window), 5);
+    EXPECT_EQ(kexHWNDTable::access_singleton(static_cast<bzSingletonAccessAction>(action)), nullptr);
+    EXPECT_EQ(table().get_idd(window), 0) << action;
+  }
+  kexHWNDTable::delete_singleton();
+  kexHWNDTable::delete_singleton();
+}
+
+class Copy : public kexHWNDTable {
+ public:
+  Copy() = default;
+  explicit Copy(const kexHWNDTable& other) : kexHWNDTable(other) {}
+  Copy(bzCopy tag, const kexHWNDTable& other) : kexHWNDTable(tag, other) {}
+};
+
+TEST_F(HwndTable, IsCopiedByDerivedClassesWithItsEntries) {
+  HWND first = dialog();
+  HWND second = dialog();
+  table().reg_window(first, "first", 1);
+  table().reg_window(second, "second", 2);
+  const Copy copy(table());
+  const Copy tagged(bz_copy, table());
+  const Copy empty;
+  table().unreg_window(first);
+  for (const kexHWNDTable* each :
+       {static_cast<const kexHWNDTable*>(&copy), static_cast<const kexHWNDTable*>(&tagged)}) {
+    EXPECT_EQ(each->get_handle("first"), first);
+    EXPECT_EQ(each->get_handle("second"), second);
+    EXPECT_STREQ(each->get_name(first), "first");
+    EXPECT_EQ(each->get_idd(second), 2);
+  }
+  EXPECT_EQ(empty.get_handle("second"), nullptr);
+}
+
+// ---- names outside an MDI client -----------------------------------------------------------------------------------
+
+TEST_F(HwndTable, FindsWindowsByTheirNamesAndNamesByTheirWindows) {
+  HWND window = dialog();
+  HWND control = make_view(window);
+  std::string name = "outline";
+  table().reg_window(window, name.c_str(), 0xFFFFFFFFu);
+  name = "control";
+  table().reg_window(control, name.c_str(), 7);
+  name = "changed";
+  EXPECT_EQ(table().get_handle("outline"), window);
+  EXPECT_EQ(table().get_handle("control"), control);
+  EXPECT_STREQ(table().get_name(window), "outline");
+  EXPECT_STREQ(table().get_name(control), "control");
+  EXPECT_EQ(table().get_idd(window), -1);
+  EXPECT_EQ(table().get_idd(control), 7);
+}
+
+TEST_F(HwndTable, KnowsNothingOfWindowsAndNamesThatAreNotRegistered) {
+  HWND window = dialog();
+  EXPECT_EQ(table().get_name(window), nullptr);
+  EXPECT_EQ(table().get_idd(window), 0);
+  EXPECT_EQ(table().get_name(nullptr), nullptr);
+  EXPECT_EQ(table().get_idd(nullptr), 0);
+  EXPECT_EQ(table().get_handle("name"), nullptr);
+  EXPECT_EQ(table().get_handle(nullptr), nullptr);
+  EXPECT_EQ(table().check_name("name", window), 0);
+  EXPECT_EQ(table().check_name("name", nullptr), 0);
+  table().unreg_window(window);
+  table().unreg_window(nullptr);
+}
+
+TEST_F(HwndTable, DistinguishesLettersByCase) {
+  HWND window = dialog();
+  HWND other = dialog();
+  table().reg_window(window, "Name", 1);
+  EXPECT_EQ(table().get_handle("name"), nullptr);
+  EXPECT_EQ(table().check_name("name", other), 0);
+  table().reg_window(other, "name", 1);
+  EXPECT_EQ(table().get_handle("name"), other);
+  EXPECT_EQ(table().get_handle("Name"), window);
+}
+
+TEST_F(HwndTable, TakesANullNameForTheEmptyOne) {
+  HWND window = dialog();
+  table().reg_window(window, nullptr, 3);
+  EXPECT_STREQ(table().get_name(window), "");
+  EXPECT_EQ(table().get_handle(nullptr), window);
+  EXPECT_EQ(table().get_handle(""), window);
+  EXPECT_EQ(table().check_name(nullptr, dialog()), 1);
+}
+
+TEST_F(HwndTable, GivesANameToOneDialogOnly) {
+  HWND first = dialog();
+  HWND second = dialog();
+  table().reg_window(first, "name", 1);
+  EXPECT_EQ(table().check_name("name", second), 1);
+  EXPECT_EQ(table().check_name("name", first), 1);
+  table().reg_window(second, "name", 2);
+  EXPECT_EQ(table().get_name(second), nullptr);
+  EXPECT_EQ(table().get_idd(second), 0);
+  EXPECT_EQ(table().get_handle("name"), first);
+  table().unreg_window(first);
+  table().reg_window(second, "name", 2);
+  EXPECT_EQ(table().get_handle("name"), second);
+}
+
+TEST_F(HwndTable, KeepsTheFirstNameOfAWindow) {
+  HWND window = dialog();
+  table().reg_window(window, "first", 1);
+  table().reg_window(window, "second", 2);
+  table().reg_window(window, "first", 3);
+  EXPECT_STREQ(table().get_name(window), "first");
+  EXPECT_EQ(table().get_idd(window), 1);
+  EXPECT_EQ(table().get_handle("second"), nullptr);
+  EXPECT_EQ(table().check_name("second", dialog()), 0);
+}
+
+TEST_F(HwndTable, NeverGivesAHiddenWindowAndKeepsItsNameTaken) {
+  HWND window = dialog(0);
+  HWND control = make_view(window);
+  table().reg_window(window, "hidden", 1);
+  table().reg_window(control, "inside a hidden one", 1);
+  EXPECT_EQ(table().get_handle("hidden"), nullptr);
+  EXPECT_EQ(table().get_handle("inside a hidden one"), nullptr);
+  EXPECT_EQ(table().check_name("hidden", dialog()), 1);
+  ShowWindow(window, SW_SHOWNA);
+  EXPECT_EQ(table().get_handle("hidden"), window);
+  EXPECT_EQ(table().get_handle("inside a hidden one"), control);
+}
+
+TEST_F(HwndTable, RegistersWhatIsNoWindowAndNeverFindsIt) {
+  HWND gone = dialog();
+  DestroyWindow(gone);
+  table().reg_window(gone, "gone", 4);
+  table().reg_window(nullptr, "null", 5);
+  EXPECT_STREQ(table().get_name(gone), "gone");
+  EXPECT_EQ(table().get_idd(nullptr), 5);
+  EXPECT_EQ(table().get_handle("gone"), nullptr);
+  EXPECT_EQ(table().get_handle("null"), nullptr);
+  EXPECT_EQ(table().check_name("gone", nullptr), 1);
+  table().unreg_window(gone);
+  table().unreg_window(nullptr);
+  EXPECT_EQ(table().get_name(gone), nullptr);
+  EXPECT_EQ(table().get_name(nullptr), nullptr);
+}
+
+TEST_F(HwndTable, FindsAWindowOfAnotherProcess) {
+  HWND desktop = GetDesktopWindow();
+  DWORD process = 0;
+  GetWindowThreadProcessId(desktop, &process);
+  ASSERT_NE(process, GetCurrentProcessId());
+  table().reg_window(desktop, "desktop", 1);
+  EXPECT_EQ(table().get_handle("desktop"), desktop);
+}
+
+TEST_F(HwndTable, TakesAThousandWindows) {
+  HWND parent = dialog();
+  std::vector<HWND> views;
+  for (int i = 0; i < 1000; ++i) {
+    views.push_back(make_view(parent));
+    table().reg_window(views.back(), ("view " + std::to_string(i)).c_str(), static_cast<unsigned long>(i));
+  }
+  for (int i = 0; i < 1000; ++i) {
+    const std::string name = "view " + std::to_string(i);
+    HWND view = views[static_cast<std::size_t>(i)];
+    ASSERT_EQ(table().get_handle(name.c_str()), view);
+    ASSERT_EQ(table().get_name(view), name);
+    ASSERT_EQ(table().get_idd(view), i);
+  }
+  DestroyWindow(parent);
+  for (HWND view : views) ASSERT_EQ(table().get_name(view), nullptr);
+}
+
+// ---- names in an MDI client ----------------------------------------------------------------------------------------
+
+class HwndTableInMdi : public HwndTable {
+ protected:
+  MdiFrame mdi_;
+  HWND first_ = mdi_.add_child();
+  HWND second_ = mdi_.add_child();
+  HWND in_first_ = make_view(first_);
+  HWND in_second_ = make_view(second_);
+};
+
+TEST_F(HwndTableInMdi, GivesTheWindowInTheActiveChild) {
+  table().reg_window(in_first_, "view", 1);
+  EXPECT_EQ(table().check_name("view", in_second_), 0);
+  table().reg_window(in_second_, "view", 2);
+  EXPECT_EQ(table().get_idd(in_second_), 2);
+  EXPECT_EQ(table().get_handle("view"), in_second_);
+  mdi_.activate(first_);
+  EXPECT_EQ(table().get_handle("view"), in_first_);
+  mdi_.activate(second_);
+  EXPECT_EQ(table().get_handle("view"), in_second_);
+  mdi_.close(second_);
+  EXPECT_EQ(table().get_name(in_second_), nullptr);
+  EXPECT_EQ(table().get_handle("view"), in_first_);
+}
+
+TEST_F(HwndTableInMdi, GivesNoneWhereOnlyAnotherChildHasTheName) {
+  table().reg_window(in_first_, "view", 1);
+  EXPECT_EQ(table().get_handle("view"), nullptr);
+  mdi_.close(second_);
+  EXPECT_EQ(table().get_handle("view"), in_first_);
+  mdi_.close(first_);
+  EXPECT_EQ(table().get_handle("view"), nullptr);
+}
+
+TEST_F(HwndTableInMdi, NeverGivesAHiddenView) {
+  table().reg_window(in_first_, "view", 1);
+  table().reg_window(in_second_, "view", 2);
+  ShowWindow(in_second_, SW_HIDE);
+  EXPECT_EQ(table().get_handle("view"), nullptr);
+  mdi_.activate(first_);
+  EXPECT_EQ(table().get_handle("view"), in_first_);
+  ShowWindow(mdi_.frame, SW_HIDE);
+  EXPECT_EQ(table().get_handle("view"), nullptr);
+}
+
+TEST_F(HwndTableInMdi, GivesANameToOneWindowOfAChildFrameHoweverDeepItLies) {
+  HWND deep = make_view(make_view(in_first_));
+  table().reg_window(deep, "view", 1);
+  EXPECT_EQ(table().check_name("view", in_first_), 1);
+  EXPECT_EQ(table().check_name("view", deep), 1);
+  EXPECT_EQ(table().check_name("view", in_second_), 0);
+  table().reg_window(in_first_, "view", 2);
+  EXPECT_EQ(table().get_name(in_first_), nullptr);
+  mdi_.activate(first_);
+  EXPECT_EQ(table().get_handle("view"), deep);
+}
+
+TEST_F(HwndTableInMdi, ANameThatIsTakenInsideIsTakenOutsideButNotTheOtherWayRound) {
+  HWND outside = dialog();
+  HWND bar = make_view(mdi_.frame);
+  table().reg_window(in_first_, "inside", 1);
+  EXPECT_EQ(table().check_name("inside", outside), 1);
+  EXPECT_EQ(table().check_name("inside", bar), 1);
+  table().reg_window(outside, "outside", 1);
+  EXPECT_EQ(table().check_name("outside", in_first_), 0);
+}
+
+TEST_F(HwndTableInMdi, GivesTheOneThatWasRegisteredFirstOfSeveral) {
+  HWND outside = dialog();
+  table().reg_window(outside, "view", 1);
+  table().reg_window(in_second_, "view", 2);
+  EXPECT_EQ(table().get_handle("view"), outside);
+  ShowWindow(outside, SW_HIDE);
+  EXPECT_EQ(table().get_handle("view"), in_second_);
+}
+
+TEST_F(HwndTableInMdi, FindsWhatLiesBesideTheClientWhicheverChildIsActive) {
+  HWND bar = make_view(mdi_.frame);
+  table().reg_window(bar, "bar", 1);
+  EXPECT_EQ(table().get_handle("bar"), bar);
+  mdi_.activate(first_);
+  EXPECT_EQ(table().get_handle("bar"), bar);
+}
+
+TEST_F(HwndTableInMdi, TakesAnOwnedDialogForOutside) {
+  HWND owned = dialog(WS_VISIBLE, first_);
+  table().reg_window(owned, "dialog", 1);
+  EXPECT_EQ(table().get_handle("dialog"), owned);
+  EXPECT_EQ(table().check_name("dialog", dialog()), 1);
+}
+
+// A frame is no descendant of itself.
+TEST_F(HwndTableInMdi, NeverGivesAChildFrameNorTheClient) {
+  table().reg_window(second_, "frame", 1);
+  table().reg_window(mdi_.client, "client", 1);
+  EXPECT_STREQ(table().get_name(second_), "frame");
+  EXPECT_EQ(table().get_handle("frame"), nullptr);
+  EXPECT_EQ(table().get_handle("client"), nullptr);
+}
+
+TEST_F(HwndTableInMdi, LetsAWindowHaveTheNameOfTheFrameAroundIt) {
+  table().reg_window(second_, "name", 1);
+  EXPECT_EQ(table().check_name("name", in_second_), 0);
+  EXPECT_EQ(table().check_name("name", second_), 0);
+  table().reg_window(in_second_, "name", 2);
+  EXPECT_EQ(table().check_name("name", second_), 1);
+  EXPECT_EQ(table().get_handle("name"), in_second_);
+}
+
+TEST_F(HwndTableInMdi, TakesTheClientItselfForOutsideWhenItIsRegistered) {
+  table().reg_window(in_first_, "name", 1);
+  EXPECT_EQ(table().check_name("name", mdi_.client), 1);
+}
+
+TEST_F(HwndTableInMdi, KnowsTheClientByTheExactNameOfItsClass) {
+  WNDCLASSA description{};
+  ASSERT_TRUE(GetClassInfoA(nullptr, "MDICLIENT", &description));
+  description.hInstance = GetModuleHandleA(nullptr);
+  description.lpszClassName = "MDIClient2";
+  ASSERT_TRUE(RegisterClassA(&description));
+  HWND other = CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9, mdi_.frame, nullptr, nullptr, nullptr);
+  CLIENTCREATESTRUCT structure{nullptr, 2000};
+  HWND client = CreateWindowA("MDIClient2", "", WS_CHILD | WS_VISIBLE, 0, 0, 9, 9, other, nullptr, nullptr, &structure);
+  HWND view = make_view(client);
+  table().reg_window(view, "view", 1);
+  EXPECT_EQ(table().get_handle("view"), view);  // although no child is active there
+  EXPECT_EQ(table().check_name("view", make_view(client)), 1);
+}
+
+LRESULT CALLBACK forget_when_asked(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR views) {
+  if (message == WM_MDIGETACTIVE)
+    for (HWND view : *reinterpret_cast<const std::vector<HWND>*>(views)) table().unreg_window(view);
+  return DefSubclassProc(window, message, w, l);
+}
+
+TEST_F(HwndTableInMdi, BearsThatWindowsAreUnregisteredWhileItAsks) {
+  const std::vector<HWND> views{in_first_, in_second_};
+  for (HWND view : views) table().reg_window(view, "view", 1);
+  SetWindowSubclass(mdi_.client, &forget_when_asked, 1, reinterpret_cast<DWORD_PTR>(&views));
+  EXPECT_EQ(table().get_handle("view"), in_second_);
+  EXPECT_EQ(table().get_handle("view"), nullptr);
+  RemoveWindowSubclass(mdi_.client, &forget_when_asked, 1);
+}
+
+// ---- window calls --------------------------------------------------------------------------------------------------
+
+int window_calls;
+
+BOOL WINAPI count_is_window(HWND window) { return ++window_calls, IsWindow(window); }
+BOOL WINAPI count_is_visible(HWND window) { return ++window_calls, IsWindowVisible(window); }
+BOOL WINAPI count_is_child(HWND parent, HWND window) { return ++window_calls, IsChild(parent, window); }
+HWND WINAPI count_parent(HWND window) { return ++window_calls, GetParent(window); }
+int WINAPI count_class(HWND window, char* name, int room) { return ++window_calls, GetClassNameA(window, name, room); }
+
+TEST_F(HwndTable, AsksTheSystemAboutWindowsOfTheNameOnly) {
+  HWND parent = dialog();
+  for (int i = 0; i < 100; ++i) table().reg_window(make_view(parent), std::to_string(i).c_str(), 1);
+  HWND last = make_view(parent);
+  table().reg_window(last, "last", 1);
+  const ImportOverride one("kexlib.dll", "USER32.dll", "IsWindow", &count_is_window);
+  const ImportOverride two("kexlib.dll", "USER32.dll", "IsWindowVisible", &count_is_visible);
+  const ImportOverride three("kexlib.dll", "USER32.dll", "IsChild", &count_is_child);
+  const ImportOverride four("kexlib.dll", "USER32.dll", "GetParent", &count_parent);
+  const ImportOverride five("kexlib.dll", "USER32.dll", "GetClassNameA", &count_class);
+  ASSERT_TRUE(one.made() && two.made() && three.made() && four.made() && five.made());
+  window_calls = 0;
+  EXPECT_EQ(table().get_handle("unknown"), nullptr);
+  EXPECT_EQ(table().check_name("unknown", last), 0);
+  EXPECT_EQ(table().get_name(parent), nullptr);
+  EXPECT_STREQ(table().get_name(last), "last");
+  EXPECT_EQ(window_calls, 0);
+  EXPECT_EQ(table().get_handle("last"), last);
+  EXPECT_EQ(window_calls, 6);  // is it one, is it visible; its class and parent, those of its parent
+}
+
+// ---- the hook ------------------------------------------------------------------------------------------------------
+
+struct Installed {
+  HHOOK hook;
+  int type;
+  HINSTANCE module;
+  DWORD thread;
+};
+std::vector<Installed> installed;
+std::vector<HHOOK> removed;
+bool refuse;
+
+HHOOK WINAPI record_hook(int type, HOOKPROC procedure, HINSTANCE module, DWORD thread) {
+  HHOOK hook = refuse ? nullptr : SetWindowsHookExA(type, procedure, module, thread);
+  installed.push_back({hook, type, module, thread});
+  return hook;
+}
+
+BOOL WINAPI record_removal(HHOOK hook) {
+  removed.push_back(hook);
+  return !refuse && UnhookWindowsHookEx(hook);
+}
+
+class HwndTableHook : public HwndTable {
+ protected:
+  HwndTableHook() {
+    installed.clear();
+    removed.clear();
+    refuse = false;
+    EXPECT_TRUE(set_.made() && unset_.made());
+  }
+
+ private:
+  ImportOverride set_{"kexlib.dll", "USER32.dll", "SetWindowsHookExA", &record_hook};
+  ImportOverride unset_{"kexlib.dll", "USER32.dll", "UnhookWindowsHookEx", &record_removal};
+};
+
+TEST_F(HwndTableHook, IsInstalledOnceByTheFirstRegistrationOnItsThread) {
+  HWND first = dialog();
+  HWND second = dialog();
+  table().get_handle("first");
+  table().check_name("first", first);
+  EXPECT_EQ(installed.size(), 0u);
+  table().reg_window(first, "first", 1);
+  ASSERT_EQ(installed.size(), 1u);
+  EXPECT_NE(installed[0].hook, nullptr);
+  EXPECT_EQ(installed[0].type, WH_CALLWNDPROC);
+  EXPECT_EQ(installed[0].module, GetModuleHandleA("kexlib.dll"));
+  EXPECT_EQ(installed[0].thread, GetCurrentThreadId());
+  table().reg_window(second, "second", 1);
+  std::thread([&] { table().reg_window(second, "third", 1); }).join();
+  EXPECT_EQ(installed.size(), 1u);
+}
+
+TEST_F(HwndTableHook, IsRemovedWithTheTableAndInstalledAgainByTheNextRegistration) {
+  HWND window = dialog();
+  table().reg_window(window, "name", 1);
+  kexHWNDTable::delete_singleton();
+  EXPECT_EQ(removed, std::vector<HHOOK>{installed[0].hook});
+  kexHWNDTable::delete_singleton();
+  EXPECT_EQ(removed.size(), 1u);
+  table().reg_window(window, "name", 1);
+  EXPECT_EQ(installed.size(), 2u);
+  DestroyWindow(window);
+  EXPECT_EQ(table().get_name(window), nullptr);
+}
+
+TEST_F(HwndTableHook, IsTriedAgainWhereTheSystemRefusedItButNotForTheNameThatAWindowHas) {
+  HWND window = dialog();
+  HWND other = dialog();
+  refuse = true;
+  table().reg_window(window, "name", 1);
+  EXPECT_EQ(installed.size(), 1u);
+  EXPECT_EQ(table().get_handle("name"), window);
+  refuse = false;
+  table().reg_window(window, "name", 1);
+  EXPECT_EQ(installed.size(), 1u);
+  refuse = true;
+  table().reg_window(window, "another name", 1);
+  EXPECT_EQ(installed.size(), 2u);
+  refuse = false;
+  table().reg_window(other, "name", 1);  // a clash
+  EXPECT_EQ(installed.size(), 3u);
+  EXPECT_NE(installed[2].hook, nullptr);
+  DestroyWindow(window);
+  EXPECT_EQ(table().get_name(window), nullptr);
+}
+
+TEST_F(HwndTableHook, ForgetsWindowsThatAreDestroyedWithTheirChildren) {
+  HWND window = dialog();
+  HWND control = make_view(window);
+  HWND other = dialog();
+  table().reg_window(window, "window", 1);
+  table().reg_window(control, "control", 2);
+  table().reg_window(other, "other", 3);
+  DestroyWindow(window);
+  EXPECT_EQ(table().get_name(window), nullptr);
+  EXPECT_EQ(table().get_name(control), nullptr);
+  EXPECT_EQ(table().get_idd(control), 0);
+  EXPECT_STREQ(table().get_name(other), "other");
+  EXPECT_EQ(table().check_name("window", other), 0);
+}
+
+// Only its destruction counts, not whatever else is sent.
+TEST_F(HwndTableHook, KeepsWindowsThatAreClosedByHiding) {
+  HWND window = dialog();
+  table().reg_window(window, "window", 1);
+  ShowWindow(window, SW_HIDE);
+  SendMessageA(window, WM_ENABLE, FALSE, 0);
+  EXPECT_STREQ(table().get_name(window), "window");
+}
+
+std::vector<HWND> seen_destroyed;
+
+LRESULT CALLBACK see_destroyed(int code, WPARAM w, LPARAM l) {
+  const auto* const sent = reinterpret_cast<const CWPSTRUCT*>(l);
+  if (sent->message == WM_DESTROY) seen_destroyed.push_back(sent->hwnd);
+  return CallNextHookEx(nullptr, code, w, l);
+}
+
+TEST_F(HwndTableHook, PassesMessagesOnToOlderHooks) {
+  const HHOOK older = SetWindowsHookExA(WH_CALLWNDPROC, &see_destroyed, nullptr, GetCurrentThreadId());
+  HWND window = dialog();
+  table().reg_window(window, "window", 1);
+  seen_destroyed.clear();
+  DestroyWindow(window);
+  EXPECT_EQ(std::count(seen_destroyed.begin(), seen_destroyed.end(), window), 1);  // beside the system's own
+  UnhookWindowsHookEx(older);
+}
+
+TEST_F(HwndTableHook, MakesTheTableAnewWhereItIsCalledWithoutOne) {
+  HWND window = dialog();
+  table().reg_window(window, "window", 1);
+  refuse = true;
+  kexHWNDTable::delete_singleton();  // the hook stays
+  refuse = false;
+  DestroyWindow(window);
+  EXPECT_EQ(table().get_name(window), nullptr);
+  EXPECT_TRUE(UnhookWindowsHookEx(installed[0].hook));
+}
+
+// What a second thread does with its windows while the first one is the one that is hooked.
+class OtherThread {
+ public:
+  OtherThread() : thread_([this] { run(); }) { made_.get_future().wait(); }
+  OtherThread(const OtherThread&) = delete;
+  OtherThread& operator=(const OtherThread&) = delete;
+  ~OtherThread() { end(); }
+
+  HWND window = nullptr;
+
+  // Destroys the window and ends the thread.
+  void end() {
+    if (!thread_.joinable()) return;
+    PostThreadMessageA(id_, WM_QUIT, 0, 0);
+    thread_.join();
+  }
+
+ private:
+  void run() {
+    id_ = GetCurrentThreadId();
+    window = make_dialog();
+    made_.set_value();
+    MSG message;
+    while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
+    DestroyWindow(window);
+  }
+
+  DWORD id_ = 0;
+  std::promise<void> made_;
+  std::thread thread_;
+};
+
+TEST_F(HwndTableHook, DoesNotSeeAnotherThreadsWindowsGo) {
+  HWND own = dialog();
+  OtherThread other;
+  table().reg_window(own, "own", 1);
+  table().reg_window(other.window, "other", 2);
+  EXPECT_EQ(table().get_handle("other"), other.window);
+  other.end();
+  EXPECT_STREQ(table().get_name(other.window), "other");
+  EXPECT_EQ(table().get_handle("other"), nullptr);
+  EXPECT_EQ(table().check_name("other", own), 1);
+  table().unreg_window(other.window);
+  EXPECT_EQ(table().check_name("other", own), 0);
+}
+
+TEST_F(HwndTableHook, GoesWithItsThreadAndComesBackWithANewTable) {
+  HWND first = dialog();
+  HWND second = dialog();
+  std::thread([&] { table().reg_window(first, "first", 1); }).join();
+  table().reg_window(second, "second", 1);
+  EXPECT_EQ(installed.size(), 1u);
+  DestroyWindow(first);
+  EXPECT_STREQ(table().get_name(first), "first");
+  kexHWNDTable::delete_singleton();
+  table().reg_window(second, "second", 1);
+  DestroyWindow(second);
+  EXPECT_EQ(table().get_name(second), nullptr);
+}
+
+TEST_F(HwndTableHook, LeavesNothingBehind) {
+  HWND window = dialog();
+  expect_flat(200, [window] {
+    table().reg_window(window, "a name that is longer than a short text", 1);
+    HWND other = make_dialog();
+    table().reg_window(other, "other", 1);
+    DestroyWindow(other);
+    table().unreg_window(window);
+    table().reg_window(window, "name", 1);
+    kexHWNDTable::delete_singleton();
+  });
+}
+
+// ---- unload --------------------------------------------------------------------------------------------------------
+
+TEST(HwndTableInChildProcess, RemovesItsHookWhenTheLibraryIsFreedAndTheProgramGoesOn) {
+  EXPECT_EQ(run_program("plugin_host.exe", "hook"), 0u);
+}
+
+TEST(HwndTableInChildProcess, GivesItsMemoryBackWhenTheLibraryIsFreed) {
+  EXPECT_EQ(run_program("plugin_host.exe", "flat register_many_windows"), 0u);
+}
+
+TEST(HwndTableInChildProcess, IsLeftAloneAtTheEndOfTheProcess) {
+  EXPECT_EQ(run_program("kexlib_host.exe", "hwnd_table"), 7u);
+}
+
+}  // namespace
