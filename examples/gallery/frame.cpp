@@ -4,6 +4,7 @@
 
 #include <kexlib/diagnostics.h>
 #include <kexlib/text.h>
+#include <kexlib/windowtools.h>
 
 #include <algorithm>
 #include <string>
@@ -13,6 +14,7 @@ namespace gallery {
 namespace {
 
 constexpr int tree_width = 210;
+constexpr char view_name[] = "view";
 
 }  // namespace
 
@@ -24,7 +26,10 @@ bool PageFrame::open(HWND client) {
               WS_EX_MDICHILD))
     return false;
   page_ = entry_.make();
-  return page_->open(m_hWnd, entry_.title, entry_.words);
+  if (!page_->open(m_hWnd, entry_.title, entry_.words)) return false;
+  // Every page's view has the same name: asked for it, the table gives the one that is in front.
+  kexHWNDTable::singleton().reg_window(page_->m_hWnd, view_name, 0);
+  return true;
 }
 
 LRESULT PageFrame::OnSize(UINT, WPARAM, LPARAM size, BOOL& handled) {
@@ -129,15 +134,14 @@ LRESULT Frame::OnDestroy(UINT, WPARAM, LPARAM, BOOL&) {
 // ---- pages ----------------------------------------------------------------------------------------------------------
 
 PageFrame* Frame::active_page() const {
-  const auto active = reinterpret_cast<HWND>(::SendMessage(client_, WM_MDIGETACTIVE, 0, 0));
-  const auto found = std::find_if(open_pages_.begin(), open_pages_.end(),
-                                  [active](const auto& page) { return page->m_hWnd == active; });
-  return active && found != open_pages_.end() ? found->get() : nullptr;
+  const HWND view = kexHWNDTable::singleton().get_handle(view_name);
+  const auto found =
+      std::find_if(open_pages_.begin(), open_pages_.end(), [view](const auto& page) { return page->page() == view; });
+  return view && found != open_pages_.end() ? found->get() : nullptr;
 }
 
 LRESULT Frame::OnActivePage(UINT, WPARAM, LPARAM, BOOL&) {
-  const PageFrame* page = active_page();
-  return page ? reinterpret_cast<LRESULT>(page->page()) : 0;
+  return reinterpret_cast<LRESULT>(kexHWNDTable::singleton().get_handle(view_name));
 }
 
 LRESULT Frame::OnOpenPage(int, LPNMHDR, BOOL&) {

@@ -19,7 +19,7 @@ class PageFrame : public ATL::CWindowImpl<PageFrame> {
   // A child of the MDI client.
   bool open(HWND client);
   const PageEntry& entry() const { return entry_; }
-  HWND page() const { return page_->m_hWnd; }
+  HWND page() const { return page_ ? page_->m_hWnd : nullptr; }
 
   BEGIN_MSG_MAP(PageFrame)
     MESSAGE_HANDLER(WM_SIZE, OnSize)
