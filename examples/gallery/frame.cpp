@@ -187,7 +187,7 @@ LRESULT Frame::OnProfile(WORD, WORD, HWND, BOOL&) {
   if (profiling_)
     kex_start_profiling();
   else
-    kex_stop_profiling("gallery.js");
+    kex_stop_profiling("profiler.js");
   ::CheckMenuItem(::GetMenu(m_hWnd), id_profile, profiling_ ? MF_CHECKED : MF_UNCHECKED);
   return 0;
 }
