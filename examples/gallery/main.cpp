@@ -1,7 +1,8 @@
 // The gallery shows what is in kexlib, a page for each unit.
 //
-//     gallery              opens it
-//     gallery --tour       goes through all pages by itself, and writes what it sees into the current folder
+//     gallery                        opens it
+//     gallery --tour                 goes through all pages by itself, and writes what it sees into the current folder
+//     gallery --tour --page TITLE    the same for those pages only that have this in their title
 //
 // The exit status is 0, 1 where the tour saw something that was not as promised, or 2 where it cannot start.
 #include <frame.h>
@@ -30,7 +31,8 @@ bool can_write_here() {
   return true;
 }
 
-int run(HINSTANCE texts, bool with_tour) {
+// `page` is null where there is to be no tour.
+int run(HINSTANCE texts, const char* page) {
   gallery::Frame frame;
   WTL::CMessageLoop loop;
   module_state.AddMessageLoop(&loop);
@@ -40,9 +42,9 @@ int run(HINSTANCE texts, bool with_tour) {
 
   bool as_promised = true;
   std::thread user;
-  if (with_tour)
+  if (page)
     user = std::thread([&, window = frame.m_hWnd] {
-      as_promised = gallery::Tour(window).run();
+      as_promised = gallery::Tour(window).run(page);
       PostMessageA(window, WM_CLOSE, 0, 0);
       if (!as_promised) ExitProcess(not_as_promised);  // a dialog may be open that nobody closes any more
     });
@@ -55,15 +57,18 @@ int run(HINSTANCE texts, bool with_tour) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  const bool with_tour = count == 2 && std::strcmp(arguments[1], "--tour") == 0;
-  if (count > 1 && !with_tour) return refuse("it knows one argument, --tour.");
+  const bool with_tour = count > 1 && std::strcmp(arguments[1], "--tour") == 0;
+  const bool of_some_pages = count == 4 && std::strcmp(arguments[2], "--page") == 0;
+  if (count > 1 && !(with_tour && (count == 2 || of_some_pages)))
+    return refuse("it knows the arguments --tour and --tour --page TITLE.");
+  const char* const page = of_some_pages ? arguments[3] : with_tour ? "" : nullptr;
   const HINSTANCE texts = LoadLibraryA("gallery_strings.dll");
   if (!texts) return refuse("gallery_strings.dll, which has its texts, is missing.");
   if (!can_write_here()) return refuse("the current folder cannot be written to.");
 
   OleInitialize(nullptr);
   module_state.Init(nullptr, GetModuleHandleA(nullptr));
-  const int status = run(texts, with_tour);
+  const int status = run(texts, page);
   module_state.Term();
   OleUninitialize();
   return status;

@@ -22,8 +22,9 @@ class Tour {
   Tour(const Tour&) = delete;
   Tour& operator=(const Tour&) = delete;
 
-  // Goes through all pages, and says line by line what it does. True where everything was as promised.
-  bool run();
+  // Goes through the pages that have this text in their titles, and says line by line what it does. True where
+  // everything was as promised.
+  bool run(const std::string& part_of_title);
 
   // ---- what a page's tour does --------------------------------------------------------------------------------------
 
