@@ -197,6 +197,22 @@ void Tour::press_with(WORD held, WORD key) {
   send_key(held, KEYEVENTF_KEYUP);
 }
 
+void Tour::write(int id, const std::string& text) {
+  click(id);
+  press(VK_HOME);
+  press_with(VK_SHIFT, VK_END);
+  press(VK_DELETE);
+  type(text);
+  wait_until('"' + text + "\" to be typed", [&] { return this->text(id) == text; });
+}
+
+void Tour::choose_from_menu(char menu, char item) {
+  press_with(VK_MENU, static_cast<WORD>(menu));
+  const HWND open = wait_for_menu();
+  press(static_cast<WORD>(item));
+  wait_for_end_of(open);
+}
+
 void Tour::wait_until(const std::string& what, const std::function<bool()>& happened) {
   if (!comes_true(happened, patience)) throw Stuck("waited in vain for " + what);
 }
@@ -227,6 +243,8 @@ std::string Tour::text_of(HWND window) {
   text.resize(static_cast<size_t>(ask(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
   return text;
 }
+
+bool Tour::is_checked(int id) const { return ask(control(id), BM_GETCHECK) == BST_CHECKED; }
 
 COLORREF Tour::color_at(HWND window, int x, int y) {
   POINT place{x, y};

@@ -49,6 +49,10 @@ class Tour {
   void type(const std::string& text);
   void press(WORD key);
   void press_with(WORD held, WORD key);
+  // Replaces what an edit control of one line says.
+  void write(int id, const std::string& text);
+  // With the keyboard: Alt and the letter of the menu, then the letter of the item.
+  void choose_from_menu(char menu, char item);
 
   // Waits for what is to happen; where it does not within some seconds, the tour ends.
   void wait_until(const std::string& what, const std::function<bool()>& happened);
@@ -61,6 +65,8 @@ class Tour {
   // What a window says; empty where there is none.
   static std::string text_of(HWND window);
   std::string text(int id) const { return text_of(control(id)); }
+  // Whether a check box or a radio button is.
+  bool is_checked(int id) const;
   // What the screen shows at a place in the client area of a window.
   static COLORREF color_at(HWND window, int x, int y);
 
