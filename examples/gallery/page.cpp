@@ -31,8 +31,19 @@ CString text_of(HWND window) {
   return text;
 }
 
+CString text_of_file(const CString& path) {
+  constexpr DWORD most = 64 * 1024;
+  const HANDLE file =
+      ::CreateFile(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return {};
+  std::string text(most, '\0');
+  DWORD got = 0;
+  if (!::ReadFile(file, text.data(), most, &got, nullptr)) got = 0;
+  ::CloseHandle(file);
+  return CString(text.data(), static_cast<int>(got));
+}
+
 Page::~Page() {
-  if (m_hWnd) DestroyWindow();
   if (heading_font_) ::DeleteObject(heading_font_);
 }
 

@@ -40,6 +40,8 @@ class Tour;
 
 // What a window of this thread says.
 CString text_of(HWND window);
+// What is in a file, its first 64 kilobytes; empty where there is none.
+CString text_of_file(const CString& path);
 
 // The view of a page: a heading, a few words, and below them the controls that the page's class adds, from left to
 // right and line by line.
@@ -74,6 +76,8 @@ class Page : public ATL::CWindowImpl<Page> {
 
   void set_text(int id, const CString& text) { ::SetDlgItemText(m_hWnd, id, text); }
   CString text_of(int id) const;
+  bool is_checked(int id) const { return ::IsDlgButtonChecked(m_hWnd, id) == BST_CHECKED; }
+  void check(int id, bool on) { ::CheckDlgButton(m_hWnd, id, on ? BST_CHECKED : BST_UNCHECKED); }
 
  private:
   POINT next_{margin, margin};
@@ -91,7 +95,17 @@ struct PageEntry {
 
 template <class T>
 std::unique_ptr<Page> make() {
-  return std::make_unique<T>();
+  // The windows go before what the page has: the objects of its controls leave their windows alone.
+  class Whole : public T {
+   public:
+    Whole() = default;
+    Whole(const Whole&) = delete;
+    Whole& operator=(const Whole&) = delete;
+    ~Whole() override {
+      if (this->m_hWnd) this->DestroyWindow();
+    }
+  };
+  return std::make_unique<Whole>();
 }
 
 // All pages, family by family, by title.
