@@ -35,9 +35,12 @@ if(MINGW)
   endforeach()
 endif()
 
-# Every program carries the manifest for version 6 of the common controls. Visual Studio's linker makes one itself.
+# Every program carries the manifest for version 6 of the common controls, but for those with the property
+# KEXLIB_WITHOUT_MANIFEST. Visual Studio's linker makes one itself.
 if(MINGW)
-  target_sources(kexlib_settings INTERFACE
-                 $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:${PROJECT_SOURCE_DIR}/cmake/program.rc>)
+  set(is_program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
+  set(wants_manifest $<NOT:$<BOOL:$<TARGET_PROPERTY:KEXLIB_WITHOUT_MANIFEST>>>)
+  target_sources(kexlib_settings
+                 INTERFACE $<$<AND:${is_program},${wants_manifest}>:${PROJECT_SOURCE_DIR}/cmake/program.rc>)
   target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where windres looks for the manifest
 endif()

@@ -83,25 +83,12 @@ class CLogFont : public LOGFONT {
     ::GetObject(font, sizeof(LOGFONT), static_cast<LOGFONT*>(this));
   }
 
-  // The height of the letters in points, for a device (null: the screen) that maps one unit to a pixel. It becomes
-  // negative: the height of the characters without the room above them.
-  void SetHeight(LONG points, HDC dc = nullptr) noexcept {
-    lfHeight = -::MulDiv(static_cast<int>(points), pixels_per_inch(dc), points_per_inch);
-  }
   void SetBold() noexcept { lfWeight = FW_BOLD; }
 
   // The font, owned by the caller.
   HFONT CreateFontIndirect() noexcept { return ::CreateFontIndirect(this); }
 
   static constexpr int points_per_inch = 72;
-
- private:
-  static int pixels_per_inch(HDC dc) noexcept {
-    HDC screen = dc ? nullptr : ::GetDC(nullptr);
-    int pixels = ::GetDeviceCaps(dc ? dc : screen, LOGPIXELSY);
-    if (screen) ::ReleaseDC(nullptr, screen);
-    return pixels;
-  }
 };
 
 // A font.

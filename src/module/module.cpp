@@ -19,6 +19,10 @@ constinit NumberTexts tip_numbers;
 constinit const char digit_font_name[] = "Tahoma";
 
 constinit HwndTableState hwnd_table;  // unloaded: removes the hook
+constinit OwnManifest own_manifest;
+
+const DialogMessages dialog_messages{RegisterWindowMessageA("MSG_QZ_GetDialogTemplateID"),
+                                     RegisterWindowMessageA("MSG_QZ_GetDialogResLibrary")};
 
 TimerRegistry timers;  // the windowless timers, with the lock that they share
 

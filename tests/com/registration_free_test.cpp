@@ -6,6 +6,7 @@
 
 #include <kexlib/text/apply_to_files.h>
 
+#include <support/child_process.h>
 #include <support/files.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
@@ -226,6 +227,11 @@ TEST(RegistrationFree, LeavesTheThreadsContextAsItWas) {
       reg_free_co_create(id, components().c_str(), path.c_str(), CLSCTX_INPROC_SERVER, &object);
       EXPECT_EQ(active_context(), before) << path;
     }
+}
+
+// The system ends a program whose contexts are not left in their order: nobody hides that.
+TEST(RegistrationFreeInChildProcess, EndsWhereAServerLeavesAContextActive) {
+  EXPECT_EQ(run_program("kexlib_host.exe", "careless_server \"" + manifest() + "\""), 10u);
 }
 
 // activation contexts, call by call

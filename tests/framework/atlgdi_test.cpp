@@ -104,8 +104,6 @@ TEST(Ownership, RoundsLeaveNothingBehind) {
     CBitmap bitmap;
     bitmap.CreateCompatibleBitmap(screen, 4, 4);
     CClientDC client(nullptr);
-    CLogFont description;
-    description.SetHeight(9);
   };
   round();
   ResourceCounts before;
@@ -182,13 +180,6 @@ TEST(Font, ATooLongFaceNameIsCut) {
   LOGFONT description;
   ASSERT_TRUE(font.GetLogFont(description));
   EXPECT_EQ(std::string(description.lfFaceName), std::string(LF_FACESIZE - 1, 'x'));
-}
-
-TEST(LogFont, TakesItsHeightInPoints) {
-  CLogFont description;
-  EXPECT_EQ(description.lfHeight, 0);
-  description.SetHeight(12);
-  EXPECT_EQ(description.lfHeight, -MulDiv(12, screen_pixels_per_inch(), 72));
 }
 
 TEST(LogFont, DescribesAnExistingFontAndMakesOneOfItself) {

@@ -1,4 +1,5 @@
 // A program that profiles and traces and then ends in the way that its argument names. It tests what unloading writes.
+#include <kexlib/com/registration_free.h>
 #include <kexlib/diagnostics.h>
 #include <kexlib/messageloop.h>
 #include <kexlib/windowtools/hwnd_table.h>
@@ -7,6 +8,8 @@
 
 #include <support/crash_report.h>
 #include <support/import_override.h>
+
+#include <in_process_server.h>
 
 #include <atomic>
 #include <cstdlib>
@@ -18,6 +21,7 @@ namespace {
 constexpr int exit_code = 7;
 constexpr int touched_lock = 8;
 constexpr int touched_hook = 9;
+constexpr int early_deactivation = 10;
 
 // A thread that is always inside the profiler, most of the time with new names, so that the process ends in the middle
 // of an insertion.
@@ -67,6 +71,50 @@ void tick_endlessly(EndlessTick& timer) {
 // At the end of the process the hook goes by itself, as the memory does.
 BOOL WINAPI unhooked(HHOOK) { return TerminateProcess(GetCurrentProcess(), touched_hook); }
 
+// A class whose server leaves an activation context of its own active.
+constexpr GUID careless_class = {0x5D0E8A60, 0x3C1B, 0x4B7A, {0x9E, 0x52, 0x6A, 0x1F, 0x0C, 0x7D, 0x2B, 0x10}};
+
+class CarelessFactory : public in_process::Counted<IClassFactory> {
+ public:
+  explicit CarelessFactory(HANDLE context) : context_(context) {}
+  STDMETHODIMP QueryInterface(REFIID, void** object) override {
+    *object = static_cast<IClassFactory*>(this);
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP CreateInstance(IUnknown*, REFIID, void** object) override {
+    *object = nullptr;
+    ULONG_PTR cookie;
+    ActivateActCtx(context_, &cookie);
+    return E_FAIL;
+  }
+  STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+
+ private:
+  HANDLE context_;
+};
+
+LONG WINAPI end_at_early_deactivation(EXCEPTION_POINTERS* exception) {
+  constexpr DWORD status = 0xC015000F;  // STATUS_SXS_EARLY_DEACTIVATION
+  if (exception->ExceptionRecord->ExceptionCode == status) TerminateProcess(GetCurrentProcess(), early_deactivation);
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+// Makes an object of that class while this manifest is in force.
+void make_carelessly(const std::string& manifest) {
+  const std::string folder = manifest.substr(0, manifest.rfind('\\'));
+  ACTCTXA wanted = {};
+  wanted.cbSize = sizeof wanted;
+  wanted.lpSource = manifest.c_str();
+  AddVectoredExceptionHandler(TRUE, end_at_early_deactivation);
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  DWORD registered = 0;
+  CoRegisterClassObject(careless_class, new CarelessFactory(CreateActCtxA(&wanted)), CLSCTX_INPROC_SERVER,
+                        REGCLS_MULTIPLEUSE, &registered);
+  IUnknown* object = nullptr;
+  reg_free_co_create(careless_class, folder.c_str(), manifest.c_str(), CLSCTX_INPROC_SERVER, &object);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -87,6 +135,10 @@ int main(int argc, char** argv) {
   if (ending == "hwnd_table") {
     new ImportOverride("kexlib.dll", "USER32.dll", "UnhookWindowsHookEx", &unhooked);
     kexHWNDTable::singleton().reg_window(GetDesktopWindow(), "desktop", 1);
+    return exit_code;
+  }
+  if (ending == "careless_server") {
+    make_carelessly(argv[2]);
     return exit_code;
   }
   if (ending == "alert") {
