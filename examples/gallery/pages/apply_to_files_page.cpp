@@ -23,7 +23,8 @@ namespace fs = std::filesystem;
 class SampleProject {
  public:
   SampleProject() {
-    for (const char* file : {"readme.txt", "main.cpp", "ui/window.cpp", "ui/window.h", "ui/logo.png", "build/made.cpp"}) {
+    for (const char* file :
+         {"readme.txt", "main.cpp", "ui/window.cpp", "ui/window.h", "ui/logo.png", "build/made.cpp"}) {
       const fs::path path = root_ / file;
       fs::create_directories(path.parent_path());
       std::ofstream(path) << "sample\n";

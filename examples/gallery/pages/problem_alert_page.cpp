@@ -65,7 +65,8 @@ void tour(gallery::Tour& user) {
   user.check_text(id_result, "A problem was raised, and this thread went on.");
   const HWND box = user.wait_for_window(caption);
   user.check("the box has its text", [&] {
-    return user.text_of(FindWindowExA(box, nullptr, "Static", "The problem has occurred")) == "The problem has occurred";
+    return user.text_of(FindWindowExA(box, nullptr, "Static", "The problem has occurred")) ==
+           "The problem has occurred";
   });
   user.take_picture("problem_alert_box", box);
   // The window is alive beside the box; what is raised now belongs to the box that is there.

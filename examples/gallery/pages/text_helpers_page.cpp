@@ -10,7 +10,17 @@
 
 namespace {
 
-enum { id_name = 100, id_path_name, id_file_name, id_reference, id_look_up, id_text, id_source, id_product, id_bitness };
+enum {
+  id_name = 100,
+  id_path_name,
+  id_file_name,
+  id_reference,
+  id_look_up,
+  id_text,
+  id_source,
+  id_product,
+  id_bitness
+};
 constexpr int label_width = 170;
 
 class TextHelpersPage : public gallery::Page {

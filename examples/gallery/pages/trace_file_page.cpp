@@ -38,8 +38,9 @@ class TraceFilePage : public gallery::Page {
 
  private:
   void add_controls() override {
-    add_label("Check Record > Trace to a file, and lines go to a new file on the desktop; uncheck it to close the file.",
-              600);
+    add_label(
+        "Check Record > Trace to a file, and lines go to a new file on the desktop; uncheck it to close the file.",
+        600);
     new_line();
     add(WC_BUTTON, "&Trace three lines", WS_TABSTOP, id_write, 120);
     add(WC_BUTTON, "&Show the file", WS_TABSTOP, id_show, 120);
@@ -78,9 +79,8 @@ void tour(gallery::Tour& user) {
   user.click(id_write);
   user.check_text(id_mode, "The trace is off: nothing was written.");
   user.click(id_show);
-  user.check("the file ends in a footer with the time", [&] {
-    return user.text(id_text).starts_with(std::string(lines) + "\r\n\r\nFile closed at ");
-  });
+  user.check("the file ends in a footer with the time",
+             [&] { return user.text(id_text).starts_with(std::string(lines) + "\r\n\r\nFile closed at "); });
   user.take_picture("trace_file");
   user.tell_of_file(user.text(id_path));
 }

@@ -125,9 +125,8 @@ class WindowlessTimerPage : public gallery::Page {
     const int before = clock.get_ticks();
     clock.SetSuspended(on);
     if (on) return;
-    set_text(id_released, clock.get_ticks() == before
-                              ? "No tick was held back."
-                              : "All ticks that were held back came as one, at once.");
+    set_text(id_released, clock.get_ticks() == before ? "No tick was held back."
+                                                      : "All ticks that were held back came as one, at once.");
   }
 
   // The timers may tick for as long as somebody holds them; they show that in this window.
