@@ -144,6 +144,10 @@ LRESULT Frame::OnActivePage(UINT, WPARAM, LPARAM, BOOL&) {
   return reinterpret_cast<LRESULT>(kexHWNDTable::singleton().get_handle(view_name));
 }
 
+LRESULT Frame::OnPaintNow(UINT, WPARAM window, LPARAM, BOOL&) {
+  return ::RedrawWindow(reinterpret_cast<HWND>(window), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
 LRESULT Frame::OnOpenPage(int, LPNMHDR, BOOL&) {
   TVITEM item{};
   item.mask = TVIF_PARAM;

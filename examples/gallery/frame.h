@@ -46,6 +46,8 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
   enum { id_tree = 1, id_status, id_client, first_page_frame = 1000 };
   // Answers with the view of the active page.
   static constexpr UINT message_active_page = WM_APP + 1;
+  // Paints a window of this thread, whose handle is the first parameter, and all that lies in it.
+  static constexpr UINT message_paint = WM_APP + 2;
 
   // `texts` is the module with the gallery's texts. False where the system refuses, as it does without a display.
   bool open(HINSTANCE texts);
@@ -58,6 +60,7 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
     MESSAGE_HANDLER(WM_SIZE, OnSize)
     MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
     MESSAGE_HANDLER(message_active_page, OnActivePage)
+    MESSAGE_HANDLER(message_paint, OnPaintNow)
     NOTIFY_HANDLER(id_tree, NM_DBLCLK, OnOpenPage)
     NOTIFY_HANDLER(id_tree, NM_RETURN, OnOpenPage)
     COMMAND_ID_HANDLER(id_exit, OnExit)
@@ -77,6 +80,7 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
   LRESULT OnSize(UINT, WPARAM, LPARAM, BOOL&);
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL&);
   LRESULT OnActivePage(UINT, WPARAM, LPARAM, BOOL&);
+  LRESULT OnPaintNow(UINT, WPARAM, LPARAM, BOOL&);
   LRESULT OnOpenPage(int, LPNMHDR, BOOL&);
   LRESULT OnExit(WORD, WORD, HWND, BOOL&);
   LRESULT OnProfile(WORD, WORD, HWND, BOOL&);

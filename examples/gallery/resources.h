@@ -12,5 +12,17 @@
 #define IDB_SAVE 411
 #define IDB_PRINT 412
 #define IDB_TICK 413
+/* 160 x 96 pixels of 8 bits */
+#define IDB_DAY 420
+#define IDB_NIGHT 421
+
+/* dialogs */
+#define IDD_PART_NAME 800
+#define IDD_PART_PLACE 801
+#define IDD_PART_SUMMARY 802
+#define IDC_PART_NAME 810
+#define IDC_IN_PROJECT 811
+#define IDC_IN_LIBRARY 812
+#define IDC_PART_SUMMARY 813
 
 #endif

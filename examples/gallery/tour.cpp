@@ -270,9 +270,10 @@ void Tour::check_text(int id, const std::string& expected) {
 
 void Tour::take_picture(const std::string& name, HWND window) {
   const std::string path = name + ".png";
+  if (!window) window = GetParent(page_);
   RECT place;
-  GetWindowRect(window ? window : GetParent(page_), &place);
-  ask(frame_, WM_NULL);  // what was posted before is painted by now
+  GetWindowRect(window, &place);
+  ask(frame_, Frame::message_paint, reinterpret_cast<WPARAM>(window));
   check("the picture " + path + " is written", [&] { return save_screen_picture(place, path); });
   tell_of_file(path);
 }
