@@ -41,8 +41,8 @@ class StaticBitmapPage : public gallery::Page {
  private:
   void add_controls() override {
     add_label("A bitmap resource:", 120);
-    resource_.get_static().Attach(add(WC_STATIC, "", SS_BITMAP, id_resource, 64, 64));
-    take_place(16);
+    resource_.get_static().Attach(add(WC_STATIC, "", SS_BITMAP, id_resource, 160, 96));
+    take_place(132, 0);
     add(WC_BUTTON, "&Another one", WS_TABSTOP, id_other, 100);
     new_line(24);
     add_label("An image file:", 120);
@@ -73,7 +73,7 @@ class StaticBitmapPage : public gallery::Page {
   }
 
   LRESULT OnOther(WORD, WORD, HWND, BOOL&) {
-    bitmap_ = bitmap_ == IDB_LANDSCAPE ? IDB_SIGN : IDB_LANDSCAPE;
+    bitmap_ = bitmap_ == IDB_DAY ? IDB_NIGHT : IDB_DAY;
     show_resource();
     return 0;
   }
@@ -91,7 +91,7 @@ class StaticBitmapPage : public gallery::Page {
     return 0;
   }
 
-  UINT bitmap_ = IDB_LANDSCAPE;
+  UINT bitmap_ = IDB_DAY;
   wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>> resource_, file_;
 };
 
@@ -104,14 +104,14 @@ bool is_near(COLORREF one, COLORREF other) {
 
 void tour(gallery::Tour& user) {
   const COLORREF face = GetSysColor(COLOR_BTNFACE);
-  constexpr COLORREF grey = RGB(128, 128, 128), red = RGB(200, 20, 30);
+  constexpr COLORREF sun = RGB(255, 210, 40), moon = RGB(235, 235, 210);
   const auto resource = [&](int x, int y) { return gallery::Tour::color_at(user.control(id_resource), x, y); };
   const auto file = [&](int x) { return gallery::Tour::color_at(user.control(id_file), x, png_size / 2); };
   constexpr int outside = 1, rim = 20, inside = png_size / 2;
 
-  user.check("the landscape is shown", [&] { return resource(20, 36) == grey; });
+  user.check("the day is shown", [&] { return resource(128, 28) == sun; });
   user.click(id_other);
-  user.check("the sign is shown", [&] { return resource(45, 36) == red; });
+  user.check("the night is shown", [&] { return resource(128, 28) == moon; });
   user.click(id_other);
 
   user.write(id_path, "missing.png");
