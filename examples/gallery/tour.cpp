@@ -100,6 +100,7 @@ bool Tour::run(const std::string& part_of_title) {
     const RECT screen{0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
     if (save_screen_picture(screen, "stuck.png")) tell_of_file("stuck.png");
   }
+  close_pages();
   std::printf("\nThe tour made:\n");
   for (const std::string& file : files_) std::printf("  %s\n", file.c_str());
   std::printf("\n%d checks, %zu failed\n", checks_, failures_.size());
@@ -146,6 +147,16 @@ void Tour::open(const PageEntry& entry) {
     page_ = reinterpret_cast<HWND>(ask(frame_, Frame::message_active_page));
     return page_ && text_of(page_) == entry.title;
   });
+}
+
+void Tour::close_pages() {
+  while (const auto view = reinterpret_cast<HWND>(ask(frame_, Frame::message_active_page))) {
+    press_with(VK_CONTROL, VK_F4);
+    if (!comes_true([&] { return !IsWindow(view); }, patience)) {
+      failures_.emplace_back("a page does not close");
+      return;
+    }
+  }
 }
 
 HWND Tour::control(int id) const {

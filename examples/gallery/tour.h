@@ -83,6 +83,7 @@ class Tour {
  private:
   void go_through(const PageEntry& entry);
   void open(const PageEntry& entry);
+  void close_pages();
 
   HWND frame_;
   HWND page_ = nullptr;
