@@ -21,15 +21,13 @@ class ComboListUtilsPage : public gallery::Page {
  private:
   void add_controls() override {
     add_label("Units", 60);
-    combo_ = add(WC_COMBOBOX, "", WS_TABSTOP | CBS_DROPDOWNLIST, id_combo, 200, 160);
-    new_line(line_height - 160);
-    take_place(60 + gap + 200);
+    combo_ = add(WC_COMBOBOX, "", WS_TABSTOP | CBS_DROPDOWNLIST, id_combo, 200);
     add(WC_BUTTON, "Of &length", WS_TABSTOP, id_lengths, 100);
-    add(WC_BUTTON, "Of &time", WS_TABSTOP, id_times, 100);
+    add(WC_BUTTON, "Of &time", WS_TABSTOP, id_times, 92);
     new_line(24);
     list_ = add(WC_LISTVIEW, "", WS_TABSTOP | WS_BORDER | LVS_REPORT | LVS_SHOWSELALWAYS, id_list, 476, 130);
     new_line();
-    add(WC_BUTTON, "&Read the selection", WS_TABSTOP, id_read, 140);
+    add(WC_BUTTON, "Read the s&election", WS_TABSTOP, id_read, 140);
     new_line();
     add(WC_EDIT, "", WS_TABSTOP | WS_BORDER | ES_READONLY | ES_MULTILINE, id_selected, 476, 70);
     fill_list();
@@ -37,8 +35,8 @@ class ComboListUtilsPage : public gallery::Page {
   }
 
   void fill_list() {
-    list_.InsertColumn(0, "City", LVCFMT_LEFT, 160, 0);
-    list_.InsertColumn(1, "River", LVCFMT_LEFT, 160, 1);
+    list_.InsertColumn(0, "City", LVCFMT_LEFT, 236, 0);
+    list_.InsertColumn(1, "River", LVCFMT_LEFT, 236, 1);
     constexpr const char* cities[][2] = {
         {"Basel", "Rhine"}, {"Budapest", "Danube"}, {"Hamburg", "Elbe"}, {"Lyon", "Rhone"}};
     for (int row = 0; const auto& [city, river] : cities) {
@@ -49,6 +47,7 @@ class ComboListUtilsPage : public gallery::Page {
 
   void populate(const std::vector<CStringA>& units) {
     kexWTLComboBoxUtils(combo_).populate(units);
+    kexGUITools::resize_dropdown_length(combo_);
     combo_.SetCurSel(0);
   }
 
@@ -83,6 +82,10 @@ void tour(gallery::Tour& user) {
   user.click(id_lengths);
   user.check("three units of length are in their place", [&] { return items() == 3; });
   user.check_text(id_combo, "millimetre");
+  user.click(id_combo);
+  user.press(VK_DOWN);
+  user.press(VK_RETURN);
+  user.check_text(id_combo, "inch");
 
   // The first row, and with Control and the blank the third.
   user.click(id_list);
@@ -93,8 +96,9 @@ void tour(gallery::Tour& user) {
   user.click(id_read);
   user.check_text(id_selected, "Basel lies on the Rhine.\r\nHamburg lies on the Elbe.\r\n");
   user.take_picture("combo_list_utils");
-  user.click(id_list);
+  user.click(user.control(id_list), 300, 110);  // below the rows
   user.click(id_read);
+  user.check_text(id_selected, "Nothing is selected.");
 }
 
 const gallery::Registration combo_list_utils{

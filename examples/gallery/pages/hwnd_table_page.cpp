@@ -105,6 +105,7 @@ class HwndTablePage : public gallery::Page {
 
 void tour(gallery::Tour& user) {
   const auto panel = [&] { return GetDlgItem(user.page(), id_panel); };
+  user.check_text(id_view, "Windows by name");
   user.write(id_name, "outline");
   user.check_text(id_answer, "No window is called \"outline\".");
   user.click(id_make);
@@ -123,7 +124,6 @@ void tour(gallery::Tour& user) {
   user.write(id_name, "outline");
 
   // Another page comes to the front, where one is open: it has the name then.
-  user.check_text(id_view, "Windows by name");
   const HWND frame = GetParent(user.page()), below = GetWindow(frame, GW_HWNDNEXT);
   user.press_with(VK_CONTROL, VK_F6);
   const std::string title = user.text_of(below ? below : frame);
