@@ -58,8 +58,8 @@ class GuiToolsPage : public gallery::Page {
     add(WC_BUTTON, "&Show the details", WS_TABSTOP | BS_AUTOCHECKBOX, id_details, 160);
     check(id_details, details_);
     new_line();
-    add(WC_BUTTON, "Details", BS_GROUPBOX, id_frame, 400, 76);
-    new_line(-56);
+    add(WC_BUTTON, "Details", BS_GROUPBOX, id_frame, 400, 86);
+    new_line(-64);
     take_place(8);
     add(WC_STATIC, "All that lies in the frame is shown and hidden with it.", 0, id_inside, 360, 16);
     new_line();
@@ -100,8 +100,8 @@ class GuiToolsPage : public gallery::Page {
   }
 
   LRESULT OnFill(WORD, WORD, HWND, BOOL&) {
-    unsigned texts[] = {IDS_BASE + 10, IDS_BASE + 11, IDS_BASE + 12, IDS_BASE + 13, IDS_BASE + 14};
-    kexGUITools::fill_combo_box_from_resource_ids(::GetModuleHandle("gallery_strings.dll"), combo_, texts, 5);
+    unsigned views[] = {IDS_BASE + 40, IDS_BASE + 41, IDS_BASE + 42, IDS_BASE + 43};
+    kexGUITools::fill_combo_box_from_resource_ids(::GetModuleHandle("gallery_strings.dll"), combo_, views, 4);
     combo_.SetCurSel(0);
     show_width();
     return 0;
@@ -155,7 +155,7 @@ class GuiToolsPage : public gallery::Page {
 
 void tour(gallery::Tour& user) {
   user.click(id_fill);
-  user.check_text(id_combo, "E&xit");
+  user.check_text(id_combo, "Front");
   user.check_text(id_width, "The list's width is 120.");  // not narrower than the field
   user.click(id_widen);
   user.check_text(id_width, "The list's width is 240.");

@@ -124,10 +124,12 @@ void tour(gallery::Tour& user) {
   user.write(id_name, "outline");
 
   // Another page comes to the front, where one is open: it has the name then.
-  const HWND frame = GetParent(user.page()), below = GetWindow(frame, GW_HWNDNEXT);
+  const HWND frame = GetParent(user.page()), client = GetParent(frame);
+  const bool alone = !GetWindow(frame, GW_HWNDNEXT) && !GetWindow(frame, GW_HWNDPREV);
+  const auto in_front = [&] { return reinterpret_cast<HWND>(SendMessageA(client, WM_MDIGETACTIVE, 0, 0)); };
   user.press_with(VK_CONTROL, VK_F6);
-  const std::string title = user.text_of(below ? below : frame);
-  user.check_text(id_view, title);
+  user.wait_until("another page in front", [&] { return alone || in_front() != frame; });
+  user.check_text(id_view, user.text_of(in_front()));
 }
 
 const gallery::Registration hwnd_table{
