@@ -16,6 +16,10 @@
 #define IDB_DAY 420
 #define IDB_NIGHT 421
 
+#define IDR_SAVE_MENU 700
+#define ID_SAVE_COPY 701
+#define ID_SAVE_ALL 702
+
 /* dialogs */
 #define IDD_PART_NAME 800
 #define IDD_PART_PLACE 801
