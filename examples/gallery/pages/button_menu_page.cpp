@@ -58,7 +58,14 @@ void tour(gallery::Tour& user) {
   user.check("the menu opens below the button",
              [&] { return opened.left == button.left && opened.top == button.bottom; });
   user.check("the button stays pressed", [&] { return user.is_checked(id_more); });
+  user.check("the button shows an arrow", [&] {
+    return gallery::Tour::color_at(arrow, 11, 12) != gallery::Tour::color_at(arrow, 4, 12) &&
+           gallery::Tour::color_at(arrow, 4, 12) != GetSysColor(COLOR_BTNFACE);
+  });
+  const auto first_item = [&] { return gallery::Tour::color_at(menu, 8, 12); };
+  const COLORREF unmarked = first_item();
   user.press(VK_DOWN);
+  user.check("the first item is marked", [&] { return first_item() != unmarked; });
   user.take_picture("button_menu");
   user.press(VK_RETURN);
   user.wait_for_end_of(menu);
