@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -19,26 +20,40 @@ enum { id_pattern = 100, id_list, id_enter_build, id_shortcuts, id_first_only, i
 
 namespace fs = std::filesystem;
 
-// A small project in a folder below the current one, for as long as this object lives.
+// A folder that was not there before, for as long as this object lives.
+class NewFolder {
+ public:
+  explicit NewFolder(fs::path path) : path_(std::move(path)) {
+    if (!fs::create_directory(path_)) throw std::runtime_error(path_.string() + " is there already.");
+  }
+  NewFolder(const NewFolder&) = delete;
+  NewFolder& operator=(const NewFolder&) = delete;
+  ~NewFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+
+  const fs::path& path() const { return path_; }
+
+ private:
+  fs::path path_;
+};
+
+// A small project in a folder below the current one.
 class SampleProject {
  public:
   SampleProject() {
+    const fs::path& root = folder_.path();
     for (const char* file :
          {"readme.txt", "main.cpp", "ui/window.cpp", "ui/window.h", "ui/logo.png", "build/made.cpp"}) {
-      const fs::path path = root_ / file;
+      const fs::path path = root / file;
       fs::create_directories(path.parent_path());
       std::ofstream(path) << "sample\n";
     }
-    add_shortcut(root_ / "ui/made.lnk", root_ / "build/made.cpp");
-  }
-  SampleProject(const SampleProject&) = delete;
-  SampleProject& operator=(const SampleProject&) = delete;
-  ~SampleProject() {
-    std::error_code ignored;
-    fs::remove_all(root_, ignored);
+    add_shortcut(root / "ui/made.lnk", root / "build/made.cpp");
   }
 
-  std::string root() const { return fs::path(root_).make_preferred().string(); }
+  std::string root() const { return fs::path(folder_.path()).make_preferred().string(); }
 
  private:
   static void add_shortcut(fs::path at, fs::path target) {
@@ -49,7 +64,7 @@ class SampleProject {
     if (SUCCEEDED(link.QueryInterface(&file))) file->Save(at.make_preferred().c_str(), FALSE);
   }
 
-  const fs::path root_ = fs::absolute("gallery_project");
+  const NewFolder folder_{fs::absolute("gallery_project")};
 };
 
 class ListFiles final : public kexApplyToFiles {
@@ -94,14 +109,15 @@ class ApplyToFilesPage : public gallery::Page {
     new_line();
     add(WC_EDIT, "", WS_TABSTOP | WS_BORDER | ES_READONLY | ES_MULTILINE, id_found, 400, 160);
     new_line();
-    add(WC_STATIC, "", 0, id_result, 400);
+    add(WC_STATIC, "", 0, id_result, 600);
   }
 
   LRESULT OnList(WORD, WORD, HWND, BOOL&) {
     try {
       list();
     } catch (const std::exception& problem) {
-      set_text(id_result, problem.what());  // no room for the project, say
+      set_text(id_found, "");
+      set_text(id_result, problem.what());
     }
     return 0;
   }

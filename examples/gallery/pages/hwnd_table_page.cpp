@@ -13,8 +13,7 @@ constexpr UINT_PTR timer_view = 1;
 class Panel : public ATL::CWindowImpl<Panel> {
  public:
   DECLARE_WND_CLASS_EX("kexlib_gallery_panel", 0, COLOR_HIGHLIGHT)
-  BEGIN_MSG_MAP(Panel)
-  END_MSG_MAP()
+  BOOL ProcessWindowMessage(HWND, UINT, WPARAM, LPARAM, LRESULT&, DWORD) override { return FALSE; }
 };
 
 class HwndTablePage : public gallery::Page {

@@ -19,7 +19,7 @@ class Block {
   ~Block() { kex_end_block(); }
 };
 
-double sum_of_roots(int count) {
+double sum_of_terms(int count) {
   double sum = 0;
   for (int i = 1; i <= count; ++i) sum += 1.0 / i / i;
   return sum;
@@ -31,10 +31,10 @@ double load() {
   double sum = 0;
   for (int part = 0; part < parts; ++part) {
     const Block inner("parse");
-    sum += sum_of_roots(terms);
+    sum += sum_of_terms(terms);
   }
   const Block last("check");
-  return sum + sum_of_roots(terms);
+  return sum + sum_of_terms(terms);
 }
 
 class ProfilerPage : public gallery::Page {
