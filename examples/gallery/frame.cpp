@@ -126,6 +126,8 @@ LRESULT Frame::OnSize(UINT, WPARAM, LPARAM size, BOOL&) {
 }
 
 LRESULT Frame::OnDestroy(UINT, WPARAM, LPARAM, BOOL&) {
+  for (const auto& page : open_pages_)
+    if (page->m_hWnd) ::SendMessage(client_, WM_MDIDESTROY, reinterpret_cast<WPARAM>(page->m_hWnd), 0);
   open_pages_.clear();
   ::PostQuitMessage(0);
   return 0;

@@ -26,6 +26,9 @@ class Tour {
   // everything was as promised.
   bool run(const std::string& part_of_title);
 
+  // Closes all pages, one after the other. False where one stays.
+  bool close_pages();
+
   // ---- what a page's tour does --------------------------------------------------------------------------------------
 
   HWND frame() const { return frame_; }
@@ -83,7 +86,6 @@ class Tour {
  private:
   void go_through(const PageEntry& entry);
   void open(const PageEntry& entry);
-  void close_pages();
 
   HWND frame_;
   HWND page_ = nullptr;

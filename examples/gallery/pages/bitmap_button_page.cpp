@@ -139,7 +139,14 @@ void tour(gallery::Tour& user) {
   user.take_picture("bitmap_button");
 
   user.click(id_picture);
-  user.check("a plain button has no edge otherwise", [&] { return edge() == face; });
+  user.check("a plain button has no edge otherwise", [&] {
+    // A leave that was too fast for the system to see is made up for by the next one.
+    if (edge() != face) {
+      user.point_at(user.control(id_enabled + plain));
+      user.point_at(user.control(id_picture));
+    }
+    return edge() == face;
+  });
   for (int i = 0; i < type_count; ++i)
     user.check("the button shows the other picture",
                [&] { return color(id_enabled + i, paper_feed.x, paper_feed.y) == printer; });
