@@ -87,13 +87,13 @@ stop_wine() {
   timeout 20 wineserver -w >/dev/null 2>&1 9>&- || true
 }
 
-# From here to the end of the command Wine can run programs.
+# From here to the end of the command Wine can run programs, on a display of its own or, with own-display, the user's.
 start_session() {
   lock_checkout
   mkdir -p "$session_folder"
   session_started=1
   stop_wine
-  start_display
+  [ "${1:-}" = own-display ] || start_display
   prepare_prefix
   [ -e "$programs/keeper.exe" ] || build_targets keeper
   start_keeper

@@ -1,0 +1,63 @@
+#include <application.h>
+
+#include <frame.h>
+
+#include <cstdio>
+#include <thread>
+
+namespace gallery {
+
+namespace {
+
+WTL::CAppModule application;
+
+int refuse(const char* why) {
+  std::fprintf(stderr, "gallery: %s\n", why);
+  return cannot_start;
+}
+
+bool can_write_here() {
+  const HANDLE file =
+      CreateFileA("gallery.tmp", GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  CloseHandle(file);
+  return true;
+}
+
+int run_window(HINSTANCE texts, const std::function<bool(HWND frame)>& user) {
+  Frame frame;
+  WTL::CMessageLoop loop;
+  application.AddMessageLoop(&loop);
+  loop.AddMessageFilter(&frame);
+  loop.AddIdleHandler(&frame);
+  if (!frame.open(texts)) return refuse("there is no display to open a window on.");
+
+  std::thread beside;
+  if (user)
+    beside = std::thread([&user, window = frame.m_hWnd] {
+      if (!user(window)) ExitProcess(not_as_promised);
+      PostMessageA(window, WM_CLOSE, 0, 0);
+    });
+  loop.Run();
+  if (beside.joinable()) beside.join();
+  application.RemoveMessageLoop();
+  return as_promised;
+}
+
+}  // namespace
+
+int run(const std::function<bool(HWND frame)>& user) {
+  const HINSTANCE texts = LoadLibraryA("gallery_strings.dll");
+  if (!texts) return refuse("gallery_strings.dll, which has its texts, is missing.");
+  if (!can_write_here()) return refuse("the current folder cannot be written to.");
+
+  OleInitialize(nullptr);
+  application.Init(nullptr, GetModuleHandleA(nullptr));
+  const int status = run_window(texts, user);
+  application.Term();
+  OleUninitialize();
+  FreeLibrary(texts);
+  return status;
+}
+
+}  // namespace gallery

@@ -1,0 +1,136 @@
+// The digit control, an ActiveX control that nobody registered, in the place of a placeholder.
+#include <afxwin.h>
+
+#include <page.h>
+#include <pages/sample_component.h>
+#include <tour.h>
+
+#include <kexlib/com.h>
+
+namespace {
+
+enum { id_placeholder = 100, id_value, id_show, id_italic, id_result };
+
+// The manifest of the component, in force on this thread as long as it lives.
+class Manifest {
+ public:
+  Manifest() {
+    const std::string folder = gallery::components_folder();
+    const std::string path = reg_free_manifest_path(folder.c_str(), "digit_control.dll");
+    ACTCTXA wanted{};
+    wanted.cbSize = sizeof wanted;
+    wanted.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
+    wanted.lpSource = path.c_str();
+    wanted.lpAssemblyDirectory = folder.c_str();
+    context_ = CreateActCtxA(&wanted);
+    if (context_ != INVALID_HANDLE_VALUE) ActivateActCtx(context_, &cookie_);
+  }
+  Manifest(const Manifest&) = delete;
+  Manifest& operator=(const Manifest&) = delete;
+  ~Manifest() {
+    if (cookie_) DeactivateActCtx(0, cookie_);
+    if (context_ != INVALID_HANDLE_VALUE) ReleaseActCtx(context_);
+  }
+
+ private:
+  HANDLE context_;
+  ULONG_PTR cookie_ = 0;
+};
+
+constexpr COLORREF paper = RGB(16, 24, 32), ink = RGB(80, 255, 120), unlit = RGB(28, 48, 44);
+
+class DigitControlPage : public gallery::Page {
+ public:
+  ~DigitControlPage() override {
+    digits_.DestroyWindow();
+    view_.Detach();
+  }
+
+  BEGIN_MSG_MAP(DigitControlPage)
+    COMMAND_ID_HANDLER(id_show, OnShow)
+    COMMAND_ID_HANDLER(id_italic, OnItalic)
+  END_MSG_MAP()
+
+ private:
+  void add_controls() override {
+    const RECT place = take_place(420, 150);
+    {
+      const Manifest in_force;
+      view_.Attach(m_hWnd);
+      if (!digits_.Create("", WS_CHILD | WS_VISIBLE, place, &view_, id_placeholder, nullptr, FALSE, nullptr)) {
+        new_line();
+        add(WC_STATIC, "The component is not there.", 0, id_result, 420);
+        return;
+      }
+    }
+    digits_.initialise();
+    digits_.SetDimAuto(FALSE);
+    digits_.SetNbLines(2);
+    digits_.SetNbDigits(8);
+    digits_.SetPrecision(2);
+    digits_.SetBackColor(paper);
+    digits_.SetForeColor(ink);
+    digits_.SetMaskColor(unlit);
+    digits_.SetDisplayMask(TRUE);
+    digits_.SetDisplayTitles(TRUE);
+    digits_.SetTitle(0, "X");
+    digits_.SetTitle(1, "Y");
+    digits_.SetValue(0, 12.5);
+    digits_.SetValue(1, -98.76);
+    digits_.CalculateFontSizeToFit();
+
+    new_line(16);
+    add_label("X", 20);
+    add(WC_EDIT, "12.5", WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, id_value, 100);
+    add(WC_BUTTON, "&Show", WS_TABSTOP, id_show, 100);
+    add(WC_BUTTON, "&Italic titles", WS_TABSTOP | BS_AUTOCHECKBOX, id_italic, 120);
+    new_line();
+    add(WC_STATIC, "", 0, id_result, 420);
+  }
+
+  LRESULT OnShow(WORD, WORD, HWND, BOOL&) {
+    digits_.SetValue(0, std::atof(text_of(id_value)));
+    CString text;
+    text.Format("The control shows %.2f.", digits_.GetValue(0));
+    set_text(id_result, text);
+    return 0;
+  }
+
+  LRESULT OnItalic(WORD, WORD, HWND, BOOL&) {
+    kexOleFont font = digits_.GetFont();
+    font.SetItalic(!font.GetItalic());
+    set_text(id_result, font.GetItalic() ? "The font is italic." : "The font is upright.");
+    return 0;
+  }
+
+  CWnd view_;  // this window, as the control's class wants its parent
+  kexDigitOCX digits_;
+};
+
+void tour(gallery::Tour& user) {
+  const HWND digits = user.control(id_placeholder);
+  user.check("the digits are drawn on their paper", [&] { return user.color_at(digits, 4, 140) == paper; });
+  const auto has_ink = [&] {
+    RECT size;
+    GetClientRect(digits, &size);
+    for (int x = 0; x < size.right; x += 2)
+      if (user.color_at(digits, x, size.bottom / 4) == ink) return true;
+    return false;
+  };
+  user.check("lit bars have the colour of the ink", has_ink);
+  user.write(id_value, "2718.28");
+  user.click(id_show);
+  user.check_text(id_result, "The control shows 2718.28.");
+  user.take_picture("digit_control");
+  user.click(id_italic);
+  user.check_text(id_result, "The font is italic.");
+  user.click(id_italic);
+  user.check_text(id_result, "The font is upright.");
+}
+
+const gallery::Registration digit_control{
+    "com", "Digit control",
+    "An ActiveX control that is made by its manifest, and driven through its wrapper's members.",
+    gallery::make<DigitControlPage>, tour};
+
+}  // namespace

@@ -1,0 +1,16 @@
+// What the screen shows, as a PNG file.
+#ifndef GALLERY_SCREEN_PICTURE_H
+#define GALLERY_SCREEN_PICTURE_H
+
+#include <windows.h>
+
+#include <string>
+
+namespace gallery {
+
+// A part of the screen, in screen coordinates. False where it cannot be written.
+bool save_screen_picture(const RECT& place, const std::string& path);
+
+}  // namespace gallery
+
+#endif
