@@ -1,6 +1,10 @@
+#include <afxwin.h>
+
 #include <application.h>
 
 #include <frame.h>
+
+#include <atlimage.h>
 
 #include <cstdio>
 #include <thread>
@@ -24,12 +28,30 @@ bool can_write_here() {
   return true;
 }
 
+// Shows the frame the messages of this thread's loop, for as long as it lives.
+class InLoop {
+ public:
+  explicit InLoop(Frame* frame) : frame_(frame), loop_(application.GetMessageLoop()) {
+    loop_->AddMessageFilter(frame_);
+    loop_->AddIdleHandler(frame_);
+  }
+  InLoop(const InLoop&) = delete;
+  InLoop& operator=(const InLoop&) = delete;
+  ~InLoop() {
+    loop_->RemoveIdleHandler(frame_);
+    loop_->RemoveMessageFilter(frame_);
+  }
+
+ private:
+  Frame* frame_;
+  WTL::CMessageLoop* loop_;
+};
+
 int run_window(HINSTANCE texts, const std::function<bool(HWND frame)>& user) {
   Frame frame;
   WTL::CMessageLoop loop;
   application.AddMessageLoop(&loop);
-  loop.AddMessageFilter(&frame);
-  loop.AddIdleHandler(&frame);
+  const InLoop in_loop(&frame);
   if (!frame.open(texts)) return refuse("there is no display to open a window on.");
 
   std::thread beside;
@@ -53,8 +75,11 @@ int run(const std::function<bool(HWND frame)>& user) {
 
   OleInitialize(nullptr);
   application.Init(nullptr, GetModuleHandleA(nullptr));
+  ATL::_AtlBaseModule.SetResourceInstance(application.GetModuleInstance());
+  AfxSetResourceHandle(application.GetModuleInstance());
   const int status = run_window(texts, user);
   application.Term();
+  ATL::CImage::ReleaseGDIPlus();  // as long as the library is there that may have started it
   OleUninitialize();
   FreeLibrary(texts);
   return status;

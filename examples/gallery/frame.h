@@ -62,7 +62,7 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
     MESSAGE_HANDLER(message_active_page, OnActivePage)
     MESSAGE_HANDLER(message_paint, OnPaintNow)
     NOTIFY_HANDLER(id_tree, NM_DBLCLK, OnOpenPage)
-    NOTIFY_HANDLER(id_tree, NM_RETURN, OnOpenPage)
+    NOTIFY_CODE_HANDLER(NM_RETURN, OnOpenPage)
     COMMAND_ID_HANDLER(id_exit, OnExit)
     COMMAND_ID_HANDLER(id_profile, OnProfile)
     COMMAND_ID_HANDLER(id_trace, OnTrace)

@@ -136,7 +136,8 @@ void Tour::open(const PageEntry& entry) {
     if (!item) continue;
     ask(tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
     RECT place;
-    std::memcpy(&place, &item, sizeof item);  // as TVM_GETITEMRECT wants it
+    const auto handle = reinterpret_cast<LPARAM>(item);
+    std::memcpy(&place, &handle, sizeof handle);  // as TVM_GETITEMRECT wants it
     ask(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
     click(tree, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
     press(VK_RETURN);

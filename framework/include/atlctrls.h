@@ -63,10 +63,6 @@ class CEditT : public TBase {
     std::memcpy(text, &size, sizeof size);  // the message takes the room from where it puts the text
     return number(EM_GETLINE, static_cast<WPARAM>(line), text);
   }
-  void SetSel(int start, int end) noexcept { number(EM_SETSEL, static_cast<WPARAM>(start), end); }
-  void ReplaceSel(LPCTSTR text, BOOL canUndo = FALSE) noexcept {
-    number(EM_REPLACESEL, static_cast<WPARAM>(canUndo), text);
-  }
 };
 using CEdit = CEditT<ATL::CWindow>;
 

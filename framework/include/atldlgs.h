@@ -228,10 +228,6 @@ class CPropertyPageWindow : public ATL::CWindow {
   }
 
   CPropertySheetWindow GetPropertySheet() const noexcept { return CPropertySheetWindow(::GetParent(m_hWnd)); }
-  // Says whether there is something to apply.
-  void SetModified(BOOL changed = TRUE) noexcept {
-    GetPropertySheet().SendMessage(changed ? PSM_CHANGED : PSM_UNCHANGED, reinterpret_cast<WPARAM>(m_hWnd));
-  }
 };
 
 // A page T of the application's, made from the dialog resource T::IDD of the module's resources. The object stays until

@@ -218,11 +218,6 @@ class CMessageMap {
     switch (dwMsgMapID) {                                                                           \
       case 0:
 
-// Begins the map with this number.
-#define ALT_MSG_MAP(msgMapID) \
-  break;                      \
-  case msgMapID:
-
 #define END_MSG_MAP() \
   break;              \
   default:            \
@@ -260,17 +255,10 @@ class CMessageMap {
                          func(static_cast<int>(wParam), reinterpret_cast<LPNMHDR>(lParam), bHandled))
 #define NOTIFY_HANDLER(id, code, func) KEXFRAMEWORK_NOTIFY_ENTRY(WM_NOTIFY, is(id, code), func)
 #define NOTIFY_CODE_HANDLER(code, func) KEXFRAMEWORK_NOTIFY_ENTRY(WM_NOTIFY, has_code(code), func)
-#define REFLECTED_NOTIFY_CODE_HANDLER(code, func) KEXFRAMEWORK_NOTIFY_ENTRY(OCM_NOTIFY, has_code(code), func)
 
-// What this map does not handle goes to another one: a base class's, a member's, or one of their other maps.
+// What this map does not handle goes to a base class's.
 #define CHAIN_MSG_MAP(theChainClass) \
   if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0)) return TRUE;
-#define CHAIN_MSG_MAP_MEMBER(theChainMember) \
-  if (theChainMember.ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, 0)) return TRUE;
-#define CHAIN_MSG_MAP_ALT(theChainClass, msgMapID) \
-  if (theChainClass::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID)) return TRUE;
-#define CHAIN_MSG_MAP_ALT_MEMBER(theChainMember, msgMapID) \
-  if (theChainMember.ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, msgMapID)) return TRUE;
 
 // Gives a control's notification back to the control, as OCM_ plus the message, and takes its answer.
 #define REFLECT_NOTIFICATIONS() KEXFRAMEWORK_MAP_ENTRY(true, this->ReflectNotifications(uMsg, wParam, lParam, bHandled))

@@ -141,7 +141,7 @@ class DibPage : public gallery::Page {
   }
 
   Ingredients with_;
-  std::deque<wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>> pictures_;
+  std::deque<wbzStaticBitmapTemplate<WTL::CStatic>> pictures_;
 };
 
 void tour(gallery::Tour& user) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-enum { id_placeholder = 100, id_value, id_show, id_italic, id_result };
+enum { id_placeholder = 100, id_value, id_show, id_italic, id_result, id_small };
 
 // The manifest of the component, in force on this thread as long as it lives.
 class Manifest {
@@ -79,6 +79,8 @@ class DigitControlPage : public gallery::Page {
     digits_.SetValue(1, -98.76);
     digits_.CalculateFontSizeToFit();
 
+    put_into_placeholder();
+
     new_line(16);
     add_label("X", 20);
     add(WC_EDIT, "12.5", WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL, id_value, 100);
@@ -86,6 +88,14 @@ class DigitControlPage : public gallery::Page {
     add(WC_BUTTON, "&Italic titles", WS_TABSTOP | BS_AUTOCHECKBOX, id_italic, 120);
     new_line();
     add(WC_STATIC, "", 0, id_result, 420);
+  }
+
+  // The same control without its wrapper, in its natural size: a placeholder says where.
+  void put_into_placeholder() {
+    add(WC_STATIC, "", SS_BLACKRECT, id_small, 100, 60);
+    const Manifest in_force;
+    const CString name = "{" + kexGUID(digits_.GetClsid()).get_str() + "}";
+    small_ = CreateControl(m_hWnd, &small_host_, id_small, name);
   }
 
   LRESULT OnShow(WORD, WORD, HWND, BOOL&) {
@@ -105,6 +115,8 @@ class DigitControlPage : public gallery::Page {
 
   CWnd view_;  // this window, as the control's class wants its parent
   kexDigitOCX digits_;
+  ATL::CAxWindow small_host_;
+  ATL::CComPtr<IUnknown> small_;
 };
 
 void tour(gallery::Tour& user) {
@@ -118,6 +130,13 @@ void tour(gallery::Tour& user) {
     return false;
   };
   user.check("lit bars have the colour of the ink", has_ink);
+  user.check("the placeholder is hidden, and the control at its place", [&] {
+    const HWND placeholder = user.control(id_small), host = FindWindowExA(user.page(), nullptr, "AtlAxWin140", nullptr);
+    RECT place, control;
+    GetWindowRect(placeholder, &place);
+    GetWindowRect(host, &control);
+    return !IsWindowVisible(placeholder) && control.left == place.left && control.top == place.top;
+  });
   user.write(id_value, "2718.28");
   user.click(id_show);
   user.check_text(id_result, "The control shows 2718.28.");

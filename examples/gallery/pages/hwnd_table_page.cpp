@@ -12,8 +12,18 @@ constexpr UINT_PTR timer_view = 1;
 // What is looked for by its name: an area of one colour.
 class Panel : public ATL::CWindowImpl<Panel> {
  public:
-  DECLARE_WND_CLASS_EX("kexlib_gallery_panel", 0, COLOR_HIGHLIGHT)
-  BOOL ProcessWindowMessage(HWND, UINT, WPARAM, LPARAM, LRESULT&, DWORD) override { return FALSE; }
+  DECLARE_WND_CLASS_EX("kexlib_gallery_panel", 0, COLOR_WINDOW)
+  BEGIN_MSG_MAP(Panel)
+    MESSAGE_HANDLER(WM_PAINT, OnPaint)
+  END_MSG_MAP()
+
+ private:
+  LRESULT OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
+    RECT all;
+    GetClientRect(&all);
+    WTL::CPaintDC(m_hWnd).FillSolidRect(&all, ::GetSysColor(COLOR_HIGHLIGHT));
+    return 0;
+  }
 };
 
 class HwndTablePage : public gallery::Page {

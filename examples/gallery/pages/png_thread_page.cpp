@@ -165,7 +165,7 @@ class PngThreadPage : public gallery::Page {
   }
 
   Canvas canvas_;
-  wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>> decoded_;
+  wbzStaticBitmapTemplate<WTL::CStatic> decoded_;
 };
 
 unsigned long long size_of_file(const char* path) {

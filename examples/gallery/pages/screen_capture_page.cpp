@@ -74,7 +74,7 @@ class ScreenCapturePage : public gallery::Page {
     return 0;
   }
 
-  wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>> preview_;
+  wbzStaticBitmapTemplate<WTL::CStatic> preview_;
 };
 
 void tour(gallery::Tour& user) {

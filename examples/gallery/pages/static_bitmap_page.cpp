@@ -1,4 +1,6 @@
 // Static bitmaps: a control that shows a bitmap resource, and one that shows an image file.
+#include <atlimage.h>
+
 #include <page.h>
 #include <resources.h>
 #include <tour.h>
@@ -65,10 +67,10 @@ class StaticBitmapPage : public gallery::Page {
 
   void show_file() {
     file_.set_bitmap_from_file(text_of(id_path));
-    BITMAP description{};
     CString size("That is no image.");
-    if (::GetObject(file_.get_static().GetBitmap(), sizeof description, &description))
-      size.Format("%ld x %ld pixels, %d bits each", description.bmWidth, description.bmHeight, description.bmBitsPixel);
+    ATL::CImage image;
+    if (SUCCEEDED(image.Load(text_of(id_path))))
+      size.Format("%d x %d pixels, %d bits each", image.GetWidth(), image.GetHeight(), image.GetBPP());
     set_text(id_size, size);
   }
 
@@ -92,7 +94,7 @@ class StaticBitmapPage : public gallery::Page {
   }
 
   UINT bitmap_ = IDB_DAY;
-  wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>> resource_, file_;
+  wbzStaticBitmapTemplate<WTL::CStatic> resource_, file_;
 };
 
 // Blending may round up or down.

@@ -152,7 +152,7 @@ void tour(gallery::Tour& user) {
     user.check("element " + std::to_string(row) + " is " + type + ' ' + value,
                [&] { return cell(row, 1) == type && cell(row, 2) == value; });
   };
-  const auto rows = [&] { return SendMessageA(user.control(id_list), LVM_GETITEMCOUNT, 0, 0); };
+  const auto rows = [&] { return WTL::CListViewCtrl(user.control(id_list)).GetItemCount(); };
 
   user.click(id_make);
   user.check_text(id_result, "The array is this object's own.");

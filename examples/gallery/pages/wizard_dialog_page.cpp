@@ -36,6 +36,10 @@ class NamePage : public PartPage<NamePage, IDD_PART_NAME> {
     CHAIN_MSG_MAP(WTL::CPropertyPageImpl<NamePage>)
   END_MSG_MAP()
 
+  BOOL OnSetActive() {
+    GetPropertySheet().SetWizardButtons(PSWIZB_NEXT | PSWIZB_FINISH);
+    return TRUE;
+  }
   // Without a name the user stays.
   int OnWizardNext() {
     part->name = gallery::text_of(GetDlgItem(IDC_PART_NAME));
