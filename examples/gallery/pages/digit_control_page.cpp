@@ -130,12 +130,14 @@ void tour(gallery::Tour& user) {
     return false;
   };
   user.check("lit bars have the colour of the ink", has_ink);
-  user.check("the placeholder is hidden, and the control at its place", [&] {
-    const HWND placeholder = user.control(id_small), host = FindWindowExA(user.page(), nullptr, "AtlAxWin140", nullptr);
+  user.check("the placeholder is hidden, and a control at its place", [&] {
     RECT place, control;
-    GetWindowRect(placeholder, &place);
-    GetWindowRect(host, &control);
-    return !IsWindowVisible(placeholder) && control.left == place.left && control.top == place.top;
+    GetWindowRect(user.control(id_small), &place);
+    for (HWND host = nullptr; (host = FindWindowExA(user.page(), host, "AtlAxWin140", nullptr));) {
+      GetWindowRect(host, &control);
+      if (control.left == place.left && control.top == place.top) return !IsWindowVisible(user.control(id_small));
+    }
+    return false;
   });
   user.write(id_value, "2718.28");
   user.click(id_show);

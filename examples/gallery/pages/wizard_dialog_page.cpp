@@ -59,6 +59,10 @@ class PlacePage : public PartPage<PlacePage, IDD_PART_PLACE> {
     ::CheckRadioButton(m_hWnd, IDC_IN_PROJECT, IDC_IN_LIBRARY, IDC_IN_PROJECT);
     return TRUE;
   }
+  BOOL OnSetActive() {
+    GetPropertySheet().SetWizardButtons(PSWIZB_BACK | PSWIZB_NEXT | PSWIZB_FINISH);
+    return TRUE;
+  }
   int OnWizardNext() {
     part->in_library = ::IsDlgButtonChecked(m_hWnd, IDC_IN_LIBRARY) == BST_CHECKED;
     return 0;
@@ -73,6 +77,7 @@ class SummaryPage : public PartPage<SummaryPage, IDD_PART_SUMMARY> {
   END_MSG_MAP()
 
   BOOL OnSetActive() {
+    GetPropertySheet().SetWizardButtons(PSWIZB_BACK | PSWIZB_FINISH);
     CString text = "Finish makes the part \"" + part->name + "\" ";
     text += part->in_library ? "in the library." : "in the project.";
     return ::SetDlgItemText(m_hWnd, IDC_PART_SUMMARY, text);
