@@ -1,8 +1,9 @@
 // Variant safe array: a list of VARIANTs as automation passes it, a SAFEARRAY of one dimension.
 //
 //     QuickVariantSafeArray list(2);
-//     list.PutAt(0, CComVariant(L"first"));
-//     list.PutAt(1, CComVariant(2));
+//     CComVariant first(L"first"), second(2);
+//     list.PutAt(0, first);
+//     list.PutAt(1, second);
 //     object->SetItems(list);                          // operator VARIANT: no copy, the array stays list's
 //
 //     QuickVariantSafeArray items(V_ARRAY(&value));    // looks at an array that somebody else owns

@@ -12,7 +12,8 @@
 // it looks on a disabled button.
 //
 // The button clicks, and tells its parent so, as before (BN_CLICKED). It looks different while the mouse is over it.
-// Before it paints itself it has its parent paint what lies behind.
+// Before it paints itself it has its parent paint what lies behind. A parent with the style WS_CLIPCHILDREN paints
+// nothing there: a plain button then keeps the edge that it had under the mouse.
 //
 // Errors. None is reported: what cannot be loaded is not shown. Running out of memory throws MFC's memory exception.
 // What a themer throws leaves the window procedure, with painting ended.
