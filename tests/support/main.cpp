@@ -18,11 +18,16 @@ class Watchdog : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo& test) override {
     name_ = std::string(test.test_suite_name()) + "." + test.name();
     ended_ = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    thread_ = std::thread([this] {
+    const HANDLE waits = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+    thread_ = std::thread([this, waits] {
+      SetEvent(waits);
       if (WaitForSingleObject(ended_, std::chrono::milliseconds(longest_test).count()) == WAIT_OBJECT_0) return;
       std::fprintf(stderr, "watchdog: %s does not end\n", name_.c_str());
       TerminateProcess(GetCurrentProcess(), watchdog_exit_code);
     });
+    // A thread that is still being made uses the heap, which Wine cannot walk meanwhile: it never comes to an end.
+    WaitForSingleObject(waits, INFINITE);
+    CloseHandle(waits);
   }
 
   void OnTestEnd(const testing::TestInfo&) override {
