@@ -7,6 +7,7 @@
 #include <support/import_override.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
+#include <support/user_input.h>
 
 #include <process.h>
 
@@ -55,18 +56,6 @@ std::vector<HWND> children(HWND parent, const char* class_name) {
   std::vector<HWND> found;
   for (HWND child = nullptr; (child = FindWindowExA(parent, child, class_name, nullptr));) found.push_back(child);
   return found;
-}
-
-// With the mouse, on the button.
-void click(HWND button) {
-  RECT place;
-  GetWindowRect(button, &place);
-  SetCursorPos((place.left + place.right) / 2, (place.top + place.bottom) / 2);
-  INPUT input[2]{};
-  input[0].type = input[1].type = INPUT_MOUSE;
-  input[0].mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
-  input[1].mi.dwFlags = MOUSEEVENTF_LEFTUP;
-  SendInput(2, input, sizeof *input);
 }
 
 void close_box() {

@@ -11,6 +11,13 @@ void key(WORD code, DWORD flags) {
   SendInput(1, &input, sizeof input);
 }
 
+// In the client area.
+POINT middle_of(HWND window) {
+  RECT client;
+  GetClientRect(window, &client);
+  return {client.right / 2, client.bottom / 2};
+}
+
 }  // namespace
 
 void press_key(WORD code, WORD held) {
@@ -37,9 +44,8 @@ void move_mouse(HWND window, int x, int y) {
 }
 
 void move_mouse_over(HWND window) {
-  RECT client;
-  GetClientRect(window, &client);
-  move_mouse(window, client.right / 2, client.bottom / 2);
+  const POINT middle = middle_of(window);
+  move_mouse(window, middle.x, middle.y);
 }
 
 void mouse_button(DWORD what) {
@@ -50,7 +56,15 @@ void mouse_button(DWORD what) {
 }
 
 void click(HWND window, DWORD down, DWORD up) {
-  move_mouse_over(window);
+  // The display may still be telling of where the mouse was before.
+  POINT middle = middle_of(window);
+  ClientToScreen(window, &middle);
+  pump_until([&] {
+    move_mouse_over(window);
+    POINT now;
+    GetCursorPos(&now);
+    return now.x == middle.x && now.y == middle.y;
+  });
   mouse_button(down);
   mouse_button(up);
 }
