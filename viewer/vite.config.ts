@@ -2,6 +2,7 @@ import { createHash } from 'node:crypto';
 import { readFileSync } from 'node:fs';
 import { defineConfig, type Plugin } from 'vite';
 import { viteSingleFile } from 'vite-plugin-singlefile';
+import { outputFolder } from './output_folder';
 
 /** Texts of the licences of what the page bundles, for its help. */
 function licences(): Plugin {
@@ -45,6 +46,8 @@ function contentSecurityPolicy(): Plugin {
             "default-src 'none'",
             "connect-src 'none'",
             `script-src ${hashes(html, 'script')} 'self' file:`,
+            // The frame that runs a record's script: of this page only, wherever the script would lead it.
+            "frame-src 'self' file:",
             `style-src ${hashes(html, 'style')}`,
             'img-src data:',
             "base-uri 'none'",
@@ -64,7 +67,7 @@ export default defineConfig({
   plugins: [licences(), viteSingleFile({ removeViteModuleLoader: true }), contentSecurityPolicy()],
   build: {
     target: 'es2022',
-    outDir: `${process.env.KEXLIB_VIEWER ?? '../build/viewer'}/page`,
+    outDir: `${outputFolder}/page`,
     emptyOutDir: true,
     modulePreload: false,
   },

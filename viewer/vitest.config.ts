@@ -1,10 +1,19 @@
 import { defineConfig } from 'vitest/config';
 
+const inNode = ['record', 'cli', 'real'].map((subject) => ({ subject, folder: subject, browser: '' }));
+const inBrowsers = ['chromium', 'firefox'].map((browser) => ({ subject: browser, folder: 'page', browser }));
+
 export default defineConfig({
   test: {
-    include: ['tests/**/*.test.ts'],
-    testTimeout: 60_000,
-    hookTimeout: 60_000,
     fileParallelism: false,
+    projects: [...inNode, ...inBrowsers].map(({ subject, folder, browser }) => ({
+      test: {
+        name: subject,
+        include: [`tests/${folder}/**/*.test.ts`],
+        env: { VIEWER_BROWSER: browser },
+        testTimeout: 60_000,
+        hookTimeout: 60_000,
+      },
+    })),
   },
 });

@@ -2,7 +2,7 @@
 import type { Page } from 'playwright-core';
 import { build } from 'vite';
 import type { Measured } from './flame_chart_page';
-import { framesPerSecond } from './frames';
+import { measureFrames } from './frames';
 import { pageMemory } from './memory';
 
 type Tell = (what: string, figure: string) => void;
@@ -26,9 +26,9 @@ export async function measureFlameChart(page: Page, record: string, tell: Tell):
     return measured.show(document.querySelector('input')!.files![0]!);
   });
   tell('first picture, the record chosen as a file', `${(time / 1000).toFixed(2)} s`);
-  const { moving, zooming } = await framesPerSecond(page, 'canvas');
-  tell('frames a second while it is moved', moving.toFixed(1));
-  tell('frames a second while it is zoomed', zooming.toFixed(1));
+  const { moving, zooming } = await measureFrames(page, 'canvas');
+  tell('from picture to picture while it is moved: p95', `${moving.p95.toFixed(0)} ms`);
+  tell('from picture to picture while it is zoomed: p95', `${zooming.p95.toFixed(0)} ms`);
   tell("most memory of the page's process", `${pageMemory().toFixed(0)} MB`);
   const levels = await page.evaluate(() => (window as unknown as { measured: Measured }).measured.deepest());
   tell('deepest record that it takes', `${levels} levels`);

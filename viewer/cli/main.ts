@@ -5,22 +5,23 @@ import { basename } from 'node:path';
 import type { Writable } from 'node:stream';
 import { decodeNames, encodings, guessEncoding } from '../src/record/bytes';
 import { chromeTrace, csv, speedscope } from '../src/record/exports';
-import { makeProfile, type Profile } from '../src/record/profile';
+import { makeProfile } from '../src/record/profile';
 import { statisticsByName } from '../src/record/statistics';
-import { TextReader } from '../src/record/text_reader';
-import { compareRecords } from './compare';
+import { RecordReader } from '../src/record/reader';
+import { compareRecords, type Read } from './compare';
 import { parse, Usage, usage, type Command } from './arguments';
 
-/** For a script: nothing found, a block got slower, the command could not be done. */
-const status = { well: 0, slower: 1, failed: 2 };
+/** A comparison has more of them. */
+const status = { well: 0, failed: 2 };
 
-async function read(path: string, encoding: string | undefined): Promise<Profile> {
-  const reader = new TextReader();
+async function read(path: string, encoding: string | undefined): Promise<Read> {
+  const reader = new RecordReader();
   for await (const part of createReadStream(path, { highWaterMark: 4 << 20 })) reader.push(part as Buffer);
   const raw = reader.finish();
   for (const { where, what } of raw.problems) console.error(`${path}: ${where}: ${what}`);
   if (raw.moreProblems > 0) console.error(`${path}: and ${raw.moreProblems} more problems`);
-  return makeProfile(raw, decodeNames(raw.names, encoding ?? guessEncoding(raw.names)));
+  const profile = makeProfile(raw, decodeNames(raw.names, encoding ?? guessEncoding(raw.names)));
+  return { path, profile, damaged: raw.problems.length + raw.moreProblems };
 }
 
 async function write(parts: Iterable<string>, path: string | undefined): Promise<void> {
@@ -37,7 +38,8 @@ async function run(command: Command): Promise<number> {
     throw new Usage(
       `there is no encoding '${command.encoding}'; there are: ${encodings.map(([name]) => name).join(' ')}`,
     );
-  const profile = await read(command.record, command.encoding);
+  const record = await read(command.record, command.encoding);
+  const { profile } = record;
   switch (command.kind) {
     case 'chrome':
       await write(chromeTrace(profile), command.output);
@@ -49,9 +51,9 @@ async function run(command: Command): Promise<number> {
       await write([csv(profile, statisticsByName(profile))], command.output);
       return status.well;
     case 'compare': {
-      const { text, slower } = compareRecords(profile, await read(command.second, command.encoding), command);
+      const { text, status } = compareRecords(record, await read(command.second, command.encoding), command);
       await write([text], command.output);
-      return slower > 0 ? status.slower : status.well;
+      return status;
     }
   }
 }

@@ -42,22 +42,57 @@ const press = async (page: Page, ...keys: string[]) => {
   for (const key of keys) await page.keyboard.press(key);
 };
 
-await picture('viewer_timeline.png', 'light', '', async (page) => {
+const search = async (page: Page, text: string) => {
   await press(page, 'Control+f');
-  await page.keyboard.type('profiler.cpp');
-  await press(page, 'Enter', 'Escape', '-', '-', '-', '-');
+  await page.keyboard.type(text);
+  await press(page, 'Enter');
+};
+
+const compare = async (page: Page, folder: string, view: string) => {
+  await press(page, '4');
+  await dropFile(page, join(folder, 'profiler.js'));
+  await page.getByRole('tab', { name: view }).click();
+};
+
+await picture('viewer_timeline.png', 'light', '', async (page) => {
+  await search(page, 'profiler.cpp');
+  await press(page, 'Escape', '-', '-', '-', '-');
+});
+await picture('viewer_search.png', 'light', '', async (page) => {
+  await search(page, 'profiler.cpp');
+  await page.getByRole('button', { name: 'All hits' }).click();
+});
+await picture('viewer_span.png', 'dark', '', async (page) => {
+  const { y } = (await page.locator('.chart canvas').boundingBox())!;
+  await page.keyboard.down('Shift');
+  await page.mouse.move(300, y + 60);
+  await page.mouse.down();
+  await page.mouse.move(700, y + 60, { steps: 3 });
+  await page.mouse.up();
+  await page.keyboard.up('Shift');
+  await page.locator('.list .table-row').first().waitFor();
 });
 await picture('viewer_flame_graph.png', 'dark', '', async (page) => {
-  await press(page, '2');
-  await page.mouse.click(300, 105);
+  await press(page, '2', 'Shift+ArrowDown', 'Shift+ArrowDown');
+});
+await picture('viewer_call_tree.png', 'light', '', async (page) => {
+  await press(page, '5');
+  await page.locator('.table-row').first().click();
+  await page.getByRole('grid').focus();
+  await press(page, 'ArrowRight', 'ArrowDown', 'ArrowRight', 'ArrowDown', 'ArrowRight');
 });
 await picture('viewer_statistics.png', 'dark', '', async (page) => {
   await press(page, '3');
   await page.locator('.table-row').first().click();
 });
 await picture('viewer_compare.png', 'light', '?record=counting.js', async (page, folder) => {
-  await press(page, '4');
-  await dropFile(page, join(folder, 'profiler.js'));
-  await page.locator('.table-row').first().waitFor();
+  await compare(page, folder, 'Table');
+  await page.locator('.table-row').first().click();
 });
+await picture('viewer_timelines.png', 'light', '?record=counting.js', (page, folder) =>
+  compare(page, folder, 'Timelines'),
+);
+await picture('viewer_difference.png', 'dark', '?record=counting.js', (page, folder) =>
+  compare(page, folder, 'Difference'),
+);
 await browser.close();

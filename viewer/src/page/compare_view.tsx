@@ -1,14 +1,20 @@
+import { computed, signal } from '@preact/signals';
+import { useState } from 'preact/hooks';
 import { change, type Compared } from '../record/compare';
+import { selfTime, type Profile } from '../record/profile';
 import type { Figures } from '../record/statistics';
-import { formatCount, formatRatio, formatTime, oneLine } from './format';
+import { ChartView } from './chart/chart_view';
+import { FileButton } from './file_button';
+import { formatCount, formatRatio, formatTime } from './format';
+import { Path } from './name';
 import { openFile } from './open';
+import { fault, query } from './search';
 import * as state from './state';
 import { Table, type Column } from './table';
-import { FileButton } from './toolbar';
 
-type Figure = 'count' | 'total' | 'mean';
+type Figure = 'count' | 'total' | 'self' | 'mean' | 'median';
 
-const pathText = (row: Compared) => row.path.map(oneLine).join(' › ');
+const pathText = (row: Compared) => row.path.join(' › ');
 const shown = (figure: Figure, value: number | undefined) =>
   value === undefined ? '–' : figure === 'count' ? formatCount(value) : formatTime(value);
 
@@ -30,24 +36,25 @@ function columnsOf(figure: Figure, title: string): Column<Compared>[] {
       id: `${figure}-before`,
       title: `${title} 1`,
       value: (row) => of(row.before),
-      show: (row) => shown(figure, of(row.before)),
+      text: (row) => shown(figure, of(row.before)),
     },
     {
       id: `${figure}-after`,
       title: `${title} 2`,
       value: (row) => of(row.after),
-      show: (row) => shown(figure, of(row.after)),
+      text: (row) => shown(figure, of(row.after)),
     },
     {
       id: `${figure}-difference`,
       title: '2 − 1',
       value: (row) => changeOf(row).difference,
-      show: (row) => signed(figure, changeOf(row).difference),
+      text: (row) => signed(figure, changeOf(row).difference),
     },
     {
       id: `${figure}-ratio`,
       title: '2 ÷ 1',
       value: (row) => changeOf(row).ratio,
+      text: (row) => formatRatio(changeOf(row).ratio),
       show: (row) => (
         <span class={figure === 'count' ? '' : tone(row)}>{formatRatio(changeOf(row).ratio)}</span>
       ),
@@ -64,21 +71,46 @@ function Mark({ row }: { row: Compared }) {
   );
 }
 
-const columns: Column<Compared>[] = [
-  {
-    id: 'path',
-    title: 'Block',
-    value: pathText,
-    show: (row) => (
-      <span title={pathText(row)}>
-        <Mark row={row} />
-        {pathText(row)}
-      </span>
-    ),
-  },
-  ...columnsOf('count', 'Count'),
-  ...columnsOf('total', 'Total'),
-  ...columnsOf('mean', 'Mean'),
+const path: Column<Compared> = {
+  id: 'path',
+  title: 'Block',
+  value: pathText,
+  text: pathText,
+  show: (row) => (
+    <>
+      <Mark row={row} />
+      <Path names={row.shortPath} />
+    </>
+  ),
+};
+
+/** More columns than these could not be seen at once. */
+const sets = {
+  totals: [
+    path,
+    ...columnsOf('count', 'Count'),
+    ...columnsOf('total', 'Total'),
+    ...columnsOf('mean', 'Mean'),
+  ],
+  averages: [
+    path,
+    ...columnsOf('self', 'Self'),
+    ...columnsOf('mean', 'Mean'),
+    ...columnsOf('median', 'Median'),
+  ],
+};
+
+/** Those with a name on their path that is searched for. */
+const rows = computed(() => {
+  const wanted = query.value?.name;
+  if (fault.value) return [];
+  return wanted ? state.compared.value.filter(({ path }) => path.some(wanted)) : state.compared.value;
+});
+
+const views: [state.Comparison, string][] = [
+  ['table', 'Table'],
+  ['timelines', 'Timelines'],
+  ['difference', 'Difference'],
 ];
 
 export function CompareView() {
@@ -86,31 +118,30 @@ export function CompareView() {
   return (
     <div class="compare">
       <p class="bar">
-        <b>1</b> {state.opened.value?.title}
-        <b>2</b> {other?.title ?? 'no record yet'}
+        <b class="first-set">1</b> {state.opened.value?.title}
+        <b class="second-set">2</b> {other?.title ?? 'no record yet'}
         <FileButton
           id="open-second"
           label={other ? 'Another second record…' : 'Open the second record…'}
           hint="The record to compare with"
-          onFile={(file) => void openFile(file, 'second')}
+          onFile={(file) => void openFile(file, { as: 'second' })}
         />
+        {other && (
+          <span class="views" role="tablist" aria-label="Comparison">
+            {views.map(([view, title]) => (
+              <button
+                role="tab"
+                aria-selected={state.comparison.value === view}
+                onClick={() => (state.comparison.value = view)}
+              >
+                {title}
+              </button>
+            ))}
+          </span>
+        )}
       </p>
       {other ? (
-        <Table
-          label="Comparison of two records"
-          rows={state.compared.value}
-          columns={columns}
-          sortedBy="total-difference"
-          textOf={pathText}
-          filter={state.search.value}
-          isSelected={(row) => row === selectedRow()}
-          onSelect={(row) => {
-            const name = state.names.value.indexOf(row.path[row.path.length - 1]!);
-            chosen = row;
-            state.select(name < 0 ? undefined : name, undefined);
-          }}
-          empty="No block holds what is searched for."
-        />
+        <Comparison />
       ) : (
         <p class="empty">
           Compare this record with another one, before a change and after it: blocks with the same path of
@@ -121,8 +152,109 @@ export function CompareView() {
   );
 }
 
-let chosen: Compared | undefined;
-
-function selectedRow(): Compared | undefined {
-  return state.selectedName.value === undefined ? undefined : chosen;
+function Comparison() {
+  switch (state.comparison.value) {
+    case 'table':
+      return <ComparedTable />;
+    case 'timelines':
+      return <Timelines />;
+    case 'difference':
+      return <Difference />;
+  }
 }
+
+function ComparedTable() {
+  const [figures, setFigures] = useState<keyof typeof sets>('totals');
+  return (
+    <>
+      <p class="bar">
+        <label>
+          Figures{' '}
+          <select
+            value={figures}
+            onChange={({ currentTarget }) => setFigures(currentTarget.value as keyof typeof sets)}
+          >
+            <option value="totals">count, total, mean</option>
+            <option value="averages">self, mean, median</option>
+          </select>
+        </label>
+      </p>
+      <Table
+        key={figures}
+        label="Comparison of two records"
+        rows={rows.value}
+        columns={sets[figures]}
+        sortedBy={figures === 'totals' ? 'total-difference' : 'self-difference'}
+        isSelected={(row) => row === state.selectedComparison.value}
+        onSelect={(row) => {
+          const name = state.names.value.indexOf(row.name);
+          state.select(name < 0 ? undefined : name);
+          state.selectedComparison.value = row;
+        }}
+        empty="No block holds what is searched for."
+      />
+    </>
+  );
+}
+
+/** Both records above each other, on one axis. */
+function Timelines() {
+  const describe = (profile: Profile) => (id: number) => [
+    `self ${formatTime(selfTime(profile, id))}`,
+    `begins at ${formatTime(profile.begin[id]!)}`,
+  ];
+  const other = state.second.value!.profile;
+  return (
+    <>
+      <ChartView
+        label="Timeline of the first record"
+        model={state.timelineModel}
+        chartState={state.timeline}
+        selected={state.selectedInterval}
+        onSelect={(id) => (id === undefined ? state.select(undefined) : state.selectInterval(id))}
+        describe={describe(state.profile.value!)}
+      />
+      <div class="divider" />
+      <ChartView
+        label="Timeline of the second record"
+        model={state.secondModel}
+        chartState={state.secondTimeline}
+        selected={nothing}
+        onSelect={() => {}}
+        describe={describe(other)}
+        foreign
+      />
+    </>
+  );
+}
+
+/** One flame graph of both: what took more is red, what took less is blue. */
+function Difference() {
+  return (
+    <>
+      <p class="bar hint">
+        As wide as the longer of the two. Red: the second record took more; blue: less; grey: within a
+        fiftieth.
+      </p>
+      <ChartView
+        label="Flame graph of the difference"
+        model={state.differenceModel}
+        chartState={state.difference}
+        selected={nothing}
+        onSelect={(box) => box !== undefined && state.difference.bring()}
+        describe={(box) => {
+          const { before, after } = state.differenceTree.value!.tree.nodes[box]!;
+          const { difference, ratio } = change(before?.total ?? 0, after?.total ?? 0);
+          return [
+            before ? `1: ${formatTime(before.total)}, ${formatCount(before.count)} times` : 'only in 2',
+            after ? `2: ${formatTime(after.total)}, ${formatCount(after.count)} times` : 'only in 1',
+            `${signed('total', difference)} ${before && after ? formatRatio(ratio) : ''}`,
+          ];
+        }}
+        foreign
+      />
+    </>
+  );
+}
+
+const nothing = signal<number | undefined>(undefined);

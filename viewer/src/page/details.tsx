@@ -1,65 +1,122 @@
 import { computed } from '@preact/signals';
-import { duration, pathOf, resolutionAt, selfTime } from '../record/profile';
-import { durationsOf } from '../record/statistics';
-import { formatCount, formatTime, oneLine } from './format';
+import { duration, pathOf, selfTime, stepAt, timesLost } from '../record/profile';
+import { durationsIn, type Durations } from '../record/histogram';
+import { spreadOfName } from '../record/statistics';
+import { pathOfNode } from '../record/tree_path';
+import { copyText } from './clipboard';
+import { formatCount, formatShare, formatTime, shortened } from './format';
 import { Histogram } from './histogram';
+import { Name, shortenedPath } from './name';
+import { currentChart, fitSelection, goToLongest } from './navigation';
+import { NoteEntry } from './notes';
+import { Separator, separatorHeight } from './separator';
 import * as state from './state';
-import { fitSelection, goToLongest } from './navigation';
 
-const durations = computed(() => {
+const spread = computed(() => {
   const { profile, selectedName, selection } = state;
-  if (!profile.value || selectedName.value === undefined) return new Float64Array(0);
-  return durationsOf(profile.value, selectedName.value, selection.value);
+  return profile.value && selectedName.value !== undefined
+    ? spreadOfName(profile.value, selectedName.value, selection.value)
+    : undefined;
+});
+
+const durations = computed((): Durations[] => (spread.value ? [spread.value] : []));
+
+/** Of a line of the comparison, those of both records. */
+const compared = computed((): Durations[] | undefined => {
+  const row = state.view.value === 'compare' ? state.selectedComparison.value : undefined;
+  const [first, second] = [state.profile.value, state.second.value?.profile];
+  if (!row || !first || !second) return undefined;
+  return [durationsIn(first, row.blocks.before), durationsIn(second, row.blocks.after)];
 });
 
 /** What is selected: its figures and how its durations spread. */
 export function Details() {
   const name = state.selectedName.value;
   const profile = state.profile.value;
-  if (name === undefined || !profile) return null;
-  const row = state.statistics.value.find((candidate) => candidate.name === name);
+  if (!profile) return null;
+  const inTable = !currentChart() && (state.view.value !== 'compare' || state.comparison.value === 'table');
+  // Beside a table it keeps its room, so that rows stay where they were clicked.
+  if (name === undefined && compared.value)
+    return (
+      <section class="details" aria-label="Selection" style={{ height: `${state.detailsHeight.value}px` }}>
+        <div class="details-text">
+          <h2>
+            <Name text={state.selectedComparison.value!.name} />
+          </h2>
+        </div>
+        <Histogram sets={compared.value} titles={['1', '2']} />
+      </section>
+    );
+  if (name === undefined)
+    return inTable ? (
+      <section class="details hint" style={{ height: `${state.detailsHeight.value + separatorHeight}px` }}>
+        Nothing is selected.
+      </section>
+    ) : null;
+  const text = state.names.value[name]!;
+  const row = spread.value && spread.value.figures.count > 0 ? spread.value.figures : undefined;
+  const inFlame = state.view.value === 'flame' && state.selectedNode.value !== undefined;
   return (
-    <section class="details" aria-label="Selection">
-      <div class="details-text">
-        <h2>
-          {oneLine(state.names.value[name]!)}
-          <button title="Show the longest one in the timeline" onClick={() => goToLongest(name)}>
-            Longest
-          </button>
-          {state.selectedInterval.value !== undefined && (
-            <button title="Fit it into the timeline (f)" onClick={fitSelection}>
-              Fit
+    <>
+      <Separator
+        label="Height of the details"
+        value={state.detailsHeight.value}
+        onChange={(height) => (state.detailsHeight.value = height)}
+      />
+      <section class="details" aria-label="Selection" style={{ height: `${state.detailsHeight.value}px` }}>
+        <div class="details-text">
+          <div class="details-head">
+            <h2>
+              <Name text={text} />
+            </h2>
+            <button title="All intervals of this name (l)" onClick={() => (state.list.value = 'name')}>
+              All…
             </button>
+            <button title="Show the longest one in the timeline" onClick={() => goToLongest(name)}>
+              Longest
+            </button>
+            {(state.selectedInterval.value !== undefined || inFlame) && (
+              <button title="Fit it into the view (f)" onClick={fitSelection}>
+                Fit
+              </button>
+            )}
+            <button title="Copy the name" onClick={() => copyText(text)}>
+              Copy
+            </button>
+            <button
+              class="close"
+              title="Clear the selection (Escape)"
+              onClick={() => state.select(undefined)}
+            >
+              ×
+            </button>
+          </div>
+          <div id="details">{inFlame ? <NodeFigures /> : <IntervalFigures />}</div>
+          {row ? (
+            <dl aria-label="Figures of the name">
+              <Pair
+                term="Count"
+                value={formatCount(row.count) + (row.open ? ` (${row.open} never closed)` : '')}
+              />
+              <Pair term="Total" value={formatTime(row.total)} />
+              <Pair term="Self" value={formatTime(row.self)} />
+              <Pair term="Mean" value={formatTime(row.mean)} />
+              <Pair term="Median" value={formatTime(row.median)} />
+              <Pair term="Min" value={formatTime(row.min)} />
+              <Pair term="Max" value={formatTime(row.max)} />
+              <Pair term="Deviation" value={formatTime(row.deviation)} />
+            </dl>
+          ) : (
+            <p class="hint">No interval of this name lies in the range.</p>
           )}
-          <button
-            class="close"
-            title="Clear the selection (Escape)"
-            onClick={() => state.select(undefined, undefined)}
-          >
-            ×
-          </button>
-        </h2>
-        <IntervalFigures />
-        {row ? (
-          <dl aria-label="Figures of the name">
-            <Pair
-              term="Count"
-              value={formatCount(row.count) + (row.open ? ` (${row.open} never closed)` : '')}
-            />
-            <Pair term="Total" value={formatTime(row.total)} />
-            <Pair term="Self" value={formatTime(row.self)} />
-            <Pair term="Mean" value={formatTime(row.mean)} />
-            <Pair term="Median" value={formatTime(row.median)} />
-            <Pair term="Min" value={formatTime(row.min)} />
-            <Pair term="Max" value={formatTime(row.max)} />
-            <Pair term="Deviation" value={formatTime(row.deviation)} />
-          </dl>
+        </div>
+        {compared.value ? (
+          <Histogram sets={compared.value} titles={['1', '2']} />
         ) : (
-          <p class="hint">No interval of this name lies wholly in the range.</p>
+          <Histogram sets={durations.value} />
         )}
-      </div>
-      <Histogram durations={durations.value} />
-    </section>
+      </section>
+    </>
   );
 }
 
@@ -69,17 +126,44 @@ function IntervalFigures() {
   if (id === undefined || !profile) return null;
   const block = profile.block[id]!;
   const path = pathOf({ ...profile, names: state.names.value }, block);
+  const [begin, end] = [profile.begin[id]!, profile.end[id]!];
   // The steps of both stamps.
-  const unsure = resolutionAt(profile.begin[id]!) / 2 + resolutionAt(profile.end[id]!) / 2;
+  const unsure = stepAt(profile, begin) / 2 + stepAt(profile, end) / 2;
+  return (
+    <>
+      <p class="interval" aria-live="polite">
+        <b>{formatTime(duration(profile, id))}</b>
+        {profile.open[id] === timesLost
+          ? ', its own times are lost: around what ran inside'
+          : profile.open[id]
+            ? ' so far, never closed'
+            : ''}
+        <span class="hint">
+          {' '}
+          ± {formatTime(unsure)}, self {formatTime(selfTime(profile, id))}, from {formatTime(begin)} on{' '}
+          {shortened(state.threadName(profile.blocks[block]!.thread), 60)}
+          {path.length > 1 ? `, in ${shortenedPath(path.slice(0, -1), 6)}` : ''}
+        </span>
+      </p>
+      <NoteEntry range={{ from: begin, to: end }} />
+    </>
+  );
+}
+
+/** A box of the flame graph has figures of its own: those of one path. */
+function NodeFigures() {
+  const tree = state.callTree.value!;
+  const index = state.selectedNode.value!;
+  const node = tree.nodes[index]!;
+  const path = pathOfNode(tree, index).map((name) => state.names.value[name]!);
   return (
     <p class="interval" aria-live="polite">
-      <b>{formatTime(duration(profile, id))}</b>
-      {profile.open[id] ? ' so far, never closed' : ''}
+      <b>{formatTime(node.total)}</b>
       <span class="hint">
         {' '}
-        ± {formatTime(unsure)}, self {formatTime(selfTime(profile, id))}, from{' '}
-        {formatTime(profile.begin[id]!)} on {state.threadName(profile.blocks[block]!.thread)}
-        {path.length > 1 ? `, in ${path.slice(0, -1).slice(-6).map(oneLine).join(' › ')}` : ''}
+        {formatShare(node.total, tree.total)} of all, self {formatTime(node.self)},{' '}
+        {node.count === 1 ? 'once' : `${formatCount(node.count)} times`}
+        {path.length > 1 ? `, in ${shortenedPath(path.slice(0, -1), 6)}` : ', at the top'}
       </span>
     </p>
   );

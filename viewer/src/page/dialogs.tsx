@@ -1,7 +1,10 @@
 import { useLayoutEffect, useRef } from 'preact/hooks';
 import type { ComponentChildren } from 'preact';
 import { licences } from 'virtual:licences';
+import { copyText } from './clipboard';
 import { formatCount, formatTime } from './format';
+import { linkOfView } from './kept_view';
+import { collapseAll, hideThread, moveThread, toggleCollapsed, togglePinned } from './navigation';
 import * as state from './state';
 
 export function Dialogs() {
@@ -12,6 +15,8 @@ export function Dialogs() {
       return <Help />;
     case 'problems':
       return <Problems />;
+    case 'share':
+      return <Share />;
     default:
       return null;
   }
@@ -38,11 +43,8 @@ function Threads() {
   const profile = state.profile.value;
   if (!profile) return null;
   const setHidden = (thread: number, hide: boolean) => {
-    const hidden = new Set(state.hidden.value);
-    if (hide) hidden.add(thread);
-    else hidden.delete(thread);
-    state.hidden.value = hidden;
-    if (hide && state.currentThread.value === thread) state.currentThread.value = undefined;
+    if (hide) hideThread(thread);
+    else state.hidden.value = state.without(state.hidden.value, thread);
   };
   const rename = (thread: number, name: string) => {
     const renamed = new Map(state.renamed.value);
@@ -64,10 +66,13 @@ function Threads() {
             <option value="begin">first begin</option>
             <option value="activity">activity</option>
             <option value="id">thread id</option>
+            {state.ownOrder.value.length > 0 && <option value="own">my own</option>}
           </select>
         </label>{' '}
         <button onClick={() => (state.hidden.value = new Set())}>Show all</button>{' '}
-        <button onClick={() => (state.hidden.value = new Set(profile.threads.keys()))}>Hide all</button>
+        <button onClick={() => (state.hidden.value = new Set(profile.threads.keys()))}>Hide all</button>{' '}
+        <button onClick={() => collapseAll(true)}>Fold all</button>{' '}
+        <button onClick={() => collapseAll(false)}>Unfold all</button>
       </p>
       <table>
         <thead>
@@ -76,6 +81,7 @@ function Threads() {
             <th>Name</th>
             <th>First begin</th>
             <th>Busy</th>
+            <th>Lane</th>
           </tr>
         </thead>
         <tbody>
@@ -100,13 +106,75 @@ function Threads() {
               </td>
               <td>{formatTime(profile.threads[thread]!.firstBegin)}</td>
               <td>{formatTime(profile.threads[thread]!.busy)}</td>
+              <td>
+                <LaneButtons thread={thread} />
+              </td>
             </tr>
           ))}
         </tbody>
       </table>
       <p class="hint">
-        Names and what is hidden are kept in this page only. Windows gives the id of a thread that has ended
-        to a later one; the record cannot tell them apart, so one line may hold the blocks of both.
+        The browser keeps the names that you give for this record, and nothing else. Windows gives the id of a
+        thread that has ended to a later one; the record cannot tell them apart, so one line may hold the
+        blocks of both.
+      </p>
+    </Modal>
+  );
+}
+
+function LaneButtons({ thread }: { thread: number }) {
+  const name = state.threadName(thread);
+  const shown = state.visibleThreads.value;
+  const place = shown.indexOf(thread);
+  return (
+    <span class="views">
+      <button
+        aria-label={`Fold ${name}`}
+        title="Show its first row only (c)"
+        aria-pressed={state.collapsed.value.has(thread)}
+        onClick={() => toggleCollapsed(thread)}
+      >
+        ▸
+      </button>
+      <button
+        aria-label={`Pin ${name}`}
+        title="Keep it on top (k)"
+        aria-pressed={state.pinned.value.has(thread)}
+        onClick={() => togglePinned(thread)}
+      >
+        ⚲
+      </button>
+      <button aria-label={`Move ${name} up`} disabled={place <= 0} onClick={() => moveThread(thread, -1)}>
+        ↑
+      </button>
+      <button
+        aria-label={`Move ${name} down`}
+        disabled={place < 0 || place === shown.length - 1}
+        onClick={() => moveThread(thread, 1)}
+      >
+        ↓
+      </button>
+    </span>
+  );
+}
+
+function Share() {
+  const link = linkOfView();
+  return (
+    <Modal title="Link to the view">
+      <p>
+        The address of this page with the view in it: what is in view, selected and measured, lanes and notes.
+        It shows them with the record that lies beside the page.
+      </p>
+      <p class="buttons">
+        <input
+          class="note"
+          aria-label="Link"
+          readOnly
+          value={link}
+          onFocus={({ currentTarget }) => currentTarget.select()}
+        />
+        <button onClick={() => copyText(link)}>Copy</button>
       </p>
     </Modal>
   );
@@ -131,20 +199,27 @@ function Problems() {
 }
 
 const keys: [string, string][] = [
-  ['+  −', 'zoom in and out; so do Ctrl and the wheel'],
+  ['+  −', 'zoom in and out; so do Ctrl and the wheel, and two fingers'],
   ['0', 'show all'],
   ['a d ← →', 'to the left and right'],
   ['w s ↑ ↓', 'up and down'],
-  ['1 2 3 4', 'timeline, flame graph, statistics, compare'],
+  ['1 2 3 4 5', 'timeline, flame graph, statistics, compare, call tree'],
+  ['Shift + arrows', 'select the neighbour, the block around, the first block inside'],
+  ['f, Enter', 'fit the selected block; a double click does, too'],
+  ['Backspace', 'back to what was in view before; so do Alt + ← and the mouse'],
+  ['Alt + →', 'forward again'],
+  ['l  h', 'list of all intervals of the selected name, of all hits'],
   ['n  p', 'next thread and the one before; past the last one, all threads'],
+  ['c  k', 'fold, pin the lane of that thread or of the selected block'],
   ['t', 'threads: order, names, hide'],
   ['r', 'fold recursion'],
   ['v', 'figures only of what is in view'],
-  ['f, Enter', 'fit the selected block; a double click does, too'],
-  ['Shift + arrows', 'select the neighbour, the block around, the first block inside'],
+  ['z', 'zoom to the measured span'],
   ['Ctrl + F', 'search; Enter and Shift + Enter go from hit to hit'],
+  ['Ctrl + C', 'in a table: copy the selected row'],
   ['Ctrl + O', 'open a record'],
-  ['Escape', 'clear the search, then the selection'],
+  ['u', 'read the file again and keep the view'],
+  ['Escape', 'leave the search, the span, the list, then the selection'],
 ];
 
 function Help() {
@@ -161,15 +236,23 @@ function Help() {
       </dl>
       <h3>Mouse</h3>
       <p>
-        Drag to move, with Shift to choose a range; in the strip above the timeline drag to choose what is in
-        view. Drop a record anywhere to open it, on the comparison to compare with it.
+        Drag to move, with Shift to measure a span: how long it is, and what lies in it. In the strip above
+        the timeline drag to choose what is in view. A click on a lane's title folds it, the other button has
+        more. Drop a record anywhere to open it, on the comparison to compare with it.
+      </p>
+      <h3>Search</h3>
+      <p>
+        Part of a name; <code>/read (file|page)/i</code>, a regular expression; <code>{'> 5 ms'}</code>,{' '}
+        <code>{'<= 20 us'}</code>, a length; <code>thread:worker</code>, a part of the thread's name. They can
+        stand together.
       </p>
       <h3>Figures</h3>
       <p>
-        Limited to the visible range, statistics count the intervals that lie wholly in it; the flame graph
-        shows the time in it. A block that was never closed is hatched and drawn to the end of the block
-        around it: it is counted, and left out of mean, median, extremes and deviation. Time stamps have six
-        digits: the status line tells what that means where you look.
+        Limited to the visible range, statistics count the intervals that lie in it at least in part, and
+        their time in it; averages and extremes are of their whole lengths. A block that was never closed is
+        hatched and drawn to the end of the block around it: it is counted, and left out of mean, median,
+        extremes and deviation. Time stamps have six digits: the status line tells what that means where you
+        look.
       </p>
       <h3>Bundled software</h3>
       {licences.map(({ name, version, licence, text }) => (

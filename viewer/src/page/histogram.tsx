@@ -1,42 +1,36 @@
 import uPlot from 'uplot';
 import 'uplot/dist/uPlot.min.css';
-import { useEffect, useRef, useState } from 'preact/hooks';
-import { lowerBound } from './chart/layout';
+import { useEffect, useMemo, useRef, useState } from 'preact/hooks';
+import { lowerBound } from '../record/bounds';
+import { binEdges, countInBins, type Durations } from '../record/histogram';
 import { chartColors } from './colors';
-import { formatCount, formatShare, formatTime } from './format';
+import { formatCount, formatShare, formatTime, shortCount } from './format';
 import * as state from './state';
 
-const bins = 48;
-
-/** Bins of equal width, or of equal ratio where the durations span more than a hundredfold. */
-export function histogram(durations: Float64Array): { counts: number[]; at: (bin: number) => number } {
-  const least = durations[0] ?? 0;
-  const most = durations[durations.length - 1] ?? 0;
-  const firstPositive = durations[lowerBound(durations, 0, durations.length, Number.MIN_VALUE)] ?? 0;
-  const byRatio = firstPositive > 0 && most / firstPositive > 100;
-  const start = byRatio ? firstPositive : least;
-  const at = byRatio
-    ? (bin: number) => start * (most / start) ** (bin / bins)
-    : (bin: number) => start + ((most > start ? most - start : 1e-6) * bin) / bins;
-  const counts: number[] = [];
-  let from = 0;
-  for (let bin = 1; bin <= bins; ++bin) {
-    const to = bin === bins ? durations.length : lowerBound(durations, from, durations.length, at(bin));
-    counts.push(to - from);
-    from = to;
-  }
-  return { counts, at };
+interface Properties {
+  /** One set, or two that are compared. */
+  sets: readonly Durations[];
+  titles?: readonly string[];
 }
 
-/** How the durations of one name spread; under the pointer it tells how many are shorter and longer. */
-export function Histogram({ durations }: { durations: Float64Array }) {
+/** How durations spread; under the pointer it tells how many are shorter and longer. */
+export function Histogram({ sets, titles }: Properties) {
   const frame = useRef<HTMLDivElement>(null);
   const [cursor, setCursor] = useState<number | undefined>(undefined);
   const dark = state.darkNow.value;
+  const { edges, counts } = useMemo(() => {
+    const filled = sets.map(({ durations }) => durations);
+    const edges = binEdges(filled, Math.max(...sets.map(({ resolution }) => resolution)));
+    return { edges, counts: filled.map((durations) => countInBins(durations, edges)) };
+  }, [sets]);
+  const bins = Math.max(edges.length - 1, 0);
+  const at = (place: number) => {
+    const bin = Math.min(Math.max(Math.floor(place), 0), bins - 1);
+    return edges[bin]! + (edges[bin + 1]! - edges[bin]!) * (place - bin);
+  };
 
   useEffect(() => {
     if (!frame.current) return;
-    const { counts, at } = histogram(durations);
     const colors = chartColors(dark);
     const axis = {
       stroke: colors.muted,
@@ -56,23 +50,25 @@ export function Histogram({ durations }: { durations: Float64Array }) {
             ...axis,
             size: 28,
             space: 70,
-            values: (_, places) => places.map((place) => formatTime(at(place))),
+            values: (_, places) => places.map((place) => formatTime(edges[place] ?? NaN, 3)),
           },
           {
             ...axis,
             size: 44,
-            values: (_, values) => values.map((value) => (Number.isInteger(value) ? String(value) : '')),
+            values: (_, values) => values.map(shortCount),
           },
         ],
         series: [
           {},
-          {
-            fill: colors.accent,
-            stroke: colors.accent,
+          ...counts.map((_, set) => ({
+            fill: [colors.accent, colors.mark][set]!,
+            stroke: [colors.accent, colors.mark][set]!,
             width: 0,
             points: { show: false },
-            paths: uPlot.paths.bars!({ size: [0.9], align: 0 }),
-          },
+            paths: uPlot.paths.bars!(
+              counts.length > 1 ? { size: [0.45], align: set === 0 ? -1 : 1 } : { size: [0.9], align: 0 },
+            ),
+          })),
         ],
         hooks: {
           setCursor: [
@@ -81,7 +77,7 @@ export function Histogram({ durations }: { durations: Float64Array }) {
           ],
         },
       },
-      [counts.map((_, bin) => bin + 0.5), counts],
+      [Array.from({ length: bins }, (_, bin) => bin + 0.5), ...counts],
       element,
     );
     const observer = new ResizeObserver(() =>
@@ -92,10 +88,12 @@ export function Histogram({ durations }: { durations: Float64Array }) {
       observer.disconnect();
       plot.destroy();
     };
-  }, [durations, dark]);
+  }, [sets, dark]);
 
-  if (durations.length === 0) return <p class="hint">No closed interval to draw a histogram of.</p>;
-  if (durations[0] === durations[durations.length - 1])
+  const filled = sets.filter(({ durations }) => durations.length > 0);
+  if (filled.length === 0) return <p class="hint">No closed interval to draw a histogram of.</p>;
+  const [{ durations }] = filled as [Durations];
+  if (sets.length === 1 && durations[0] === durations[durations.length - 1])
     return (
       <p class="hint">
         {durations.length === 1
@@ -104,16 +102,27 @@ export function Histogram({ durations }: { durations: Float64Array }) {
         {formatTime(durations[0]!)}.
       </p>
     );
-  const left = cursor === undefined ? 0 : lowerBound(durations, 0, durations.length, cursor);
-  const right = durations.length - left;
   return (
     <figure class="histogram">
-      <figcaption aria-live="off">
-        {cursor === undefined
-          ? `${formatCount(durations.length)} durations; point at the bars to divide them`
-          : `${formatTime(cursor)}: ${formatCount(left)} shorter (${formatShare(left, durations.length)}), ${formatCount(right)} as long or longer (${formatShare(right, durations.length)})`}
-      </figcaption>
+      {sets.map((set, index) => (
+        <figcaption aria-live="off">
+          {titles && <b class={index === 0 ? 'first-set' : 'second-set'}>{titles[index]} </b>}
+          {captionOf(set, cursor)}
+        </figcaption>
+      ))}
       <div ref={frame} />
     </figure>
   );
+}
+
+function captionOf({ durations, resolution }: Durations, cursor: number | undefined): string {
+  const { length } = durations;
+  if (cursor === undefined) return `${formatCount(length)} durations; point at the bars to divide them`;
+  const share = (count: number) => `${formatCount(count)} (${formatShare(count, length)})`;
+  if (cursor < resolution) {
+    const short = lowerBound(durations, 0, length, resolution * (1 - 1e-6));
+    return `below ${formatTime(resolution)}, the step of the stamps: ${share(short)}; longer: ${share(length - short)}`;
+  }
+  const left = lowerBound(durations, 0, length, cursor);
+  return `${formatTime(cursor)}: ${formatCount(left)} shorter (${formatShare(left, length)}), ${formatCount(length - left)} as long or longer (${formatShare(length - left, length)})`;
 }

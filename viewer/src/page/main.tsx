@@ -3,8 +3,13 @@ import './style.css';
 import { App } from './app';
 import { listenToKeys } from './keyboard';
 import { openScript, recordBeside } from './open';
+import { runScript, scriptOfFrame } from './record_frame';
 
-render(<App />, document.getElementById('app')!);
-listenToKeys();
-const { name, wanted } = recordBeside();
-void openScript(name, wanted);
+const script = scriptOfFrame();
+if (script !== undefined) runScript(script);
+else {
+  render(<App />, document.getElementById('app')!);
+  listenToKeys();
+  const { name, wanted } = recordBeside();
+  void openScript(name, { wanted });
+}

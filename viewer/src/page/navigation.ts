@@ -1,7 +1,8 @@
 // Moves that keys and buttons share.
-import { layOut, rowHeight, titleHeight, topOf } from './chart/layout';
+import { layOut } from './chart/layout';
 import type { ChartState } from './chart/chart_state';
-import { duration } from '../record/profile';
+import { longestOf, neighbour, type Way } from './walk_intervals';
+import { stepInTree } from '../record/tree_path';
 import * as state from './state';
 
 /** The chart of the view, undefined where a table is shown. */
@@ -25,46 +26,27 @@ export function goToThread(step: 1 | -1): void {
   const place = layOut(model).places.find(
     ({ lane }) => model.lanes[lane]!.thread === state.currentThread.value,
   );
-  if (place) state.timeline.scrollTo(place.top);
+  if (place) state.timeline.scrollTo(place.top - (state.timeline.look?.frozen ?? 0));
 }
 
-/** Moves the timeline up or down to where the selected interval can be seen. */
-export function scrollToSelection(): void {
-  const model = state.timelineModel.value;
-  const id = state.selectedInterval.value;
-  if (!model || id === undefined) return;
-  const top = topOf(model, layOut(model).places, id);
-  const { timeline } = state;
-  if (top === undefined) return;
-  if (top - titleHeight < timeline.scroll.value) timeline.scrollTo(top - titleHeight);
-  else if (top + rowHeight > timeline.scroll.value + timeline.viewHeight)
-    timeline.scrollTo(top + rowHeight - timeline.viewHeight + rowHeight);
-}
-
-/** The interval next to the selected one: its neighbour in time, the one around it or the first inside it. */
-export function moveSelection(way: 'left' | 'right' | 'up' | 'down'): void {
+/** Selects what is next to the selection of the view's chart; without one, the first that is in view. */
+export function moveSelection(way: Way): void {
+  if (state.view.value === 'flame') return moveInTree(way);
   const profile = state.profile.value;
   if (!profile) return;
-  const id = state.selectedInterval.value ?? firstInView();
-  if (id === undefined) return;
-  const row = rowOf(id);
-  let to: number | undefined = id;
-  if (state.selectedInterval.value !== undefined) {
-    if (way === 'left') to = id > row.first ? id - 1 : undefined;
-    else if (way === 'right') to = id + 1 < row.first + row.count ? id + 1 : undefined;
-    else if (way === 'up') to = profile.parent[id]! >= 0 ? profile.parent[id] : undefined;
-    else to = state.walker.value!.innerOf(id)[0];
-  }
-  if (to === undefined) return;
-  state.selectInterval(to);
-  state.timeline.reveal(profile.begin[to]!, profile.end[to]!);
-  scrollToSelection();
+  const id = state.selectedInterval.value;
+  const to = id === undefined ? firstInView() : neighbour(profile, state.walker.value!, id, way);
+  if (to !== undefined) goToInterval(to);
 }
 
-function rowOf(id: number) {
-  const { blocks, block, threads } = state.profile.value!;
-  const owner = blocks[block[id]!]!;
-  return threads[owner.thread]!.rows[owner.depth]!;
+function moveInTree(way: Way): void {
+  const tree = state.callTree.value;
+  if (!tree || tree.nodes.length === 0) return;
+  const node = state.selectedNode.value;
+  const to = node === undefined ? 0 : stepInTree(tree, node, way);
+  if (to === undefined) return;
+  state.selectNode(to);
+  state.flame.reveal(tree.begin[to]!, tree.end[to]!);
 }
 
 function firstInView(): number | undefined {
@@ -80,28 +62,82 @@ function firstInView(): number | undefined {
   return undefined;
 }
 
+/** Selects an interval and moves the timeline, without zooming if it can be seen, to where it is. */
+export function goToInterval(id: number): void {
+  const profile = state.profile.value!;
+  state.selectInterval(id);
+  state.timeline.reveal(profile.begin[id]!, profile.end[id]!);
+}
+
+/** Shows an interval in the timeline, from whatever view. */
+export function showInterval(id: number): void {
+  const profile = state.profile.value!;
+  state.view.value = 'timeline';
+  state.selectInterval(id);
+  state.timeline.fit(profile.begin[id]!, profile.end[id]!);
+}
+
+/** Shows an interval that was chosen from a list: where it is, and as large as the view has it. */
+export function showListed(id: number): void {
+  state.view.value = 'timeline';
+  goToInterval(id);
+}
+
 /** Shows the longest interval of a name in the timeline. */
 export function goToLongest(name: number): void {
   const profile = state.profile.value;
-  if (!profile) return;
-  let longest: number | undefined;
-  for (let id = 0; id < profile.begin.length; ++id) {
-    const owner = profile.blocks[profile.block[id]!]!;
-    if (owner.name !== name || state.hidden.value.has(owner.thread)) continue;
-    if (longest === undefined || duration(profile, id) > duration(profile, longest)) longest = id;
-  }
-  if (longest === undefined) return;
-  state.view.value = 'timeline';
-  state.selectInterval(longest);
-  state.timeline.fit(profile.begin[longest]!, profile.end[longest]!);
-  requestAnimationFrame(scrollToSelection);
+  const longest = profile && longestOf(profile, name, state.hidden.value);
+  if (longest !== undefined) showInterval(longest);
 }
 
 /** Fits the selection of the current chart, or everything if nothing is selected. */
 export function fitSelection(): void {
   const profile = state.profile.value;
-  const id = state.selectedInterval.value;
-  if (state.view.value !== 'timeline' || !profile) return;
-  if (id === undefined) state.timeline.all();
-  else state.timeline.fit(profile.begin[id]!, profile.end[id]!);
+  const chart = currentChart();
+  if (!chart || !profile) return;
+  const [id, { begin, end }] =
+    state.view.value === 'flame'
+      ? [state.selectedNode.value, state.callTree.value!]
+      : [state.selectedInterval.value, profile];
+  if (id === undefined) return chart.all();
+  chart.fit(begin[id]!, end[id]!);
+  chart.bring();
+}
+
+/** Folds a thread's lane to its first row, or unfolds it. */
+export function toggleCollapsed(thread: number | undefined): void {
+  if (thread === undefined) return;
+  const { collapsed } = state;
+  collapsed.value = collapsed.value.has(thread)
+    ? state.without(collapsed.value, thread)
+    : new Set([...collapsed.value, thread]);
+}
+
+export function collapseAll(collapse: boolean): void {
+  state.collapsed.value = new Set(collapse ? state.visibleThreads.value : []);
+}
+
+export function togglePinned(thread: number | undefined): void {
+  if (thread === undefined) return;
+  const { pinned } = state;
+  pinned.value = pinned.value.has(thread)
+    ? state.without(pinned.value, thread)
+    : new Set([...pinned.value, thread]);
+}
+
+export function hideThread(thread: number): void {
+  state.hidden.value = new Set([...state.hidden.value, thread]);
+  if (state.currentThread.value === thread) state.currentThread.value = undefined;
+}
+
+/** Moves a thread up (-1) or down (1) among the lanes that are shown; the order is then the user's own. */
+export function moveThread(thread: number, step: 1 | -1): void {
+  const order = [...state.orderedThreads.value];
+  const shown = state.visibleThreads.value;
+  const other = shown[shown.indexOf(thread) + step];
+  if (other === undefined) return;
+  const [a, b] = [order.indexOf(thread), order.indexOf(other)];
+  [order[a], order[b]] = [other, thread];
+  state.ownOrder.value = order;
+  state.threadOrder.value = 'own';
 }

@@ -1,44 +1,81 @@
-// All that the page knows. Nothing of it is stored: it goes with the page.
+// All that the page knows. It goes with the page, but for the names that the user gave to threads (thread_names.ts).
 import { batch, computed, effect, signal } from '@preact/signals';
 import { decodeNames, guessEncoding } from '../record/bytes';
-import { compare } from '../record/compare';
-import { makeCallTree } from '../record/call_tree';
+import { compare, type Compared } from '../record/compare';
+import { makeCallTree, makeDifferenceTree } from '../record/call_tree';
+import { nodeOfPath, pathOfNode } from '../record/tree_path';
 import { makeProfile, type Profile } from '../record/profile';
 import type { RawRecord } from '../record/record';
 import { statisticsByName, type Range, type Selection } from '../record/statistics';
 import { Walker } from '../record/walk';
+import { changeColor, type Palette } from './colors';
 import { ChartState } from './chart/chart_state';
-import { flameChart, timelineChart } from './chart/model';
+import { differenceChart, flameChart, timelineChart } from './chart/model';
 
-export type View = 'timeline' | 'flame' | 'statistics' | 'compare';
-export type Dialog = 'threads' | 'help' | 'problems';
-export type ThreadOrder = 'begin' | 'activity' | 'id';
+export type View = 'timeline' | 'flame' | 'statistics' | 'compare' | 'tree';
+/** How two records are compared. */
+export type Comparison = 'table' | 'timelines' | 'difference';
+export type Dialog = 'threads' | 'help' | 'problems' | 'share';
+export type ThreadOrder = 'begin' | 'activity' | 'id' | 'own';
+/** What the list beside the view holds: the intervals of the selected name, the search's hits, the measured span. */
+export type List = 'name' | 'hits' | 'span' | 'notes';
+
+/** Where a record came from, and how it is read again. */
+export type Source = { kind: 'script' } | { kind: 'file'; handle?: FileSystemFileHandle | undefined };
+
+/** What the user wrote to a time of the record, or to a span of it. */
+export interface Note extends Range {
+  text: string;
+}
 
 export interface Opened {
   title: string;
   raw: RawRecord;
   profile: Profile;
-  /** Opened as a script: the browser has already read the escapes in names. */
-  asScript: boolean;
+  /** Of a script the browser has already read the escapes in names. */
+  source: Source;
 }
 
 export const opened = signal<Opened | undefined>(undefined);
 export const second = signal<Opened | undefined>(undefined);
-/** What is being read, and how much of it: 0 to 1. */
-export const reading = signal<{ title: string; part: number } | undefined>(undefined);
+/** What is being read, and how much of it: 0 to 1, undefined where the browser does not tell. */
+export const reading = signal<{ title: string; part: number | undefined; large?: boolean } | undefined>(
+  undefined,
+);
 /** Why the last file could not be shown. */
 export const refusal = signal<string | undefined>(undefined);
+/** What the page has to say that is no refusal. */
+export const notice = signal<string | undefined>(undefined);
 
 export const view = signal<View>('timeline');
+export const comparison = signal<Comparison>('table');
+/** Which way the call tree is read. */
+export const treeWay = signal<'down' | 'up'>('down');
+/** Lines of the call tree that are open, by the names down to them. */
+export const openLines = signal<ReadonlySet<string>>(new Set());
 export const dialog = signal<Dialog | undefined>(undefined);
 export const foldRecursion = signal(false);
 export const onlyVisible = signal(false);
 export const search = signal('');
 export const encoding = signal('utf-8');
 export const theme = signal<'auto' | 'light' | 'dark'>('auto');
+export const palette = signal<Palette>('hues');
+export const list = signal<List | undefined>(undefined);
+/** The menu that is open. */
+export const menu = signal<'export' | 'lane' | undefined>(undefined);
+/** The lane that the menu is of, and where it is shown. */
+export const laneMenu = signal<{ thread: number; x: number; y: number } | undefined>(undefined);
+/** Pixels of the details below the view. */
+export const detailsHeight = signal(180);
 
 export const threadOrder = signal<ThreadOrder>('begin');
+/** The user's own order of threads. */
+export const ownOrder = signal<readonly number[]>([]);
 export const hidden = signal<ReadonlySet<number>>(new Set());
+/** Threads of which only the first row is shown. */
+export const collapsed = signal<ReadonlySet<number>>(new Set());
+/** Threads on top, which stay there while the others are scrolled. */
+export const pinned = signal<ReadonlySet<number>>(new Set());
 export const renamed = signal<ReadonlyMap<number, string>>(new Map());
 /** The thread that n and p have gone to; undefined for all. */
 export const currentThread = signal<number | undefined>(undefined);
@@ -46,9 +83,19 @@ export const currentThread = signal<number | undefined>(undefined);
 export const selectedName = signal<number | undefined>(undefined);
 /** An interval of the timeline. */
 export const selectedInterval = signal<number | undefined>(undefined);
+/** A box of the flame graph: the names from the top down to it. */
+export const selectedPath = signal<readonly number[] | undefined>(undefined);
+/** A row of the comparison. */
+export const selectedComparison = signal<Compared | undefined>(undefined);
+/** A span that is being measured. */
+export const span = signal<Range | undefined>(undefined);
+export const notes = signal<readonly Note[]>([]);
 
 export const timeline = new ChartState();
 export const flame = new ChartState();
+/** The second record's timeline, and the flame graph of both. */
+export const secondTimeline = new ChartState();
+export const difference = new ChartState();
 
 export const profile = computed(() => opened.value?.profile);
 export const walker = computed(() => (profile.value ? new Walker(profile.value) : undefined));
@@ -82,13 +129,18 @@ export const mainThread = computed(() => {
 
 export const orderedThreads = computed(() => {
   const threads = profile.value?.threads ?? [];
+  const own = new Map(ownOrder.value.map((thread, place) => [thread, place]));
   const keys = {
     begin: (index: number) => threads[index]!.firstBegin,
     activity: (index: number) => -threads[index]!.busy,
     id: (index: number) => threads[index]!.id,
+    own: (index: number) => own.get(index) ?? Infinity,
   };
   const key = keys[threadOrder.value];
-  return threads.map((_, index) => index).sort((a, b) => compareNumbers(key(a), key(b)) || a - b);
+  const isPinned = (index: number) => (pinned.value.has(index) ? 0 : 1);
+  return threads
+    .map((_, index) => index)
+    .sort((a, b) => isPinned(a) - isPinned(b) || compareNumbers(key(a), key(b)) || a - b);
 });
 
 /** Infinity is its own equal, and what is no number comes last. */
@@ -102,7 +154,13 @@ export const visibleThreads = computed(() =>
 
 export const timelineModel = computed(() =>
   profile.value
-    ? timelineChart(profile.value, names.value, visibleThreads.value, threadName, mainThread.value)
+    ? timelineChart(profile.value, names.value, {
+        threads: visibleThreads.value,
+        collapsed: collapsed.value,
+        pinned: visibleThreads.value.filter((thread) => pinned.value.has(thread)).length,
+        threadName,
+        mainThread: mainThread.value,
+      })
     : undefined,
 );
 
@@ -141,50 +199,133 @@ export const flameModel = computed(() => {
   return callTree.value ? flameChart(callTree.value, names.value, title) : undefined;
 });
 
+/** The box of the flame graph that is selected; of a name alone, the heaviest one nearest to the top. */
+export const selectedNode = computed(() => {
+  const nodes = callTree.value?.nodes ?? [];
+  const path = selectedPath.value;
+  if (path) {
+    const at = nodeOfPath(callTree.value!, path);
+    if (at !== undefined) return at;
+  }
+  const name = selectedName.value;
+  if (name === undefined) return undefined;
+  const first = nodes.findIndex((node) => node.name === name);
+  return first < 0 ? undefined : first;
+});
+
 export const compared = computed(() => {
   if (!opened.value || !second.value) return [];
-  const inEncoding = ({ profile, raw }: Opened) => ({
-    ...profile,
-    names: decodeNames(raw.names, encoding.value),
-  });
   return compare(inEncoding(opened.value), inEncoding(second.value));
 });
 
+const inEncoding = ({ profile, raw }: Opened) => ({
+  ...profile,
+  names: decodeNames(raw.names, encoding.value),
+});
+
+export const differenceTree = computed(() =>
+  opened.value && second.value
+    ? makeDifferenceTree(inEncoding(opened.value), inEncoding(second.value), {
+        foldRecursion: foldRecursion.value,
+      })
+    : undefined,
+);
+
+export const differenceModel = computed(() => {
+  const made = differenceTree.value;
+  const dark = darkNow.value;
+  return made && differenceChart(made.tree, made.names, (before, after) => changeColor(before, after, dark));
+});
+
+export const secondModel = computed(() => {
+  const record = second.value;
+  if (!record) return undefined;
+  const { profile } = record;
+  return timelineChart(profile, decodeNames(record.raw.names, encoding.value), {
+    threads: [...profile.threads.keys()],
+    collapsed: new Set(),
+    pinned: 0,
+    threadName: (thread) => profile.threads[thread]!.name,
+    mainThread: -1,
+  });
+});
+
+/** Two timelines have one axis. */
+effect(() => void (secondTimeline.range.value = timeline.range.value));
+effect(() => void (timeline.range.value = secondTimeline.range.value));
+effect(() => {
+  const made = differenceTree.value;
+  if (made) difference.reset(made.tree.total);
+});
+
 /** Shows a record from its beginning, with nothing chosen. */
-export function show(raw: RawRecord, title: string, asScript: boolean): void {
+export function show(raw: RawRecord, title: string, source: Source): void {
   const profile = makeProfile(raw);
   batch(() => {
-    opened.value = { title, raw, profile, asScript };
+    opened.value = { title, raw, profile, source };
     encoding.value = guessEncoding([...raw.names, ...raw.threads]);
     refusal.value = undefined;
     view.value = 'timeline';
     search.value = '';
     hidden.value = new Set();
+    collapsed.value = new Set();
+    pinned.value = new Set();
+    ownOrder.value = [];
+    threadOrder.value = 'begin';
     renamed.value = new Map();
     currentThread.value = undefined;
-    select(undefined, undefined);
+    span.value = undefined;
+    notes.value = [];
+    list.value = undefined;
+    select(undefined);
     timeline.reset(profile.last);
   });
 }
 
 export function showSecond(raw: RawRecord, title: string): void {
   batch(() => {
-    second.value = { title, raw, profile: makeProfile(raw), asScript: false };
+    const profile = makeProfile(raw);
+    second.value = { title, raw, profile, source: { kind: 'file' } };
+    secondTimeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
+    timeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     refusal.value = undefined;
     view.value = 'compare';
   });
 }
 
-export function select(name: number | undefined, interval: number | undefined): void {
+export function select(name: number | undefined, interval?: number): void {
   batch(() => {
     selectedName.value = name;
     selectedInterval.value = interval;
+    selectedPath.value = undefined;
+    selectedComparison.value = undefined;
   });
 }
 
+/** Selects an interval, and shows its lane if that is not shown. */
 export function selectInterval(interval: number): void {
   const { blocks, block } = profile.value!;
-  select(blocks[block[interval]!]!.name, interval);
+  const { name, thread, depth } = blocks[block[interval]!]!;
+  batch(() => {
+    select(name, interval);
+    if (hidden.value.has(thread)) hidden.value = without(hidden.value, thread);
+    if (depth > 0 && collapsed.value.has(thread)) collapsed.value = without(collapsed.value, thread);
+    timeline.bring();
+  });
+}
+
+/** Selects a box of the flame graph. */
+export function selectNode(node: number): void {
+  const path = pathOfNode(callTree.value!, node);
+  batch(() => {
+    select(path[path.length - 1]);
+    selectedPath.value = path;
+    flame.bring();
+  });
+}
+
+export function without<T>(set: ReadonlySet<T>, member: T): Set<T> {
+  return new Set([...set].filter((other) => other !== member));
 }
 
 /** The flame graph's axis is another one whenever its tree is. */

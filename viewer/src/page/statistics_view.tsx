@@ -1,6 +1,9 @@
+import { computed } from '@preact/signals';
 import { calleesOf, callersOf, type NameRow, type Relative } from '../record/statistics';
-import { formatCount, formatShare, formatTime, oneLine } from './format';
+import { formatCount, formatShare, formatTime } from './format';
+import { Name } from './name';
 import { goToLongest } from './navigation';
+import { matches } from './search';
 import * as state from './state';
 import { Table, type Column } from './table';
 
@@ -9,21 +12,16 @@ const time = (id: keyof NameRow & string, title: string, hint: string): Column<N
   title,
   hint,
   value: (row) => row[id],
-  show: (row) => formatTime(row[id]),
+  text: (row) => formatTime(row[id]),
 });
 
-const columns: Column<NameRow>[] = [
-  {
-    id: 'name',
-    title: 'Name',
-    value: (row) => state.names.value[row.name]!,
-    show: (row) => oneLine(state.names.value[row.name]!),
-  },
+const figures: Column<NameRow>[] = [
   {
     id: 'count',
     title: 'Count',
     hint: 'How often it was open',
     value: (row) => row.count,
+    text: (row) => formatCount(row.count),
     show: (row) => (
       <>
         {formatCount(row.count)}
@@ -40,22 +38,32 @@ const columns: Column<NameRow>[] = [
   time('deviation', 'Deviation', 'Standard deviation of the closed intervals'),
 ];
 
+const columns = computed((): Column<NameRow>[] => {
+  const names = state.names.value;
+  const nameOf = (row: NameRow) => names[row.name]!;
+  return [
+    { id: 'name', title: 'Name', value: nameOf, text: nameOf, show: (row) => <Name text={nameOf(row)} /> },
+    ...figures,
+  ];
+});
+
+const rows = computed(() => {
+  const found = matches.value;
+  return found ? state.statistics.value.filter(({ name }) => found[name]) : state.statistics.value;
+});
+
 export function StatisticsView() {
   return (
     <div class="statistics">
       <Table
         label="Statistics by name"
-        rows={state.statistics.value}
-        columns={columns}
+        rows={rows.value}
+        columns={columns.value}
         sortedBy="self"
-        textOf={(row) => state.names.value[row.name]!}
-        filter={state.search.value}
         isSelected={(row) => row.name === state.selectedName.value}
-        onSelect={(row) => state.select(row.name, undefined)}
+        onSelect={(row) => state.select(row.name)}
         onOpen={(row) => goToLongest(row.name)}
-        empty={
-          state.search.value ? 'No name holds what is searched for.' : 'No interval lies wholly in the range.'
-        }
+        empty={state.search.value ? 'No name holds what is searched for.' : 'No interval lies in the range.'}
       />
       <Sandwich />
     </div>
@@ -71,7 +79,9 @@ function Sandwich() {
   return (
     <aside class="sandwich">
       <Relatives title="Callers" rows={callersOf(profile, name, state.selection.value)} />
-      <h3 class="middle">{oneLine(state.names.value[name]!)}</h3>
+      <h3 class="middle">
+        <Name text={state.names.value[name]!} />
+      </h3>
       <Relatives title="Callees" rows={calleesOf(profile, name, state.selection.value)} />
     </aside>
   );
@@ -92,8 +102,8 @@ function Relatives({ title, rows }: { title: string; rows: Relative[] }) {
             {row.name < 0 ? (
               <span class="hint">top of the thread</span>
             ) : (
-              <button onClick={() => state.select(row.name, undefined)}>
-                {oneLine(state.names.value[row.name]!)}
+              <button onClick={() => state.select(row.name)}>
+                <Name text={state.names.value[row.name]!} />
               </button>
             )}
             <span class="number">{formatTime(row.total)}</span>

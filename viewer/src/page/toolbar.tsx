@@ -1,26 +1,28 @@
-import { signal } from '@preact/signals';
-import { encodings } from '../record/bytes';
-import { exportAs, type ExportKind } from './download';
+import { goBack, goForward } from './back_forward';
+import { ThemeChoice } from './choices';
+import { exportAs, hasPicture, type ExportKind } from './download';
+import { FileButton } from './file_button';
 import { formatCount } from './format';
-import { openId, searchId } from './keyboard';
-import { scrollToSelection } from './navigation';
-import { openFile } from './open';
-import { currentHit, goToHit, hits } from './search';
+import { openId, reloadId, searchId } from './ids';
+import { openFile, reload } from './open';
+import { currentHit, fault, goToHit, hits } from './search';
 import * as state from './state';
-
-export const exportsOpen = signal(false);
 
 const views: [state.View, string][] = [
   ['timeline', 'Timeline'],
   ['flame', 'Flame graph'],
   ['statistics', 'Statistics'],
   ['compare', 'Compare'],
+  ['tree', 'Call tree'],
 ];
 
 const exportKinds: [ExportKind, string][] = [
   ['chrome', 'Chrome trace (JSON)'],
   ['speedscope', 'speedscope (JSON)'],
   ['csv', 'Statistics (CSV)'],
+  ['png', 'Picture of the view (PNG)'],
+  ['svg', 'Picture of the view (SVG)'],
+  ['view', 'View with notes (file)'],
 ];
 
 export function Toolbar() {
@@ -35,8 +37,23 @@ export function Toolbar() {
       />
       {record && (
         <>
+          <button
+            id={reloadId}
+            title="Read the file again and keep the view (u)"
+            onClick={() => void reload()}
+          >
+            ⟳
+          </button>
           <span class="title" title={record.title}>
             {record.title}
+          </span>
+          <span class="views">
+            <button title="Back (Backspace, Alt+Left)" aria-label="Back" onClick={goBack}>
+              ←
+            </button>
+            <button title="Forward (Alt+Right)" aria-label="Forward" onClick={goForward}>
+              →
+            </button>
           </span>
           <Views />
           <SearchBox />
@@ -57,43 +74,18 @@ export function Toolbar() {
             Threads
           </button>
           <Exports />
-          <EncodingChoice />
         </>
       )}
-      {!record && <span class="space" />}
-      <ThemeChoice />
+      {!record && (
+        <>
+          <span class="space" />
+          <ThemeChoice />
+        </>
+      )}
       <button title="Keys and how to read the page (?)" onClick={() => (state.dialog.value = 'help')}>
         ?
       </button>
     </header>
-  );
-}
-
-interface FileButtonProperties {
-  id: string;
-  label: string;
-  hint: string;
-  onFile: (file: File) => void;
-}
-
-export function FileButton({ id, label, hint, onFile }: FileButtonProperties) {
-  const inputId = `${id}-file`;
-  return (
-    <>
-      <button id={id} title={hint} onClick={() => document.getElementById(inputId)!.click()}>
-        {label}
-      </button>
-      <input
-        id={inputId}
-        type="file"
-        hidden
-        onChange={({ currentTarget }) => {
-          const file = currentTarget.files?.[0];
-          currentTarget.value = '';
-          if (file) onFile(file);
-        }}
-      />
-    </>
   );
 }
 
@@ -114,39 +106,50 @@ function Views() {
   );
 }
 
+const searchHint = `Part of a name, or /a regular expression/; lengths such as "> 5 ms"; thread:NAME (Ctrl+F)`;
+
 function SearchBox() {
-  const found = hits.value.length;
+  const { found, done } = hits.value;
   const place = currentHit.value + 1;
-  const go = (step: 1 | -1) => {
-    goToHit(step);
-    scrollToSelection();
-  };
+  const wrong = fault.value;
+  const none = wrong !== undefined || (done && found === 0);
   return (
     <div class="search" role="search">
       <input
         id={searchId}
         type="search"
-        placeholder="Search names (Ctrl+F)"
+        placeholder="Search: name, /regexp/, > 5 ms"
         aria-label="Search names"
+        aria-invalid={wrong !== undefined}
+        title={wrong ?? searchHint}
         value={state.search.value}
         onInput={({ currentTarget }) => (state.search.value = currentTarget.value)}
         onKeyDown={(event) => {
           if (event.key !== 'Enter') return;
           event.preventDefault();
-          go(event.shiftKey ? -1 : 1);
+          void goToHit(event.shiftKey ? -1 : 1);
         }}
       />
       {state.search.value && (
         <>
           <span class="hits" aria-live="polite">
-            {place > 0 ? `${formatCount(place)} of ` : ''}
-            {formatCount(found)}
+            {wrong
+              ? 'not understood'
+              : (place > 0 ? `${formatCount(place)} of ` : '') + formatCount(found) + (done ? '' : '…')}
           </span>
-          <button title="The one before (Shift+Enter)" disabled={found === 0} onClick={() => go(-1)}>
+          <button title="The one before (Shift+Enter)" disabled={none} onClick={() => void goToHit(-1)}>
             ‹
           </button>
-          <button title="The next one (Enter)" disabled={found === 0} onClick={() => go(1)}>
+          <button title="The next one (Enter)" disabled={none} onClick={() => void goToHit(1)}>
             ›
+          </button>
+          <button
+            title="All hits (h)"
+            aria-label="All hits"
+            aria-pressed={state.list.value === 'hits'}
+            onClick={() => (state.list.value = state.list.value === 'hits' ? undefined : 'hits')}
+          >
+            ☰
           </button>
         </>
       )}
@@ -171,65 +174,41 @@ function Toggle({ label, hint, on, onChange }: ToggleProperties) {
 }
 
 function Exports() {
+  const open = state.menu.value === 'export';
+  const choose = (act: () => void) => {
+    state.menu.value = undefined;
+    act();
+  };
   return (
     <div
       class="menu"
       onFocusOut={({ currentTarget, relatedTarget }) => {
-        if (!currentTarget.contains(relatedTarget as Node | null)) exportsOpen.value = false;
+        if (open && !currentTarget.contains(relatedTarget as Node | null)) state.menu.value = undefined;
       }}
     >
       <button
         aria-haspopup="menu"
-        aria-expanded={exportsOpen.value}
-        onClick={() => (exportsOpen.value = !exportsOpen.value)}
+        aria-expanded={open}
+        onClick={() => (state.menu.value = open ? undefined : 'export')}
       >
         Export
       </button>
-      {exportsOpen.value && (
+      {open && (
         <div role="menu">
           {exportKinds.map(([kind, label]) => (
             <button
               role="menuitem"
-              onClick={() => {
-                exportsOpen.value = false;
-                exportAs(kind);
-              }}
+              disabled={(kind === 'png' || kind === 'svg') && !hasPicture()}
+              onClick={() => choose(() => exportAs(kind))}
             >
               {label}
             </button>
           ))}
+          <button role="menuitem" onClick={() => choose(() => (state.dialog.value = 'share'))}>
+            Link to the view…
+          </button>
         </div>
       )}
     </div>
-  );
-}
-
-function EncodingChoice() {
-  return (
-    <select
-      aria-label="Encoding of names"
-      title="The code page that the program wrote its names in"
-      value={state.encoding.value}
-      onChange={({ currentTarget }) => (state.encoding.value = currentTarget.value)}
-    >
-      {encodings.map(([value, label]) => (
-        <option value={value}>{label}</option>
-      ))}
-    </select>
-  );
-}
-
-function ThemeChoice() {
-  return (
-    <select
-      aria-label="Colours"
-      title="Colours"
-      value={state.theme.value}
-      onChange={({ currentTarget }) => (state.theme.value = currentTarget.value as typeof state.theme.value)}
-    >
-      <option value="auto">Auto</option>
-      <option value="light">Light</option>
-      <option value="dark">Dark</option>
-    </select>
   );
 }

@@ -4,28 +4,39 @@ import type { Problem, RawBlock, RawRecord } from './record';
 export const mostIntervals = 30_000_000;
 const mostProblems = 200;
 
-/** A column of numbers that grows. */
+/** A column of numbers that grows in pieces, so that it never takes twice its size. */
 class Column {
-  private data = new Float64Array(1024);
-  length = 0;
+  private readonly full: Float64Array[] = [];
+  private piece = new Float64Array(pieceSize);
+  private used = 0;
+  /** The last one; 0 at first. */
+  last = 0;
+
+  get length(): number {
+    return this.full.length * pieceSize + this.used;
+  }
 
   push(value: number): void {
-    if (this.length === this.data.length) {
-      const larger = new Float64Array(this.data.length * 2);
-      larger.set(this.data);
-      this.data = larger;
+    if (this.used === pieceSize) {
+      this.full.push(this.piece);
+      this.piece = new Float64Array(pieceSize);
+      this.used = 0;
     }
-    this.data[this.length++] = value;
+    this.piece[this.used++] = this.last = value;
   }
 
-  at(index: number): number {
-    return this.data[index]!;
-  }
-
+  /** All of them; the column is empty afterwards. */
   take(): Float64Array {
-    return this.data.subarray(0, this.length);
+    const all = new Float64Array(this.length);
+    this.full.forEach((piece, index) => all.set(piece, index * pieceSize));
+    all.set(this.piece.subarray(0, this.used), this.full.length * pieceSize);
+    this.full.length = 0;
+    this.used = 0;
+    return all;
   }
 }
+
+const pieceSize = 1 << 15;
 
 /** Takes a record piece by piece, from the text or from the script, and holds to what later code relies on. */
 export class RecordBuilder {
@@ -77,7 +88,7 @@ export class RecordBuilder {
     else if (owner.first + owner.count !== last + 1) return 'a second list of times for one block';
     if (!(begin >= 0 && begin < Infinity && end >= 0 && end < Infinity)) return 'a time that is no number';
     if (end !== 0 && end < begin) return 'an interval that ends before it begins';
-    if (owner.count > 0 && begin < Math.max(this.begin.at(last), this.end.at(last)))
+    if (owner.count > 0 && begin < Math.max(this.begin.last, this.end.last))
       return 'an interval that begins before the one before it has ended';
     if (this.begin.length >= mostIntervals) {
       if (this.full) return undefined;

@@ -56,6 +56,14 @@ function fromWestern(name: string): string {
   return name.replace(/[\x80-\x9f]/g, (character) => western[character.charCodeAt(0) - 0x80]!);
 }
 
+/** The bytes of a text that was read in 1252, one character for each; what 1252 does not have becomes a question mark. */
+export function bytesOfWestern(text: string): string {
+  return text.replace(/[^\x00-\x7f\xa0-\xff]/g, (character) => {
+    const place = western.indexOf(character);
+    return place < 0 ? '?' : String.fromCharCode(0x80 + place);
+  });
+}
+
 function isAscii(text: string): boolean {
   return /^[\x00-\x7f]*$/.test(text);
 }

@@ -48,7 +48,7 @@ function* chromeEvents(profile: Profile): Generator<string> {
       const from = nanoseconds(begin[interval]!);
       const length = nanoseconds(end[interval]!) - from;
       const name = quoted[blocks[profile.block[interval]!]!.name]!;
-      const open = profile.open[interval] ? ',"args":{"open":true}' : '';
+      const open = ['', ',"args":{"open":true}', ',"args":{"timesLost":true}'][profile.open[interval]!]!;
       yield `,\n{"ph":"X","pid":1,"tid":${id},"ts":${microseconds(from)},"dur":${microseconds(length)},"name":${name}${open}}`;
     }
   }
@@ -104,14 +104,20 @@ function* speedscopeEvents(profile: Profile, walker: Walker, thread: number): Ge
 
 const columns = ['count', 'open', 'total', 'self', 'mean', 'median', 'min', 'max', 'deviation'] as const;
 
-/** Statistics as comma-separated values; times in milliseconds, an empty field where there is no figure. */
+/**
+ * Statistics as comma-separated values; times in milliseconds, an empty field where there is no figure. Figures have ten
+ * digits, behind which is only what sums of decimal fractions leave.
+ */
 export function csv(profile: Profile, rows: readonly NameRow[]): string {
-  const quoted = (text: string) => `"${text.replaceAll('"', '""')}"`;
+  const figure = (value: number) => (Number.isNaN(value) ? '' : Number(value.toPrecision(10)));
   const lines = rows.map((row) =>
-    [
-      quoted(profile.names[row.name]!),
-      ...columns.map((column) => (Number.isNaN(row[column]) ? '' : row[column])),
-    ].join(','),
+    [cell(profile.names[row.name]!), ...columns.map((column) => figure(row[column]))].join(','),
   );
   return ['name,' + columns.join(','), ...lines, ''].join('\r\n');
+}
+
+/** Tables take what begins with one of these for a formula: behind an apostrophe it is a text. */
+function cell(text: string): string {
+  const guarded = /^[=+\-@\t\r]/.test(text) ? `'${text}` : text;
+  return `"${guarded.replaceAll('"', '""')}"`;
 }

@@ -1,6 +1,7 @@
 // What the viewer works on: each interval with the one that it ran in, laid out in rows, one for each thread and depth.
+import { fillLostTimes } from './lost_times';
 import { findParents } from './nesting';
-import { sortRow } from './rows';
+import { sortBlocks, sortByParents } from './rows';
 import type { RawRecord } from './record';
 
 export interface Block {
@@ -43,18 +44,29 @@ export interface Profile {
   block: Int32Array;
   /** The interval that contains it, -1 at the top. */
   parent: Int32Array;
-  /** 1 for an interval that was never closed. */
+  /**
+   * 1 for an interval that was never closed; 2 for one whose times are lost, which is drawn around what ran inside it and
+   * is left out of the statistics.
+   */
   open: Uint8Array;
   /** Milliseconds spent in the intervals directly inside it. */
   inner: Float64Array;
   ids: Int32Array;
   /** The last stamp of the record. */
   last: number;
+  /** Times have all their digits, not the six of the library's records. */
+  exact: boolean;
 }
 
-export function makeProfile(raw: RawRecord, names: readonly string[] = raw.names): Profile {
+export const timesLost = 2;
+
+export function makeProfile(read: RawRecord, names: readonly string[] = read.names): Profile {
+  const { record: raw, lost } = fillLostTimes(read);
   const count = raw.begin.length;
   const { end: rawEnd, open: rawOpen, parent: rawParent, last } = findParents(raw);
+  lost?.forEach((made, index) => {
+    if (made) rawOpen[index] = timesLost;
+  });
 
   const threads: Thread[] = raw.threads.map((name) => ({
     name,
@@ -69,22 +81,6 @@ export function makeProfile(raw: RawRecord, names: readonly string[] = raw.names
   // Blocks of one thread and depth share a row.
   const blocksOfRow: number[][][] = threads.map(() => []);
   blocks.forEach((block, index) => (blocksOfRow[block.thread]![block.depth] ??= []).push(index));
-  const rawOfId = new Int32Array(count);
-  let next = 0;
-  threads.forEach((thread, index) => {
-    for (const row of blocksOfRow[index]!) {
-      const first = next;
-      const runs: number[] = [];
-      for (const member of row) {
-        const block = blocks[member]!;
-        for (let i = 0; i < block.count; ++i) rawOfId[next++] = block.first + i;
-        runs.push(next);
-      }
-      sortRow(rawOfId, first, runs, raw.begin, rawEnd);
-      thread.rows.push({ first, count: next - first });
-    }
-  });
-
   const profile: Profile = {
     names,
     threads,
@@ -97,18 +93,33 @@ export function makeProfile(raw: RawRecord, names: readonly string[] = raw.names
     inner: new Float64Array(count),
     ids: new Int32Array(count),
     last,
+    exact: raw.exact ?? false,
   };
-  const blockOfRaw = new Int32Array(count);
-  blocks.forEach((block, index) => blockOfRaw.fill(index, block.first, block.first + block.count));
-  // A block's intervals have the same order in the file and in the row, so its slice of `ids` is filled in file order.
-  for (let id = 0; id < count; ++id) {
-    const index = rawOfId[id]!;
-    profile.ids[index] = id;
-    profile.begin[id] = raw.begin[index]!;
-    profile.end[id] = rawEnd[index]!;
-    profile.open[id] = rawOpen[index]!;
-    profile.block[id] = blockOfRaw[index]!;
-  }
+  const rawOfId = new Int32Array(count);
+  let next = 0;
+  threads.forEach((thread, index) => {
+    for (const row of blocksOfRow[index]!) {
+      const above = thread.rows[thread.rows.length - 1];
+      const members = row.map((member) => blocks[member]!);
+      const made = { first: next, count: members.reduce((sum, { count }) => sum + count, 0) };
+      next += made.count;
+      const sorting = { ids: rawOfId, begin: raw.begin, end: rawEnd };
+      if (!above || !sortByParents(sorting, made, members, above, profile.ids, rawParent))
+        sortBlocks(sorting, made, members);
+      // A block's intervals have the same order in the file and in the row, so its slice of `ids` is filled in file order.
+      for (let id = made.first; id < next; ++id) profile.ids[rawOfId[id]!] = id;
+      thread.rows.push(made);
+    }
+  });
+  blocks.forEach((block, index) => {
+    for (let i = block.first; i < block.first + block.count; ++i) {
+      const id = profile.ids[i]!;
+      profile.begin[id] = raw.begin[i]!;
+      profile.end[id] = rawEnd[i]!;
+      profile.open[id] = rawOpen[i]!;
+      profile.block[id] = index;
+    }
+  });
   for (let id = 0; id < count; ++id) {
     const parent = rawParent[rawOfId[id]!]!;
     if (parent < 0) continue;
@@ -140,6 +151,11 @@ export function pathOf(profile: Profile, block: number): string[] {
   for (let at = block; at >= 0; at = profile.blocks[at]!.parent)
     path.push(profile.names[profile.blocks[at]!.name]!);
   return path.reverse();
+}
+
+/** The step in milliseconds from one stamp to the next at that time; 0 if there is none. */
+export function stepAt(profile: Profile, time: number): number {
+  return profile.exact ? 0 : resolutionAt(time);
 }
 
 /** A stamp has six digits: the step in milliseconds from one to the next at that time. */

@@ -31,6 +31,8 @@ export interface RawRecord {
   problems: Problem[];
   /** Problems that came after the list was full. */
   moreProblems: number;
+  /** Of another program: times have all their digits, not the six of the library's records. */
+  exact?: true;
 }
 
 /** A file that is no record at all. Its message is a sentence for the user. */

@@ -1,5 +1,6 @@
 // Reads the list that a record declares when it was loaded as a script: the way that works from a double click.
 import { RecordBuilder } from './builder';
+import { bytesOfWestern } from './bytes';
 import { NoRecord, type RawRecord } from './record';
 
 /** A block or thread whose list of children is being read. */
@@ -16,8 +17,8 @@ type Fields = Readonly<Record<string, unknown>>;
 /**
  * Throws NoRecord if `threads` is no list.
  *
- * The page loads the script in the encoding x-user-defined, which gives each byte above 127 a character of its own, so
- * that the bytes of names survive.
+ * The page loads the script in the encoding windows-1252, in which each byte is a character of its own, so that the
+ * bytes of names survive.
  */
 export function readScript(threads: unknown): RawRecord {
   if (!Array.isArray(threads))
@@ -78,9 +79,7 @@ function readName(owner: Fields, builder: RecordBuilder, where: string): string 
     builder.report(where, 'a name is missing');
     return '(name missing)';
   }
-  return owner.name.replace(/[^\x00-\xff]/g, (character) =>
-    String.fromCharCode(character.charCodeAt(0) & 0xff),
-  );
+  return bytesOfWestern(owner.name);
 }
 
 function isFields(value: unknown): value is Fields {

@@ -1,4 +1,5 @@
-import { duration, selfTime, type Profile } from './profile';
+import { selfTime, stepAt, timesLost, type Profile } from './profile';
+import { firstFrom, timeIn } from './range';
 
 export interface Range {
   from: number;
@@ -9,10 +10,10 @@ export interface Figures {
   /** All intervals, those included that were never closed. */
   count: number;
   open: number;
-  /** Milliseconds; open intervals count up to the end that they are drawn to. */
+  /** Milliseconds, of a range those inside it; open intervals count up to the end that they are drawn to. */
   total: number;
   self: number;
-  /** Of the closed intervals; NaN if there are none. */
+  /** Of the closed intervals in their whole length; NaN if there are none. */
   mean: number;
   median: number;
   min: number;
@@ -22,7 +23,7 @@ export interface Figures {
 }
 
 export interface Selection {
-  /** Only intervals that lie wholly inside. */
+  /** Only intervals that lie inside at least in part. */
   range?: Range | undefined;
   /** Only these threads. */
   threads?: ReadonlySet<number> | undefined;
@@ -37,7 +38,25 @@ export function figuresOf(
   groupOf: (block: number) => number,
   selection: Selection = {},
 ): Figures[] {
+  return spreadsOf(profile, groups, groupOf, selection).map(({ figures }) => figures);
+}
+
+/** Figures with the closed durations that they are drawn from, sorted. */
+export interface Spread {
+  figures: Figures;
+  durations: Float64Array;
+  /** Milliseconds: the step of the record where the last interval ended, below which they cannot be told apart. */
+  resolution: number;
+}
+
+function spreadsOf(
+  profile: Profile,
+  groups: number,
+  groupOf: (block: number) => number,
+  selection: Selection,
+): Spread[] {
   const { blocks, ids, begin, end, open } = profile;
+  const { range } = selection;
   const result = Array.from({ length: groups }, () => ({
     count: 0,
     open: 0,
@@ -49,14 +68,10 @@ export function figuresOf(
     max: NaN,
     deviation: NaN,
   }));
-  const from = selection.range?.from ?? -Infinity;
-  const to = selection.range?.to ?? Infinity;
-
-  const closedDurations = new Float64Array(ids.length);
   const groupOfBlock = blocks.map((block, index) =>
     selection.threads && !selection.threads.has(block.thread) ? -1 : groupOf(index),
   );
-  const nested = selection.foldRecursion ? insideItself(profile) : undefined;
+  const nested = selection.foldRecursion ? insideItself(profile.blocks) : undefined;
   const places = new Int32Array(groups + 1);
   blocks.forEach((block, index) => {
     const group = groupOfBlock[index]!;
@@ -64,24 +79,42 @@ export function figuresOf(
   });
   for (let group = 0; group < groups; ++group) places[group + 1]! += places[group]!;
   const next = places.slice();
+  const closedDurations = new Float64Array(places[groups]!);
+  const lastEnd = new Float64Array(groups);
 
   blocks.forEach((block, index) => {
     const group = groupOfBlock[index]!;
-    if (group < 0) return;
-    const figures = result[group]!;
-    for (let i = block.first; i < block.first + block.count; ++i) {
+    // In a range, what is inside a block of a group takes from the block's own time.
+    if (group < 0 && !(range && (groupOfBlock[block.parent] ?? -1) >= 0)) return;
+    const figures = result[group];
+    const stop = block.first + block.count;
+    for (let i = range ? firstFrom(profile, index, range.from) : block.first; i < stop; ++i) {
       const id = ids[i]!;
-      if (begin[id]! < from || end[id]! > to) continue;
-      figures.self += selfTime(profile, id);
-      if (nested?.[index]) continue;
+      if (range && begin[id]! > range.to) break;
+      const time = range ? timeIn(profile, id, range) : end[id]! - begin[id]!;
+      if (time < 0) continue;
+      const isLost = open[id] === timesLost;
+      if (range) {
+        const outer = profile.parent[id]! < 0 ? -1 : groupOfBlock[profile.block[profile.parent[id]!]!]!;
+        if (figures && !isLost) figures.self += time;
+        if (outer >= 0) result[outer]!.self -= time;
+      } else if (!isLost) figures!.self += selfTime(profile, id);
+      if (!figures || isLost || nested?.[index]) continue;
       ++figures.count;
-      figures.total += duration(profile, id);
+      figures.total += time;
       if (open[id]) ++figures.open;
-      else closedDurations[next[group]!++] = duration(profile, id);
+      else {
+        closedDurations[next[group]!++] = end[id]! - begin[id]!;
+        if (end[id]! > lastEnd[group]!) lastEnd[group] = end[id]!;
+      }
     }
   });
-  result.forEach((figures, group) => spread(figures, closedDurations.subarray(places[group], next[group])));
-  return result;
+  for (const figures of result) figures.self = Math.max(0, figures.self);
+  return result.map((figures, group) => {
+    const durations = closedDurations.subarray(places[group], next[group]);
+    spread(figures, durations);
+    return { figures, durations, resolution: stepAt(profile, lastEnd[group]!) };
+  });
 }
 
 /** Sorts the durations and draws the averages from them. */
@@ -101,12 +134,12 @@ function spread(figures: Figures, durations: Float64Array): void {
   figures.deviation = Math.sqrt(squares / length);
 }
 
-/** 1 for each block that has its own name above it. */
-function insideItself(profile: Profile): Uint8Array {
-  const nested = new Uint8Array(profile.blocks.length);
-  profile.blocks.forEach((block, index) => {
-    for (let at = block.parent; at >= 0; at = profile.blocks[at]!.parent)
-      if (profile.blocks[at]!.name === block.name) {
+/** 1 for each block, or node of a tree, that has its own name above it. A parent comes before its children. */
+export function insideItself(blocks: readonly { name: number; parent: number }[]): Uint8Array {
+  const nested = new Uint8Array(blocks.length);
+  blocks.forEach((block, index) => {
+    for (let at = block.parent; at >= 0; at = blocks[at]!.parent)
+      if (blocks[at]!.name === block.name) {
         nested[index] = 1;
         break;
       }
@@ -118,27 +151,16 @@ export interface NameRow extends Figures {
   name: number;
 }
 
+/** The figures of one name, which take less time than those of all. */
+export function spreadOfName(profile: Profile, name: number, selection: Selection = {}): Spread {
+  return spreadsOf(profile, 1, (block) => (profile.blocks[block]!.name === name ? 0 : -1), selection)[0]!;
+}
+
 /** A row for each name that occurs in the selection. */
 export function statisticsByName(profile: Profile, selection: Selection = {}): NameRow[] {
   return figuresOf(profile, profile.names.length, (block) => profile.blocks[block]!.name, selection)
     .map((figures, name) => ({ ...figures, name }))
     .filter((row) => row.count > 0);
-}
-
-/** The closed durations of one name, sorted: what a histogram is made of. */
-export function durationsOf(profile: Profile, name: number, selection: Selection = {}): Float64Array {
-  const from = selection.range?.from ?? -Infinity;
-  const to = selection.range?.to ?? Infinity;
-  const found: number[] = [];
-  for (const block of profile.blocks) {
-    if (block.name !== name || (selection.threads && !selection.threads.has(block.thread))) continue;
-    for (let i = block.first; i < block.first + block.count; ++i) {
-      const id = profile.ids[i]!;
-      if (!profile.open[id] && profile.begin[id]! >= from && profile.end[id]! <= to)
-        found.push(duration(profile, id));
-    }
-  }
-  return Float64Array.from(found).sort();
 }
 
 export interface Relative {
@@ -168,19 +190,18 @@ function relatives(
   keyOf: (block: Profile['blocks'][number]) => number | undefined,
 ): Relative[] {
   const found = new Map<number, Relative>();
-  const from = selection.range?.from ?? -Infinity;
-  const to = selection.range?.to ?? Infinity;
   for (const block of profile.blocks) {
     if (selection.threads && !selection.threads.has(block.thread)) continue;
     const key = keyOf(block);
     if (key === undefined) continue;
     for (let i = block.first; i < block.first + block.count; ++i) {
       const id = profile.ids[i]!;
-      if (profile.begin[id]! < from || profile.end[id]! > to) continue;
+      const time = timeIn(profile, id, selection.range);
+      if (time < 0) continue;
       const relative = found.get(key) ?? { name: key, count: 0, total: 0 };
       found.set(key, relative);
       ++relative.count;
-      relative.total += duration(profile, id);
+      relative.total += time;
     }
   }
   return [...found.values()].sort((a, b) => b.total - a.total);

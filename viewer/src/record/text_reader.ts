@@ -46,7 +46,7 @@ export class TextReader {
       data.set(chunk, this.rest.length);
     }
     const at = this.read(data, false);
-    this.rest = data.slice(at);
+    this.rest = new Uint8Array(data.subarray(at)); // a copy: the caller may fill the part anew
   }
 
   finish(): RawRecord {

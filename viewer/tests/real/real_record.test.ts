@@ -93,7 +93,7 @@ describe('The record of count_sources', () => {
 
 describe('The record of a process', () => {
   test('that ended with a block open shows it as open', () => {
-    run('kexlib_host', 'exit');
+    run('endings', 'exit');
     const profile = readWithoutProblems('profiler.js');
     expect(profile.blocks.map(({ name, count }) => [profile.names[name], count])).toEqual([
       ['closed', 1],
@@ -103,12 +103,12 @@ describe('The record of a process', () => {
   });
 
   test('that stopped profiling with a block open shows it as open', () => {
-    run('kexlib_host', 'stopped');
+    run('endings', 'stopped');
     expect([...readWithoutProblems('stopped.js').open]).toEqual([0, 1]);
   });
 
   test('that ended while a thread was always inside the profiler is whole', () => {
-    run('kexlib_host', 'busy_thread');
+    run('endings', 'busy_thread');
     const profile = readWithoutProblems('profiler.js');
     expect(profile.threads.length).toBe(2);
     expect(profile.names.some((name) => name.startsWith('busy '))).toBe(true);

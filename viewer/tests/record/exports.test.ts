@@ -3,7 +3,7 @@ import { chromeTrace, csv, speedscope } from '../../src/record/exports';
 import { makeProfile, type Profile } from '../../src/record/profile';
 import { statisticsByName } from '../../src/record/statistics';
 import { Walker } from '../../src/record/walk';
-import { largeRecord, recordText } from '../support/make_record';
+import { type BlockText, largeRecord, recordText } from '../support/make_record';
 import { read, readBlocks } from '../support/reading';
 import { spansOfChrome, spansOfSpeedscope, type Span } from '../support/validate';
 
@@ -114,4 +114,28 @@ test('Statistics as comma-separated values', () => {
       '"a ""b"", c",2,0,3,3,1.5,1.5,1,2,0.5\r\n' +
       '"open",1,1,0,0,,,,,\r\n',
   );
+});
+
+test('Statistics have no digits that the record does not have', () => {
+  const profile = readBlocks({
+    name: 'a',
+    time: [
+      [0.1, 0.4],
+      [1, 1.6],
+    ],
+  });
+  expect(csv(profile, statisticsByName(profile)).split('\r\n')[1]).toBe(
+    '"a",2,0,0.9,0.9,0.45,0.45,0.3,0.6,0.15',
+  );
+});
+
+test('Names that a table would take for a formula are guarded', () => {
+  const names = ['=1+1', '+1', '-1', '@a', '\t=1', "it's", 'a=b'];
+  const profile = readBlocks(...names.map((name): BlockText => ({ name, time: [[0, 1]] })));
+  expect(
+    csv(profile, statisticsByName(profile))
+      .split('\r\n')
+      .slice(1, -1)
+      .map((line) => line.slice(0, line.lastIndexOf('"') + 1)),
+  ).toEqual([`"'=1+1"`, `"'+1"`, `"'-1"`, `"'@a"`, `"'\t=1"`, `"it's"`, '"a=b"']);
 });

@@ -1,5 +1,6 @@
 import { describe, expect, test } from 'vitest';
-import { makeProfile, resolutionAt, selfTime, type Profile } from '../../src/record/profile';
+import { makeProfile, resolutionAt, selfTime, timesLost, type Profile } from '../../src/record/profile';
+import { statisticsByName } from '../../src/record/statistics';
 import { largeRecord, recordText } from '../support/make_record';
 import { find, read, readBlocks } from '../support/reading';
 
@@ -47,13 +48,73 @@ describe('An interval', () => {
     expect(profile.parent[find(profile, 'inner', 5)]).toBe(find(profile, 'outer', 4));
   });
 
-  test('whose parent was damaged belongs to the block above', () => {
-    const profile = readBlocks({
-      name: 'top',
-      time: [[0, 9]],
-      blocks: [{ name: 'damaged', time: [], blocks: [{ name: 'inner', time: [[1, 2]] }] }],
-    });
-    expect(profile.parent[find(profile, 'inner', 1)]).toBe(find(profile, 'top', 0));
+  test('whose parent is damaged keeps its place: the parent is drawn around what is inside', () => {
+    const text = recordText([
+      {
+        id: 4,
+        blocks: [
+          {
+            name: 'frame',
+            time: [
+              [0, 10],
+              [20, 30],
+              [40, 50],
+            ],
+            blocks: [
+              {
+                name: 'draw',
+                time: [
+                  [1, 9],
+                  [21, 29],
+                  [41, 49],
+                ],
+                blocks: [
+                  {
+                    name: 'line',
+                    time: [
+                      [2, 3],
+                      [4, 5],
+                      [22, 23],
+                      [24, 25],
+                      [42, 43],
+                    ],
+                  },
+                  { name: 'text', time: [[26, 27]] },
+                ],
+              },
+            ],
+          },
+        ],
+      },
+    ]);
+    const draws = (damaged: string) => {
+      const profile = makeProfile(read(damaged));
+      expect(profile.begin.length).toBe([...profile.ids].length);
+      const ids = [...profile.begin.keys()].filter(
+        (id) => profile.names[profile.blocks[profile.block[id]!]!.name] === 'draw',
+      );
+      for (const begin of [2, 4, 22, 24, 42])
+        expect(ids).toContain(profile.parent[find(profile, 'line', begin)]);
+      expect(ids.map((id) => profile.begin[profile.parent[id]!])).toEqual([0, 20, 40]);
+      const draw = statisticsByName(profile).find(({ name }) => profile.names[name] === 'draw');
+      return [ids.map((id) => [profile.begin[id], profile.end[id], profile.open[id]]), draw?.count];
+    };
+    expect(draws(text.replace('{b: 21, e: 29}', '{b: 21, e: x}'))).toEqual([
+      [
+        [1, 9, 0],
+        [22, 27, timesLost],
+        [41, 49, 0],
+      ],
+      2,
+    ]);
+    expect(draws(text.replace('time: [{b: 1, e: 9}', 'tame: [{b: 1, e: 9}'))).toEqual([
+      [
+        [2, 5, timesLost],
+        [22, 27, timesLost],
+        [42, 43, timesLost],
+      ],
+      undefined,
+    ]);
   });
 
   test('that was never closed ends with the one around it, at last with the record', () => {

@@ -5,7 +5,7 @@ import { makeProfile } from '../../src/record/profile';
 import {
   calleesOf,
   callersOf,
-  durationsOf,
+  spreadOfName,
   statisticsByName,
   type NameRow,
   type Selection,
@@ -81,22 +81,32 @@ describe('Statistics', () => {
     expect(named('work', { foldRecursion: true })).toMatchObject({ count: 3, total: 24, self: 18, min: 4 });
   });
 
-  test('take the intervals that lie wholly in a range', () => {
-    expect(named('step', { range: { from: 1, to: 23 } })).toMatchObject({ count: 3, total: 6 });
-    expect(named('step', { range: { from: 1.5, to: 22 } })).toMatchObject({ count: 1, total: 3 });
+  test('take what lies in a range at least in part, with its time in it', () => {
+    expect(named('step', { range: { from: 1, to: 23 } })).toMatchObject({ count: 4, total: 24, max: 35 });
+    const range = { from: 1.5, to: 22 };
+    expect(named('step', { range })).toMatchObject({ count: 4, total: 21.5, self: 21.5, mean: 10.25 });
+    expect(named('work', { range })).toMatchObject({ count: 3, total: 12.5, self: 6 });
     expect(named('work', { range: { from: 41, to: 50 } })).toBeUndefined();
+  });
+
+  test('take a block that fills a range, and leave out what only touches it', () => {
+    const inside = { range: { from: 31, to: 33 } };
+    expect(named('work', inside)).toMatchObject({ count: 1, open: 1, total: 2, self: 2, mean: NaN });
+    expect(named('step', inside)).toMatchObject({ count: 1, total: 2, max: 35 });
+    const touching = { range: { from: 10, to: 20 }, threads: new Set([0]) };
+    expect(statisticsByName(profile, touching)).toEqual([]);
   });
 
   test('take the threads that are chosen', () => {
     expect(named('step', { threads: new Set([1]) })).toMatchObject({ count: 1, total: 35 });
   });
 
-  test('give the durations for a histogram in order', () => {
-    expect([...durationsOf(profile, nameOf('step'))]).toEqual([1, 2, 3, 35]);
-    expect([...durationsOf(profile, nameOf('work'))]).toEqual([2, 4, 10]);
-    expect([
-      ...durationsOf(profile, nameOf('step'), { range: { from: 0, to: 10 }, threads: new Set([0]) }),
-    ]).toEqual([1, 3]);
+  test('of one name are those that it has among all', () => {
+    for (const selection of [{}, { foldRecursion: true }, { range: { from: 1, to: 23 } }])
+      for (const { name, ...figures } of statisticsByName(profile, selection))
+        expect(spreadOfName(profile, name, selection).figures).toEqual(figures);
+    const { durations, resolution } = spreadOfName(profile, nameOf('step'));
+    expect([[...durations], resolution]).toEqual([[1, 2, 3, 35], 10 ** -4]);
   });
 
   test('tell callers and callees', () => {

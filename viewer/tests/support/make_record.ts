@@ -45,6 +45,13 @@ function writeBlocks(blocks: readonly BlockText[], indent: string, lines: string
   lines.push(`${indent}],`);
 }
 
+/** One block inside the other, without the indentation, which would be most of the file. */
+export function deepRecord(levels: number): string {
+  const before = "blocks: [\n{\nname: 'n',\n".repeat(levels);
+  const after = 'time: [{b: 0, e: 1},]\n},\n],\n'.repeat(levels);
+  return `var threads = [\n{\n${before}${after}name: 'Thread 4'\n},\n]\n`;
+}
+
 /**
  * A record of `intervals` intervals, evenly on `threads` threads, as a busy server would leave it: requests of many
  * lengths with four levels inside, some idle time between them. The same for the same numbers.

@@ -1,5 +1,6 @@
 import { effect } from '@preact/signals';
-import { useEffect, useRef, type MutableRef } from 'preact/hooks';
+import type { RefObject } from 'preact';
+import { useEffect, useRef } from 'preact/hooks';
 
 /** What the page's charts are written in; the canvas knows no style sheets. */
 export const chartFont = '12px system-ui, "Segoe UI", sans-serif';
@@ -10,8 +11,8 @@ export const chartFont = '12px system-ui, "Segoe UI", sans-serif';
  */
 export function useCanvas(
   draw: (context: CanvasRenderingContext2D, width: number, height: number) => void,
-): MutableRef<HTMLCanvasElement | null> {
-  const canvas = useRef<HTMLCanvasElement | null>(null);
+): RefObject<HTMLCanvasElement | null> {
+  const canvas = useRef<HTMLCanvasElement>(null);
   const latest = useRef(draw);
   latest.current = draw;
   useEffect(() => {

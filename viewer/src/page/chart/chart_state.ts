@@ -1,5 +1,6 @@
 import { batch, signal } from '@preact/signals';
 import type { Range } from '../../record/statistics';
+import type { Look } from './draw';
 
 /** What part of a chart is seen. */
 export class ChartState {
@@ -7,12 +8,17 @@ export class ChartState {
   /** Pixels above the first one seen. */
   readonly scroll = signal(0);
   readonly hovered = signal<number | undefined>(undefined);
+  /** Counts how often the selected box was asked for: it is then shown, wherever it is. */
+  readonly wanted = signal(0);
   /** The end of the axis. */
   private last = 1;
   /** Pixels that there are to scroll; the chart tells. */
   scrollable = 0;
-  /** Pixels that are seen of the rows; the chart tells. */
-  viewHeight = 0;
+  /** The box that was brought into view last, and for which wish. */
+  brought: number | undefined = undefined;
+  broughtFor = 0;
+  /** What was drawn last. */
+  look: Look | undefined = undefined;
 
   reset(last: number): void {
     this.last = last > 0 ? last : 1;
@@ -62,6 +68,11 @@ export class ChartState {
     this.scroll.value = Math.round(Math.min(Math.max(pixels, 0), this.scrollable));
   }
 
+  /** Shows the selected box with the next picture, when the view's height is known. */
+  bring(): void {
+    ++this.wanted.value;
+  }
+
   /** Shows an interval with room around it. */
   fit(from: number, to: number): void {
     const room = Math.max((to - from) * 0.1, this.last * 1e-8);
@@ -76,4 +87,17 @@ export class ChartState {
     else if (from < range.from || to > range.to)
       this.show((from + to - length) / 2, (from + to + length) / 2);
   }
+}
+
+/**
+ * The range after two fingers went from one pair of places to another one (parts of the width): what was under each
+ * finger stays there.
+ */
+export function pinched(range: Range, before: [number, number], after: [number, number]): Range {
+  const length = range.to - range.from;
+  const apart = Math.max(Math.abs(after[1] - after[0]), 0.02);
+  const scale = Math.max(Math.abs(before[1] - before[0]), 0.02) / apart;
+  const time = range.from + (length * (before[0] + before[1])) / 2;
+  const from = time - (length * scale * (after[0] + after[1])) / 2;
+  return { from, to: from + length * scale };
 }

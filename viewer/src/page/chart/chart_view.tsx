@@ -1,13 +1,25 @@
 import { computed, signal, type ReadonlySignal } from '@preact/signals';
 import { useMemo } from 'preact/hooks';
+import type { Range } from '../../record/statistics';
 import { boxColors, chartColors } from '../colors';
-import { formatTime, oneLine } from '../format';
-import { matches } from '../search';
+import { formatTime, shortened } from '../format';
+import { marksIn, matches } from '../search';
 import * as state from '../state';
 import { chartFont, useCanvas } from './canvas';
 import type { ChartState } from './chart_state';
-import { drawChart } from './draw';
-import { axisHeight, boxAt, layOut, rowAt } from './layout';
+import { drawChart, type Look } from './draw';
+import { Pointers, type Gestures } from './gestures';
+import {
+  axisHeight,
+  boxAt,
+  depthAt,
+  frozenHeight,
+  layOut,
+  rowAt,
+  scrollToRow,
+  titleAt,
+  topOf,
+} from './layout';
 import type { Chart } from './model';
 
 interface Properties {
@@ -18,65 +30,81 @@ interface Properties {
   onSelect: (box: number | undefined) => void;
   /** More lines for the tip at the pointer. */
   describe: (box: number) => string[];
+  /** A span is being chosen with Shift and the pointer, or has been. */
+  onSpan?: (span: Range, chosen: boolean) => void;
+  /** The title of a lane was clicked, or asked for its menu at a place of the chart. */
+  onLane?: (lane: number) => void;
+  onLaneMenu?: (lane: number, x: number, y: number) => void;
+  /** Its names are not those of the record that is open: neither search nor selection is shown in it. */
+  foreign?: boolean;
 }
 
-/** A chart to look at: wheel and drag move it, Ctrl and wheel zoom, a click selects, a double click fits. */
+/** A chart to look at: wheel and drag move it, Ctrl and wheel and two fingers zoom, a click selects, two clicks fit. */
 export function ChartView(properties: Properties) {
   const { label, model, chartState, selected, onSelect, describe } = properties;
-  const { colors, layout, pointer, area } = useMemo(
+  const { colors, layout, pointer, pointers, shown } = useMemo(
     () => ({
-      colors: computed(() => boxColors(model.value?.names ?? [], state.darkNow.value)),
+      colors: computed(() => boxColors(model.value?.names ?? [], state.darkNow.value, state.palette.value)),
       layout: computed(() => (model.value ? layOut(model.value) : { places: [], height: 0 })),
       pointer: signal<{ x: number; y: number } | undefined>(undefined),
-      area: signal<{ from: number; to: number } | undefined>(undefined),
+      pointers: new Pointers(),
+      shown: { height: 0, frozen: 0, inView: false },
     }),
     [model],
   );
+
+  /** Brings the selected box into view if it is new, or was in view before the view changed. */
+  const bringSelected = (chart: Chart, height: number, frozen: number) => {
+    const box = selected.value;
+    const wanted = chartState.wanted.value;
+    const isNew = chartState.brought !== box || chartState.broughtFor !== wanted;
+    chartState.brought = box;
+    chartState.broughtFor = wanted;
+    const top = box === undefined ? undefined : topOf(chart, layout.value.places, box);
+    if (box === undefined || top === undefined) return void (shown.inView = false);
+    const { from, to } = chartState.range.peek();
+    if (isNew && (chart.end[box]! < from || chart.begin[box]! > to))
+      chartState.reveal(chart.begin[box]!, chart.end[box]!);
+    const scroll = chartState.scroll.peek();
+    const goal = scrollToRow(scroll, height, frozen, top);
+    const changed = shown.height !== height || shown.frozen !== frozen;
+    if (goal !== scroll && (isNew || (changed && shown.inView))) chartState.scrollTo(goal);
+    shown.inView = scrollToRow(chartState.scroll.peek(), height, frozen, top) === chartState.scroll.peek();
+    shown.height = height;
+    shown.frozen = frozen;
+  };
 
   const canvas = useCanvas((context, width, height) => {
     const chart = model.value;
     if (!chart) return;
     const { places, height: rowsHeight } = layout.value;
-    chartState.viewHeight = height - axisHeight;
-    chartState.scrollable = Math.max(0, rowsHeight - chartState.viewHeight);
-    if (chartState.scroll.value > chartState.scrollable) chartState.scrollTo(chartState.scroll.value);
-    const current = state.currentThread.value;
-    drawChart(context, {
-      chart,
-      places,
-      range: chartState.range.value,
-      scroll: chartState.scroll.value,
-      width,
-      height,
-      boxColors: colors.value,
-      colors: chartColors(state.darkNow.value),
-      matches: matches.value,
-      selected: selected.value,
-      selectedName: state.selectedName.value,
-      hovered: chartState.hovered.value,
-      currentLane:
-        current === undefined ? undefined : chart.lanes.findIndex((lane) => lane.thread === current),
-      font: chartFont,
-    });
-    if (area.value) {
-      const { from, to } = area.value;
-      context.globalAlpha = 0.2;
-      context.fillStyle = chartColors(state.darkNow.value).accent;
-      context.fillRect(Math.min(from, to), axisHeight, Math.abs(to - from), height);
-      context.globalAlpha = 1;
-    }
+    const viewHeight = height - axisHeight;
+    const frozen = frozenHeight(chart, places, viewHeight);
+    chartState.scrollable = Math.max(0, rowsHeight - viewHeight);
+    if (chartState.scroll.peek() > chartState.scrollable) chartState.scrollTo(chartState.scroll.peek());
+    bringSelected(chart, viewHeight, frozen);
+    const look = lookOf(properties, chart, width, height, colors.value);
+    chartState.look = { ...look, places, frozen };
+    drawChart(context, chartState.look);
   });
 
   const timeAt = (x: number) => {
     const { from, to } = chartState.range.value;
     return from + ((to - from) * x) / canvas.current!.clientWidth;
   };
+  const frozenNow = () => chartState.look?.frozen ?? 0;
   const find = (event: MouseEvent): number | undefined => {
     const chart = model.value;
-    if (!chart || event.offsetY < axisHeight) return undefined;
-    const row = rowAt(chart, layout.value.places, event.offsetY - axisHeight + chartState.scroll.value);
+    if (!chart || event.offsetY < axisHeight || laneAt(event) !== undefined) return undefined;
+    const depth = depthAt(event.offsetY - axisHeight, frozenNow(), chartState.scroll.value);
+    const row = rowAt(chart, layout.value.places, depth);
     return row && boxAt(chart, row, timeAt(event.offsetX), timeAt(3) - timeAt(0));
   };
+  /** The lane whose title is under the pointer. */
+  const laneAt = (event: MouseEvent): number | undefined =>
+    event.offsetY < axisHeight
+      ? undefined
+      : titleAt(layout.value.places, event.offsetY - axisHeight, frozenNow(), chartState.scroll.value);
 
   const onWheel = (event: WheelEvent) => {
     event.preventDefault();
@@ -91,47 +119,19 @@ export function ChartView(properties: Properties) {
     }
   };
 
-  const onPointerDown = (event: PointerEvent) => {
-    if (event.button !== 0) return;
-    const element = canvas.current!;
-    element.setPointerCapture(event.pointerId);
-    const start = {
-      x: event.offsetX,
-      y: event.offsetY,
-      ...chartState.range.value,
-      scroll: chartState.scroll.value,
-    };
-    const selecting = event.shiftKey;
-    let moved = false;
-    const move = (now: PointerEvent) => {
-      moved ||= Math.hypot(now.offsetX - start.x, now.offsetY - start.y) > 3;
-      if (!moved) return;
-      if (selecting) {
-        area.value = { from: start.x, to: now.offsetX };
-        return;
-      }
-      chartState.hovered.value = undefined;
-      const shift = ((start.x - now.offsetX) / element.clientWidth) * (start.to - start.from);
-      chartState.show(start.from + shift, start.to + shift);
-      chartState.scrollTo(start.scroll + start.y - now.offsetY);
-    };
-    const up = (now: PointerEvent) => {
-      element.removeEventListener('pointermove', move);
-      element.removeEventListener('pointerup', up);
-      element.removeEventListener('pointercancel', up);
-      const chosen = area.value;
-      area.value = undefined;
-      if (chosen)
-        chartState.show(timeAt(Math.min(chosen.from, chosen.to)), timeAt(Math.max(chosen.from, chosen.to)));
-      else if (!moved && now.type === 'pointerup') onSelect(find(now));
-    };
-    element.addEventListener('pointermove', move);
-    element.addEventListener('pointerup', up);
-    element.addEventListener('pointercancel', up);
+  const gestures: Gestures = {
+    chartState,
+    timeAt,
+    onSpan: (from, to, chosen) => properties.onSpan?.({ from, to }, chosen),
+    onClick: (event) => {
+      const lane = laneAt(event);
+      if (lane !== undefined && properties.onLane) properties.onLane(lane);
+      else onSelect(find(event));
+    },
   };
 
   const onPointerMove = (event: PointerEvent) => {
-    if (event.buttons !== 0) return;
+    if (event.buttons !== 0) return pointers.move(event, gestures);
     chartState.hovered.value = find(event);
     pointer.value = { x: event.offsetX, y: event.offsetY };
   };
@@ -142,22 +142,64 @@ export function ChartView(properties: Properties) {
     if (box !== undefined && chart) chartState.fit(chart.begin[box]!, chart.end[box]!);
   };
 
+  const onContextMenu = (event: MouseEvent) => {
+    const lane = laneAt(event);
+    if (lane === undefined || !properties.onLaneMenu) return;
+    event.preventDefault();
+    properties.onLaneMenu(lane, event.offsetX, event.offsetY);
+  };
+
   return (
     <div class="chart">
       <canvas
         ref={canvas}
         tabIndex={0}
-        role="img"
+        role="application"
         aria-label={label}
+        aria-describedby="details"
         onWheel={onWheel}
-        onPointerDown={onPointerDown}
+        onPointerDown={(event) => pointers.down(event, gestures)}
         onPointerMove={onPointerMove}
+        onPointerUp={(event) => pointers.up(event, gestures)}
+        onPointerCancel={(event) => pointers.up(event, gestures)}
         onPointerLeave={() => (chartState.hovered.value = undefined)}
         onDblClick={onDoubleClick}
+        onContextMenu={onContextMenu}
       />
       <Tip model={model} chartState={chartState} pointer={pointer} describe={describe} />
     </div>
   );
+}
+
+/** What the chart looks like now, but for where its lanes are. */
+function lookOf(
+  { chartState, selected, onSpan, foreign }: Properties,
+  chart: Chart,
+  width: number,
+  height: number,
+  colors: Look['boxColors'],
+): Omit<Look, 'places' | 'frozen'> {
+  const range = chartState.range.value;
+  const current = state.currentThread.value;
+  const ofTime = onSpan !== undefined;
+  return {
+    chart,
+    range,
+    scroll: chartState.scroll.value,
+    width,
+    height,
+    boxColors: colors,
+    colors: chartColors(state.darkNow.value),
+    matches: foreign ? undefined : matches.value,
+    selected: selected.value,
+    selectedName: foreign ? undefined : state.selectedName.value,
+    hovered: chartState.hovered.value,
+    currentLane: current === undefined ? undefined : chart.lanes.findIndex((lane) => lane.thread === current),
+    font: chartFont,
+    marks: ofTime ? marksIn(range, Math.round(width)) : undefined,
+    span: ofTime ? state.span.value : undefined,
+    notes: ofTime ? state.notes.value : [],
+  };
 }
 
 interface TipProperties {
@@ -180,7 +222,7 @@ function Tip({ model, chartState, pointer, describe }: TipProperties) {
   };
   return (
     <div class="tip" style={style}>
-      <b>{oneLine(chart.names[chart.nameOf(box)]!).slice(0, 300)}</b>
+      <b>{shortened(chart.names[chart.nameOf(box)]!, 300)}</b>
       <span class="number">
         {formatTime(chart.end[box]! - chart.begin[box]!)}
         {chart.isOpen(box) ? ' (never closed)' : ''}

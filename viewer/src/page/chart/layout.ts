@@ -1,4 +1,5 @@
 // Where lanes and rows stand, in pixels from the top of the first lane.
+import { lowerBound } from '../../record/bounds';
 import type { Row } from '../../record/profile';
 import type { Chart } from './model';
 
@@ -23,19 +24,7 @@ export function layOut(chart: Chart): { places: Place[]; height: number } {
   return { places, height: top };
 }
 
-/** The first index from `first` to `stop` whose value is not below `value`; `stop` if there is none. */
-export function lowerBound(column: Float64Array, first: number, stop: number, value: number): number {
-  let low = first;
-  let high = stop;
-  while (low < high) {
-    const middle = (low + high) >>> 1;
-    if (column[middle]! < value) low = middle + 1;
-    else high = middle;
-  }
-  return low;
-}
-
-/** The same where the answer is likely to be near: looks in steps that double. */
+/** lowerBound where the answer is likely to be near: looks in steps that double. */
 export function lowerBoundNear(column: Float64Array, first: number, stop: number, value: number): number {
   let step = 1;
   let low = first;
@@ -46,11 +35,46 @@ export function lowerBoundNear(column: Float64Array, first: number, stop: number
   return lowerBound(column, low, Math.min(low + step + 1, stop), value);
 }
 
+/** The height of the pinned lanes on top; none of them stays in place if they would take most of the view. */
+export function frozenHeight(chart: Chart, places: readonly Place[], viewHeight: number): number {
+  const height = places[chart.pinned - 1]?.bottom ?? 0;
+  return height <= viewHeight * 0.6 ? height : 0;
+}
+
+/** What a height in the view shows: how far down it is from the top of the first lane. */
+export function depthAt(y: number, frozen: number, scroll: number): number {
+  return y < frozen ? y : y + scroll;
+}
+
 /** The row at a height, undefined between lanes. */
 export function rowAt(chart: Chart, places: readonly Place[], y: number): Row | undefined {
   const place = places.find(({ top, bottom }) => y >= top && y < bottom);
   if (!place || y < place.top + titleHeight) return undefined;
   return chart.lanes[place.lane]!.rows[Math.floor((y - place.top - titleHeight) / rowHeight)];
+}
+
+/** The lane whose title is at a height of the view; a title stays in view as long as its lane. */
+export function titleAt(
+  places: readonly Place[],
+  y: number,
+  frozen: number,
+  scroll: number,
+): number | undefined {
+  const depth = depthAt(y, frozen, scroll);
+  const place = places.find(({ top, bottom }) => depth >= top && depth < bottom);
+  if (!place) return undefined;
+  const edge = place.bottom <= frozen ? 0 : frozen + scroll;
+  const top = Math.max(place.top, Math.min(edge, place.bottom - titleHeight));
+  return depth >= top && depth < top + titleHeight ? place.lane : undefined;
+}
+
+/** The scroll with which a row is in view, below its lane's title; as it is, if it is in view. */
+export function scrollToRow(scroll: number, viewHeight: number, frozen: number, top: number): number {
+  if (top < frozen) return scroll;
+  if (top - titleHeight < scroll + frozen) return top - titleHeight - frozen;
+  if (top + rowHeight > scroll + viewHeight)
+    return Math.min(top + 2 * rowHeight - viewHeight, top - titleHeight - frozen);
+  return scroll;
 }
 
 /** The box of a row at a time, or the nearest within `tolerance`. */

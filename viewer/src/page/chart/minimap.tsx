@@ -1,7 +1,8 @@
-import { chartColors, boxColors } from '../colors';
+import { boxColors, chartColors, type BoxColor } from '../colors';
 import * as state from '../state';
 import { useCanvas } from './canvas';
-import { lowerBound, lowerBoundNear } from './layout';
+import { lowerBound } from '../../record/bounds';
+import { lowerBoundNear } from './layout';
 import type { Chart } from './model';
 
 /** Rows of each lane that are shown; below them it is too small to be seen. */
@@ -17,9 +18,13 @@ export function Minimap() {
     if (!chart) return;
     const last = state.profile.value!.last || 1;
     const dark = state.darkNow.value;
-    const key = [chart, width, height, dark];
+    const palette = state.palette.value;
+    const key = [chart, width, height, dark, palette];
     if (!picture || key.some((part, index) => part !== picture!.key[index]))
-      picture = { canvas: paint(chart, last, width, height, dark), key };
+      picture = {
+        canvas: paint(chart, last, width, height, boxColors(chart.names, dark, palette), dark),
+        key,
+      };
     const colors = chartColors(dark);
     context.drawImage(picture.canvas, 0, 0, width, height);
     const { from, to } = timeline.range.value;
@@ -71,12 +76,18 @@ export function Minimap() {
   );
 }
 
-function paint(chart: Chart, last: number, width: number, height: number, dark: boolean): OffscreenCanvas {
+function paint(
+  chart: Chart,
+  last: number,
+  width: number,
+  height: number,
+  names: readonly BoxColor[],
+  dark: boolean,
+): OffscreenCanvas {
   const ratio = devicePixelRatio;
   const canvas = new OffscreenCanvas(Math.max(1, width * ratio), Math.max(1, height * ratio));
   const context = canvas.getContext('2d', { alpha: false })!;
   context.scale(ratio, ratio);
-  const names = boxColors(chart.names, dark);
   context.fillStyle = chartColors(dark).background;
   context.fillRect(0, 0, width, height);
   const used = chart.lanes.filter((lane) => lane.rows.length > 0);
@@ -91,7 +102,7 @@ function paint(chart: Chart, last: number, width: number, height: number, dark: 
       for (let box = lowerBound(chart.end, row.first, stop, 0); box < stop;) {
         const left = chart.begin[box]! * scale;
         const right = chart.end[box]! * scale;
-        context.fillStyle = names[chart.nameOf(box)]!;
+        context.fillStyle = names[chart.nameOf(box)]!.fill;
         context.fillRect(left, y, Math.max(right - left, 1), rowHeight);
         box = Math.max(lowerBoundNear(chart.begin, box, stop, (Math.floor(left) + 1) / scale), box + 1);
       }

@@ -1,0 +1,103 @@
+// Back and forward through what was looked at.
+import { batch, effect } from '@preact/signals';
+import type { Range } from '../record/statistics';
+import { History } from './history';
+import * as state from './state';
+
+interface Place {
+  view: state.View;
+  timeline: Range;
+  flame: Range;
+  scroll: number;
+  name: number | undefined;
+  interval: number | undefined;
+  path: readonly number[] | undefined;
+  thread: number | undefined;
+}
+
+function here(): Place {
+  return {
+    view: state.view.value,
+    timeline: state.timeline.range.value,
+    flame: state.flame.range.value,
+    scroll: state.timeline.scroll.value,
+    name: state.selectedName.value,
+    interval: state.selectedInterval.value,
+    path: state.selectedPath.value,
+    thread: state.currentThread.value,
+  };
+}
+
+const sameRange = (a: Range, b: Range) => a.from === b.from && a.to === b.to;
+
+function sameSelection(a: Place, b: Place): boolean {
+  return (
+    a.view === b.view &&
+    a.name === b.name &&
+    a.interval === b.interval &&
+    a.path === b.path &&
+    a.thread === b.thread
+  );
+}
+
+/** Scrolling alone is no step of its own. */
+const same = (a: Place, b: Place) =>
+  sameSelection(a, b) && sameRange(a.timeline, b.timeline) && sameRange(a.flame, b.flame);
+
+const history = new History<Place>(same);
+let pending: ReturnType<typeof setTimeout> | undefined;
+/** What is moved without a pause is one step; what is selected is a step at once. */
+const pause = 350;
+
+let last: Place | undefined;
+let chosen = false;
+
+effect(() => {
+  const now = here();
+  if (!state.opened.value) return;
+  chosen ||= !last || !sameSelection(now, last);
+  last = now;
+  clearTimeout(pending);
+  pending = setTimeout(rest, chosen ? 0 : pause);
+});
+
+function rest(): void {
+  clearTimeout(pending);
+  pending = undefined;
+  chosen = false;
+  history.visit(here());
+}
+
+/** A record that was just opened has nothing before it. */
+export function startHistory(): void {
+  history.clear();
+  rest();
+}
+
+export function goBack(): void {
+  go(-1);
+}
+
+export function goForward(): void {
+  go(1);
+}
+
+function go(step: 1 | -1): void {
+  if (pending !== undefined) rest();
+  const place = history.go(step);
+  if (!place) return;
+  batch(() => {
+    state.view.value = place.view;
+    state.currentThread.value = place.thread;
+    if (place.interval === undefined) state.select(place.name);
+    else state.selectInterval(place.interval);
+    state.selectedPath.value = place.path;
+    state.timeline.range.value = place.timeline;
+    state.flame.range.value = place.flame;
+    state.timeline.scroll.value = place.scroll;
+  });
+  // What was just gone to is where one is.
+  clearTimeout(pending);
+  pending = undefined;
+  chosen = false;
+}
