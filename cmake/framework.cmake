@@ -1,5 +1,5 @@
-# ATL, WTL and MFC: the toolchain's own where it has them, or else the subset in framework/. Either way the sources
-# include the same headers, and link kexlib::framework.
+# ATL, WTL and MFC: the toolchain's own if it has them, otherwise the subset in framework/. In both cases the sources
+# include the same headers and link kexlib::framework.
 include(CheckCXXSourceCompiles)
 
 set(CMAKE_REQUIRED_DEFINITIONS -D_AFXDLL)

@@ -1,5 +1,5 @@
-# GoogleTest as GTest::gtest and GTest::gtest_main, built with our own toolchain and settings from the distribution's
-# sources where there are any.
+# GoogleTest as GTest::gtest and GTest::gtest_main, built from the distribution's sources, if they are
+# installed, with our own toolchain and settings.
 include(GoogleTest)
 if(EXISTS /usr/src/googletest)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)

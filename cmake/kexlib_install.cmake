@@ -2,7 +2,7 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# Where the framework is our own, users compile against it too.
+# If the framework is our own, users compile against it too.
 if(TARGET kexframework)
   set_target_properties(kexframework PROPERTIES EXPORT_NAME framework)
   set(framework kexframework)
@@ -14,7 +14,8 @@ install(
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kexlib DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-foreach(companion bzbase pvwnd rqgfx wbzframe)
+get_property(public_companions GLOBAL PROPERTY KEXLIB_PUBLIC_COMPANIONS)
+foreach(companion IN LISTS public_companions)
   string(TOUPPER ${companion} name)
   if(NOT KEXLIB_${name}_LIBRARY)
     install(DIRECTORY ${KEXLIB_${name}_INCLUDE_DIR}/${companion} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

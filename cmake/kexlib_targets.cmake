@@ -1,10 +1,10 @@
 # What every target of this project is built with, and the run-time libraries that its programs need beside them.
 
-# Compiler settings of our own code; never handed on to users.
+# Compiler settings of our own code. They are not part of the targets' interface for users.
 add_library(kexlib_settings INTERFACE)
 target_compile_features(kexlib_settings INTERFACE cxx_std_20)
 if(MSVC)
-  # C4324: a class is padded because it is aligned, meant so where it is.
+  # C4324 reports that an aligned class is padded.
   target_compile_options(kexlib_settings INTERFACE /W4 /WX /wd4324 /permissive- /utf-8 /Zc:__cplusplus)
   target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
 else()
@@ -17,7 +17,7 @@ if(WIN32)
 endif()
 target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/include ${PROJECT_SOURCE_DIR}/src)
 
-# mingw's run-time libraries go beside the programs: nothing is looked for on a path.
+# mingw's run-time libraries are copied beside the programs, where the loader looks first.
 if(MINGW)
   set(runtime_libraries)
   foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
@@ -35,8 +35,8 @@ if(MINGW)
   endforeach()
 endif()
 
-# Every program carries the manifest for version 6 of the common controls, but for those with the property
-# KEXLIB_WITHOUT_MANIFEST. Visual Studio's linker makes one itself.
+# Every program carries the manifest for version 6 of the common controls, except those with the property
+# KEXLIB_WITHOUT_MANIFEST.
 if(MINGW)
   set(is_program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
   set(wants_manifest $<NOT:$<BOOL:$<TARGET_PROPERTY:KEXLIB_WITHOUT_MANIFEST>>>)

@@ -1,10 +1,10 @@
-# kexlib_add_type_library(NAME IDL) makes NAME.tlb and NAME.h from an interface description. What links NAME finds both:
-# the header by #include, the library as a resource (1 TYPELIB "NAME.tlb").
+# kexlib_add_type_library(NAME IDL) makes NAME.tlb and NAME.h from an interface description. A target that links NAME
+# includes the header by #include <NAME.h> and the library as a resource (1 TYPELIB "NAME.tlb").
 #
-# The description imports oaidl.idl; cmake/idl has the little of it that is needed, as the cross tools bring none.
+# The description imports oaidl.idl; cmake/idl has the part of it that is needed, since the cross tools have none.
 function(kexlib_add_type_library name idl)
   find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
-  # widl looks into the system's own library for IUnknown and IDispatch.
+  # widl reads IUnknown and IDispatch from the system's own library.
   find_path(STDOLE2_FOLDER stdole2.tlb REQUIRED NO_CMAKE_FIND_ROOT_PATH
             PATHS /usr/lib/x86_64-linux-gnu/wine/x86_64-windows /usr/lib64/wine/x86_64-windows)
 
@@ -25,8 +25,8 @@ function(kexlib_add_type_library name idl)
   target_include_directories(${name} SYSTEM INTERFACE ${folder})
 endfunction()
 
-# kexlib_add_component(NAME SOURCE...) makes a DLL with COM classes, which nobody registers: NAME.dll in the programs'
-# folder "components", with the manifest NAME.manifest beside it. Among the sources are NAME.def, which exports what COM
+# kexlib_add_component(NAME SOURCE...) makes a DLL with COM classes that are never registered: NAME.dll in the programs'
+# folder "components", with the manifest NAME.manifest beside it. The sources include NAME.def, which exports what COM
 # calls, and the resources with the type library.
 function(kexlib_add_component name)
   set(folder ${PROJECT_BINARY_DIR}/bin/components)

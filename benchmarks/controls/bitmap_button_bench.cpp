@@ -1,7 +1,8 @@
 #include <kexlib/controls/bitmap_button.h>
 
-#include <support/bench.h>
 #include <uxtheme.h>
+
+#include <support/bench.h>
 
 namespace {
 
@@ -11,12 +12,12 @@ constexpr int size = 32;
 HIMAGELIST images;
 WNDPROC button_procedure;
 
-// What one would write by hand: the same calls of the system.
+// A hand-written version with the same system calls.
 LRESULT CALLBACK paint_by_hand(HWND window, UINT message, WPARAM w, LPARAM l) {
   if (message == WM_ERASEBKGND) return 1;
   if (message != WM_PAINT) return CallWindowProcA(button_procedure, window, message, w, l);
   static bool painting = false;
-  if (painting) return 0;  // the parent's painting comes back here
+  if (painting) return 0;  // painting the parent calls this procedure again
   painting = true;
   RECT rect;
   GetWindowRect(window, &rect);
@@ -48,8 +49,6 @@ double nanoseconds_a_paint(HWND window) {
   });
 }
 
-}  // namespace
-
 void measure_bitmap_button() {
   const HWND parent =
       CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 100, 100, 100, 40, nullptr, nullptr, nullptr, nullptr);
@@ -70,7 +69,12 @@ void measure_bitmap_button() {
   work.add("the system's calls", [=] { return nanoseconds_a_paint(by_hand); });
   work.add("kexWTLBitmapButton", [=] { return nanoseconds_a_paint(ours); });
   work.run();
-  bench::at_most("-", 1.2, work.ratio("kexWTLBitmapButton", "the system's calls"), "a painting, in the system's calls");
+  bench::at_most(1.2, work.ratio("kexWTLBitmapButton", "the system's calls"),
+                 "of the time of the system's own calls, for a painted button");
   DestroyWindow(parent);
   ImageList_Destroy(images);
 }
+
+const bench::Benchmark bitmap_button_benchmark(measure_bitmap_button);
+
+}  // namespace

@@ -18,8 +18,6 @@ HWND make_edit(HWND parent, int top) {
   return CreateWindowA("EDIT", "", WS_CHILD | WS_VISIBLE, 0, top, 100, 20, parent, nullptr, nullptr, nullptr);
 }
 
-}  // namespace
-
 void measure_numeric_edit_box() {
   const HWND parent =
       CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 100, 100, 100, 40, nullptr, nullptr, nullptr, nullptr);
@@ -37,7 +35,11 @@ void measure_numeric_edit_box() {
   });
   work.add("set_value", [&] { return nanoseconds_a_value([&](double value) { box.set_value(value); }); });
   work.run();
-  bench::at_most("-", 1.2, work.ratio("set_value", "snprintf, SetWindowTextA"),
-                 "set_value, in snprintf and SetWindowTextA");
+  bench::at_most(1.2, work.ratio("set_value", "snprintf, SetWindowTextA"),
+                 "of the time of snprintf and SetWindowTextA, for set_value");
   DestroyWindow(parent);
 }
+
+const bench::Benchmark numeric_edit_box_benchmark(measure_numeric_edit_box);
+
+}  // namespace

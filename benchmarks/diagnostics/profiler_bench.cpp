@@ -30,7 +30,7 @@ const std::array<std::string, 8> names = {"load", "parse",           "layout", "
                                           "save", "send to printer", "wait",   "idle"};
 constexpr int pairs = 400000;
 
-// Eight sibling names in turn.
+// Eight sibling names, one after the other.
 template <class Begin, class End>
 double nanoseconds_a_pair(Begin begin, End end) {
   unsigned i = 0;
@@ -50,7 +50,7 @@ double two_counter_reads() {
 
 double library_pair() { return nanoseconds_a_pair(kex_begin_block, kex_end_block); }
 
-// Each scope starts profiling, which is on already.
+// Each scope starts profiling, which is already on.
 double library_scope() {
   unsigned i = 0;
   return bench::nanoseconds_each(pairs, [&] { kexProfileScope scope(names[i++ % names.size()]); });
@@ -78,7 +78,7 @@ struct NoClock {
   static std::int64_t now() { return 1; }
 };
 
-// The data model as one would write it first: nested hash maps and vectors.
+// The straightforward data model: nested hash maps and vectors.
 class NestedMaps {
  public:
   void begin(const std::string& name) {
@@ -111,7 +111,7 @@ class NestedMaps {
   std::unordered_map<DWORD, Thread> threads_;
 };
 
-// Opens a file, lets `write` fill it, and closes it.
+// Opens a file, calls `write` to fill it, and closes it.
 template <class Write>
 void write_file_by(const char* path, Write write) {
   namespace text_file = kexlib::text_file;
@@ -142,7 +142,7 @@ void write_with_fmt(const kexlib::ProfileRecord& record, kexlib::ByteSink& sink)
 }
 #endif
 
-// A million intervals of eight blocks under one, as a real run has them: some microseconds to milliseconds apart.
+// A million intervals of eight blocks under one, microseconds to milliseconds apart as in a real run.
 template <class Record>
 void fill(Record begin_and_end) {
   std::mt19937_64 random(1);
@@ -153,8 +153,6 @@ void fill(Record begin_and_end) {
     begin_and_end(names[static_cast<std::size_t>(i) % names.size()], begin, tick());
   }
 }
-
-}  // namespace
 
 void measure_blocks() {
   bench::Comparison pair("begin plus end");
@@ -202,14 +200,14 @@ void measure_blocks() {
   });
   pair.run();
 
-  bench::at_most("T1", 1.15, pair.ratio("library, one thread", "two counter reads"),
-                 "one thread, in two counter reads");
-  bench::at_most("T2", 1.5, pair.ratio("library, each of two threads", "library, one thread"),
-                 "each of two threads, in one thread's time");
-  bench::at_most("T2", 1.5, pair.ratio("library, scopes on each of two threads", "library, one thread"),
-                 "scopes on each of two threads, in one thread's time");
-  bench::at_most("T3", 0.6, pair.ratio("library without a clock", "nested unordered_map without a clock"),
-                 "without a clock, in nested unordered_map");
+  bench::at_most(1.15, pair.ratio("library, one thread", "two counter reads"),
+                 "of the time of two counter reads, for a block on one thread");
+  bench::at_most(1.5, pair.ratio("library, each of two threads", "library, one thread"),
+                 "of one thread's time, for a block on each of two threads");
+  bench::at_most(1.5, pair.ratio("library, scopes on each of two threads", "library, one thread"),
+                 "of one thread's time, for a scope on each of two threads");
+  bench::at_most(0.6, pair.ratio("library without a clock", "nested unordered_map without a clock"),
+                 "of the time of nested std::unordered_maps, without the clock");
 }
 
 void measure_record() {
@@ -222,7 +220,7 @@ void measure_record() {
     simple.begin(4, name, begin);
     simple.end(4, end);
   });
-  bench::at_most("T4", 17, static_cast<double>(record.memory()) / 1e6, "bytes of memory for an interval");
+  bench::at_most(17, static_cast<double>(record.memory()) / 1e6, "bytes of memory for an interval");
 
   static std::string bytes;
   bench::Comparison writing("a record of a million intervals, written to a file, each interval", 9);
@@ -253,13 +251,18 @@ void measure_record() {
     });
   });
   writing.run();
-  bench::at_least("T5", 8, writing.ratio("std::ofstream <<", "library"), "times as fast as std::ofstream <<");
+  bench::at_least(8, writing.ratio("std::ofstream <<", "library"), "times as fast as std::ofstream <<");
 #ifdef BENCH_WITH_PEERS
-  bench::at_least("T5", 2, writing.ratio("fmt, compiled format, intervals only", "library"), "times as fast as fmt");
+  bench::at_least(2, writing.ratio("fmt, compiled format, intervals only", "library"), "times as fast as fmt");
 #endif
-  bench::at_least("T5", 0.25, writing.ratio("the ready bytes with one call", "library"),
+  bench::at_least(0.25, writing.ratio("the ready bytes with one call", "library"),
                   "of the speed of writing the ready bytes");
   const bool identical = read_file("ours.js") == read_file("stream.js");
-  bench::at_least("T5", 1, identical ? 1 : 0, "byte-identical to the stream's file");
+  bench::at_least(1, identical ? 1 : 0, "(1: the file has the same bytes as the stream's)");
   record.clear();
 }
+
+const bench::Benchmark blocks_benchmark(measure_blocks);
+const bench::Benchmark record_benchmark(measure_record);
+
+}  // namespace

@@ -1,11 +1,10 @@
 #include <kexlib/dialogs/task_dialog.h>
 
+#include <windows.h>
+#include <commctrl.h>
+
 #include <support/bench.h>
 #include <support/import_override.h>
-
-#include <windows.h>
-
-#include <commctrl.h>
 
 #include <string>
 
@@ -16,7 +15,7 @@ double system_took;
 
 HRESULT WINAPI show_nothing(const TASKDIALOGCONFIG*, int*, int*, BOOL*) { return S_OK; }
 
-// Presses the first button as soon as the dialog is there.
+// Presses the first button when the dialog is created.
 HRESULT CALLBACK press_at_once(HWND dialog, UINT notification, WPARAM wparam, LPARAM lparam, LONG_PTR) {
   if (notification == TDN_CREATED) PostMessageW(dialog, TDM_CLICK_BUTTON, 101, 0);
   return handed_over->pfCallback(dialog, notification, wparam, lparam, handed_over->lpCallbackData);
@@ -51,8 +50,6 @@ void build_and_raise() {
   dialog.raise();
 }
 
-}  // namespace
-
 void measure_task_dialog() {
   const ImportOverride finder("kexlib.dll", "KERNEL32.dll", "GetProcAddress", &find);
   bench::Comparison shown("a task dialog of 20 buttons, shown");
@@ -64,10 +61,15 @@ void measure_task_dialog() {
     replacement = show_and_time;
     return bench::nanoseconds_each(1, build_and_raise) - system_took;
   });
-  shown.add("the system's", [] { return system_took; });  // of the one that was just shown
+  shown.add("the system's", [] { return system_took; });  // of the dialog just shown
   shown.add("20 microseconds", [] { return 20000.0; });
   shown.run();
-  bench::at_most("task dialog", 1.0, shown.ratio("the configuration", "20 microseconds"),
-                 "the configuration, in 20 microseconds");
-  bench::at_most("task dialog", 0.01, shown.ratio("all of ours", "the system's"), "all of ours, in the system's time");
+  bench::at_most(1.0, shown.ratio("the configuration", "20 microseconds"),
+                 "times 20 microseconds, for the configuration of a dialog");
+  bench::at_most(0.01, shown.ratio("all of ours", "the system's"),
+                 "of the system's time to show a dialog, for all that the library does");
 }
+
+const bench::Benchmark task_dialog_benchmark(measure_task_dialog);
+
+}  // namespace

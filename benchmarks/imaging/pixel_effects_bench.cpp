@@ -1,10 +1,10 @@
-#include <imaging/pixel_effects.h>
-
 #include <windows.h>
 
+#include <imaging/pixel_effects.h>
 #include <support/bench.h>
 #include <support/literal_effects.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -17,7 +17,7 @@ constexpr std::uint32_t face = 0xD4D0C8, highlight = 0xFFFFFF;
 constexpr std::uint32_t dark = 0x500000, mid = 0xAA6030, light = 0xFFFFFF, skip = 0xFF00FF;
 constexpr int rounds = 15;
 
-// One pixel in eight is the key, and one the face: the worst for whoever branches.
+// One pixel in eight is the key and one in eight the face, in an order that a branch predictor cannot learn.
 std::vector<std::uint32_t> noise(std::size_t count) {
   std::mt19937 random(1);
   std::vector<std::uint32_t> pixels(count);
@@ -28,7 +28,7 @@ std::vector<std::uint32_t> noise(std::size_t count) {
   return pixels;
 }
 
-// A DIB section of the size, for what GDI can do itself.
+// A DIB section, for the effects that GDI also implements.
 struct Section {
   Section(int width, int height) : dc(CreateCompatibleDC(nullptr)) {
     BITMAPINFO info{};
@@ -59,101 +59,131 @@ HBRUSH chessboard_brush() {
   return brush;
 }
 
-void measure(int width, int height, int count) {
-  const auto size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-  std::vector<std::uint32_t> pixels = noise(size), other = noise(size), copy = pixels;
-  const kexlib::PixelSpan quick{pixels.data(), width, height};
-  const literal::Picture slow{pixels.data(), width, height};
-  Section section(width, height);
-  std::memset(section.bits, 0, size * 4);
-  const kexlib::PixelSpan in_section{static_cast<kexlib::Pixel*>(section.bits), width, height};
-  HBRUSH brush = chessboard_brush();
-  const RECT all{0, 0, width, height};
-  const bool icon = width < 100;
-  // Ink must not run out: what an effect has replaced would be no work the next time.
-  std::uint32_t key = 0;
+// The pictures of one size, and a function for each effect.
+class Measurement {
+ public:
+  Measurement(int width, int height, int count) : width_(width), height_(height), count_(count) {
+    std::memset(section_.bits, 0, pixels_.size() * sizeof(kexlib::Pixel));
+  }
+  ~Measurement() { DeleteObject(brush_); }
+  Measurement(const Measurement&) = delete;
+  Measurement& operator=(const Measurement&) = delete;
 
-  const std::string at = " at " + std::to_string(width) + " x " + std::to_string(height);
-  const auto add = [&](bench::Comparison& work, const char* name, auto run) {
-    work.add(name, [=] { return bench::nanoseconds_each(count, run); });
-  };
-  const auto columns = [&](const bench::Comparison& work) {
-    if (!icon) bench::at_least("T8", 5, work.ratio("by columns", "library"), "times as fast as by columns");
-  };
+  void measure_all() {
+    measure_fill();
+    measure_key_substitution();
+    measure_merge();
+    measure_ramp();
+    measure_stipple();
+    measure_shift();
+  }
 
-  {
-    bench::Comparison work("fill" + at, rounds);
-    add(work, "library", [=, &key] { kexlib::fill(quick, ++key); });
-    add(work, "memset", [&] { std::memset(pixels.data(), 7, size * 4); });
-    if (!icon) add(work, "by columns", [=] { literal::fill(slow, 7); });
+ private:
+  void measure_fill() {
+    bench::Comparison work = comparison("fill");
+    std::uint32_t pixel = 0;
+    add(work, "library", [&] { kexlib::fill(quick_, ++pixel); });
+    add(work, "memset", [&] { std::memset(pixels_.data(), 7, bytes()); });
+    add_by_columns(work, [&] { literal::fill(slow_, 7); });
     work.run();
-    bench::at_least("T8", 0.9, work.ratio("memset", "library"), "of memset's speed");
-    columns(work);
+    bench::at_least(0.9, work.ratio("memset", "library"), "of memset's speed");
+    check_columns(work);
   }
-  pixels = other;
-  {
-    bench::Comparison work("key substitution" + at, rounds);
-    add(work, "library", [=] { kexlib::substitute_key(quick, skip); });
-    add(work, "memcpy", [&] { std::memcpy(copy.data(), pixels.data(), size * 4); });
-    if (!icon) add(work, "by columns", [=] { literal::substitute_key(slow, skip); });
-    work.run();
-    if (!icon) bench::at_least("T8", 0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
-    columns(work);
-  }
-  {
-    bench::Comparison work("merge" + at, rounds);
-    const auto from = other.data();
-    if (width == height) {
-      add(work, "library", [=] { kexlib::merge(quick, from, face); });
-    } else {  // a wide picture is not merged whole: as many pixels in a square
-      const int side = icon ? width : 2880;
-      add(work, "library", [=] { kexlib::merge({quick.pixels, side, side}, from, face); });
-    }
-    add(work, "memcpy", [&] { std::memcpy(copy.data(), pixels.data(), size * 4); });
-    if (!icon) add(work, "by columns", [=] { literal::merge_by_columns(slow, from, face); });
-    work.run();
-    if (!icon) bench::at_least("T8", 0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
-    columns(work);
-  }
-  pixels = other;
-  {
-    bench::Comparison work("three-colour ramp" + at, rounds);
-    add(work, "library", [=] { kexlib::tint_all(quick, dark, mid, light, skip, 0); });
-    add(work, "divisions, in rows", [=] { literal::tint_all(slow, dark, mid, light, skip, 0); });
-    if (!icon)
-      add(work, "by columns", [=] {
-        literal::tint_all_by_columns(slow, dark, mid, light, skip, static_cast<std::uint8_t>(literal::luminance(mid)));
-      });
-    work.run();
-    bench::at_least("T8", icon ? 4 : 8, work.ratio("divisions, in rows", "library"), "times as fast as divisions");
-    columns(work);
-  }
-  {
-    std::fill(pixels.begin(), pixels.end(), face);
-    kexlib::fill(in_section, face);
-    bench::Comparison work("stipple" + at, rounds);
-    add(work, "library", [=] { kexlib::stipple(in_section, face, face); });
-    add(work, "GDI, pattern brush", [=, dc = section.dc] { FillRect(dc, &all, brush); });
-    if (!icon) add(work, "by columns", [=] { literal::stipple(slow, face, face); });
-    work.run();
-    bench::at_least("T8", 2, work.ratio("GDI, pattern brush", "library"), "times as fast as a pattern brush");
-    columns(work);
-  }
-  {
-    bench::Comparison work("shift" + at, rounds);
-    add(work, "library", [=] { kexlib::shift_down_right(in_section); });
-    add(work, "GDI, BitBlt", [=, dc = section.dc] { BitBlt(dc, 1, 1, width - 1, height - 1, dc, 0, 0, SRCCOPY); });
-    if (!icon) add(work, "by columns", [=] { literal::shift_down_right_by_columns(slow); });
-    work.run();
-    bench::at_least("T8", 0.8, work.ratio("GDI, BitBlt", "library"), "of BitBlt's speed");
-    columns(work);
-  }
-  DeleteObject(brush);
-}
 
-}  // namespace
+  void measure_key_substitution() {
+    pixels_ = other_;
+    bench::Comparison work = comparison("key substitution");
+    // The substitute is the key itself: another colour would remove the key before the next round.
+    add(work, "library", [&] { kexlib::substitute_key(quick_, skip); });
+    add(work, "memcpy", [&] { std::memcpy(copy_.data(), pixels_.data(), bytes()); });
+    add_by_columns(work, [&] { literal::substitute_key(slow_, skip); });
+    work.run();
+    if (!is_icon()) bench::at_least(0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
+    check_columns(work);
+  }
+
+  void measure_merge() {
+    bench::Comparison work = comparison("merge");
+    // A wide picture is not merged completely. A square with the same number of pixels replaces it.
+    const int side = is_icon() ? width_ : 2880;
+    add(work, "library", [&] { kexlib::merge({quick_.pixels, side, side}, other_.data(), face); });
+    add(work, "memcpy", [&] { std::memcpy(copy_.data(), pixels_.data(), bytes()); });
+    add_by_columns(work, [&] { literal::merge_by_columns(slow_, other_.data(), face); });
+    work.run();
+    if (!is_icon()) bench::at_least(0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
+    check_columns(work);
+  }
+
+  void measure_ramp() {
+    pixels_ = other_;
+    bench::Comparison work = comparison("three-colour ramp");
+    add(work, "library", [&] { kexlib::tint_all(quick_, dark, mid, light, skip, 0); });
+    add(work, "divisions, in rows", [&] { literal::tint_all(slow_, dark, mid, light, skip, 0); });
+    add_by_columns(work, [&] {
+      literal::tint_all_by_columns(slow_, dark, mid, light, skip, static_cast<std::uint8_t>(literal::luminance(mid)));
+    });
+    work.run();
+    bench::at_least(is_icon() ? 4 : 8, work.ratio("divisions, in rows", "library"),
+                    "times as fast as a division for each pixel");
+    check_columns(work);
+  }
+
+  void measure_stipple() {
+    std::fill(pixels_.begin(), pixels_.end(), face);
+    kexlib::fill(in_section_, face);
+    bench::Comparison work = comparison("stipple");
+    const RECT all{0, 0, width_, height_};
+    add(work, "library", [&] { kexlib::stipple(in_section_, face, face); });
+    add(work, "GDI, pattern brush", [&] { FillRect(section_.dc, &all, brush_); });
+    add_by_columns(work, [&] { literal::stipple(slow_, face, face); });
+    work.run();
+    bench::at_least(2, work.ratio("GDI, pattern brush", "library"), "times as fast as a pattern brush");
+    check_columns(work);
+  }
+
+  void measure_shift() {
+    bench::Comparison work = comparison("shift");
+    add(work, "library", [&] { kexlib::shift_down_right(in_section_); });
+    add(work, "GDI, BitBlt", [&] { BitBlt(section_.dc, 1, 1, width_ - 1, height_ - 1, section_.dc, 0, 0, SRCCOPY); });
+    add_by_columns(work, [&] { literal::shift_down_right_by_columns(slow_); });
+    work.run();
+    bench::at_least(0.8, work.ratio("GDI, BitBlt", "library"), "of BitBlt's speed");
+    check_columns(work);
+  }
+
+  bench::Comparison comparison(const std::string& effect) const {
+    return bench::Comparison(effect + " at " + std::to_string(width_) + " x " + std::to_string(height_), rounds);
+  }
+  template <typename Run>
+  void add(bench::Comparison& work, const char* name, Run run) const {
+    work.add(name, [run, count = count_] { return bench::nanoseconds_each(count, run); });
+  }
+  // Only large pictures are compared with a loop over columns: they exceed the processor's cache.
+  template <typename Run>
+  void add_by_columns(bench::Comparison& work, Run run) const {
+    if (!is_icon()) add(work, "by columns", run);
+  }
+  void check_columns(const bench::Comparison& work) const {
+    if (!is_icon()) bench::at_least(5, work.ratio("by columns", "library"), "times as fast as a loop over columns");
+  }
+  bool is_icon() const { return width_ < 100; }
+  std::size_t bytes() const { return pixels_.size() * sizeof(kexlib::Pixel); }
+
+  const int width_, height_, count_;
+  std::vector<std::uint32_t> pixels_ = noise(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
+  std::vector<std::uint32_t> other_ = pixels_, copy_ = pixels_;
+  Section section_{width_, height_};
+  const kexlib::PixelSpan quick_{pixels_.data(), width_, height_};
+  const kexlib::PixelSpan in_section_{static_cast<kexlib::Pixel*>(section_.bits), width_, height_};
+  const literal::Picture slow_{pixels_.data(), width_, height_};
+  const HBRUSH brush_ = chessboard_brush();
+};
 
 void measure_pixel_effects() {
-  measure(3840, 2160, 1);
-  measure(32, 32, 2000);
+  Measurement(3840, 2160, 1).measure_all();
+  Measurement(32, 32, 2000).measure_all();
 }
+
+const bench::Benchmark pixel_effects_benchmark(measure_pixel_effects);
+
+}  // namespace

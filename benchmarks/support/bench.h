@@ -1,13 +1,14 @@
-// A small harness for comparisons: the variants of one piece of work take turns in one process, so that whatever else
-// the machine does meets all of them; what counts is the ratio of their medians.
+// A small harness for comparisons. The variants of one piece of work run alternately in one process, so that other load
+// on the machine affects all of them. The result is the ratio of their medians.
 //
 //     bench::Comparison work("one flushed line");
 //     work.add("ours", [] { return bench::nanoseconds_each(1000, [] { ... }); });
 //     work.add("stream", ...);
 //     work.run();
-//     bench::at_most("T6", 1.10, work.ratio("ours", "stream"), "ours to stream");
+//     bench::at_most(1.10, work.ratio("ours", "stream"), "of the time of a stream, for a flushed line");
 //
-// A benchmark program returns bench::exit_status(): 1 if a ratio misses its target by more than 30 percent.
+// A benchmark registers itself: see Benchmark. The program ends with status 1 if a figure misses its promise by more
+// than 30 percent.
 #ifndef BENCHMARKS_SUPPORT_BENCH_H
 #define BENCHMARKS_SUPPORT_BENCH_H
 
@@ -33,15 +34,15 @@ class Comparison {
  public:
   explicit Comparison(std::string title, int rounds = 15) : title_(std::move(title)), rounds_(rounds) {}
 
-  // `round` does the work once and returns its time, in nanoseconds a unit.
+  // `round` does the work once and returns its time, in nanoseconds per unit.
   void add(const std::string& variant, std::function<double()> round) {
     variants_.push_back({variant, std::move(round), {}});
   }
 
-  // One round of each to warm up, then the rounds that count; prints the medians.
+  // Runs one round of each to warm up, then the measured rounds; prints the medians.
   void run();
 
-  // The median of one variant in medians of another.
+  // The median of one variant divided by that of another.
   double ratio(const std::string& variant, const std::string& other) const;
 
  private:
@@ -58,11 +59,17 @@ class Comparison {
   std::vector<Variant> variants_;
 };
 
-// Print a figure beside its target.
-void at_most(const std::string& target, double limit, double figure, const std::string& what);
-void at_least(const std::string& target, double limit, double figure, const std::string& what);
+// Registers a function for the program to run, when it is defined at namespace scope:
+//
+//     const bench::Benchmark flushed_line(measure_flushed_line);
+class Benchmark {
+ public:
+  explicit Benchmark(void (*measure)());
+};
 
-int exit_status();
+// Print a figure, its description and its limit: "0.93 of the time of a stream ... (at most 1.10)".
+void at_most(double limit, double figure, const std::string& what);
+void at_least(double limit, double figure, const std::string& what);
 
 }  // namespace bench
 

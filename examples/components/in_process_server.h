@@ -1,6 +1,6 @@
-// What a DLL with COM classes needs beside the classes: it makes them, and says when nobody uses it any more.
+// The parts of a DLL with COM classes besides the classes: factories, and a count of objects and locks.
 //
-//     class Lamp : public Counted<ILamp> { ... };       // QueryInterface is the class's own
+//     class Lamp : public Counted<ILamp> { ... };       // the class implements QueryInterface
 //     HRESULT WINAPI DllGetClassObject(REFCLSID id, REFIID wanted, void** object) {
 //       return id == __uuidof(Lamp) ? in_process::give(new in_process::Factory<LampObject>, wanted, object) : ...;
 //     }
@@ -8,7 +8,6 @@
 #define EXAMPLES_COMPONENTS_IN_PROCESS_SERVER_H
 
 #include <windows.h>
-
 #include <unknwn.h>
 
 #include <atomic>
@@ -22,7 +21,7 @@ namespace in_process {
 // Objects and locks that keep the DLL loaded.
 inline std::atomic<long> in_use;
 
-// An object that counts its references; it begins with one.
+// An object that counts its references, initially one.
 template <class... Interfaces>
 class Counted : public Interfaces... {
  public:
@@ -42,7 +41,7 @@ class Counted : public Interfaces... {
   std::atomic<ULONG> references_ = 1;
 };
 
-// Hands out an interface of a new object, whose first reference goes.
+// Returns an interface of a new object, and releases the object's first reference.
 template <class Object>
 HRESULT give(Object* object, REFIID wanted, void** result) {
   const HRESULT found = object->QueryInterface(wanted, result);

@@ -1,9 +1,9 @@
-// Counts the lines of every source file below a folder, on two threads, and tells where the time went.
+// Counts the lines of every source file below a folder, on two threads, and profiles the work.
 //
 //     count_sources FOLDER
 //
-// Two threads profile the reading and counting of each file. The first pass is stopped into "counting.js"; the second
-// is left on, so that unloading the library writes "profiler.js". The trace file gets a line for each folder.
+// Two threads profile the reading and counting of each file. Stopping the first pass writes "counting.js". The second
+// pass is not stopped: unloading the library writes "profiler.js". The trace file receives a line for each folder.
 #include <kexlib/diagnostics.h>
 
 #include <algorithm>
@@ -65,7 +65,7 @@ std::ptrdiff_t count_lines(const fs::path& file) {
   return lines;
 }
 
-// Two threads take folder after folder.
+// Two threads process one folder after the other.
 void count(std::vector<Folder>& folders) {
   std::atomic<std::size_t> next{0};
   const auto work = [&] {
@@ -97,7 +97,7 @@ void count_twice(const fs::path& root) {
   }
   std::printf("%zu files in %zu folders hold %td lines\n", files, folders.size(), lines);
 
-  count(folders);  // its scopes switch profiling on again, and nobody switches it off
+  count(folders);  // its scopes switch profiling on again; it is not stopped
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
 #include <afxwin.h>
-
-#include <application.h>
-
-#include <frame.h>
-
 #include <atlimage.h>
+
+#include <gallery/application.h>
+#include <gallery/frame.h>
 
 #include <cstdio>
 #include <thread>
@@ -28,7 +26,7 @@ bool can_write_here() {
   return true;
 }
 
-// Shows the frame the messages of this thread's loop, for as long as it lives.
+// Passes the messages of this thread's loop to the frame while the object lives.
 class InLoop {
  public:
   explicit InLoop(Frame* frame) : frame_(frame), loop_(application.GetMessageLoop()) {
@@ -69,8 +67,8 @@ int run_window(HINSTANCE texts, const std::function<bool(HWND frame)>& user) {
 }  // namespace
 
 int run(const std::function<bool(HWND frame)>& user) {
-  const HINSTANCE texts = LoadLibraryA("gallery_strings.dll");
-  if (!texts) return refuse("gallery_strings.dll, which has its texts, is missing.");
+  const HINSTANCE texts = LoadLibraryA("gallery_texts.dll");
+  if (!texts) return refuse("gallery_texts.dll, which has its texts, is missing.");
   if (!can_write_here()) return refuse("the current folder cannot be written to.");
 
   OleInitialize(nullptr);
@@ -79,7 +77,7 @@ int run(const std::function<bool(HWND frame)>& user) {
   AfxSetResourceHandle(application.GetModuleInstance());
   const int status = run_window(texts, user);
   application.Term();
-  ATL::CImage::ReleaseGDIPlus();  // as long as the library is there that may have started it
+  ATL::CImage::ReleaseGDIPlus();  // while the library that may have started it is loaded
   OleUninitialize();
   FreeLibrary(texts);
   return status;

@@ -1,4 +1,4 @@
-// The gallery as an application: its window, and the loop that it lives in.
+// The gallery as an application: its window and its message loop.
 #ifndef GALLERY_APPLICATION_H
 #define GALLERY_APPLICATION_H
 
@@ -11,12 +11,11 @@ namespace gallery {
 // Exit statuses.
 constexpr int as_promised = 0, not_as_promised = 1, cannot_start = 2;
 
-// Opens the gallery in the current folder, and returns the exit status when it is closed. What keeps it from starting
-// is said on the standard error output.
+// Opens the gallery in the current folder, and returns the exit status when it is closed. If it cannot start,
+// the reason is written to the standard error output.
 //
-// `user`, where there is one, runs on a thread of its own, beside the window that it gets; the gallery is closed
-// when it returns. False says that something was not as promised: a dialog may be open then that nobody closes any
-// more, so the process ends at once.
+// `user`, if not empty, runs on a separate thread and receives the main window. The gallery is closed when it returns.
+// If it returns false, a check failed: a dialog may still be open, so the process ends immediately.
 int run(const std::function<bool(HWND frame)>& user);
 
 }  // namespace gallery

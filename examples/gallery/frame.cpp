@@ -1,10 +1,9 @@
-#include <frame.h>
-
-#include "strings.h"
-
 #include <kexlib/diagnostics.h>
 #include <kexlib/text.h>
 #include <kexlib/windowtools.h>
+
+#include <gallery/frame.h>
+#include <gallery/texts.h>
 
 #include <algorithm>
 #include <string>
@@ -27,13 +26,13 @@ bool PageFrame::open(HWND client) {
     return false;
   page_ = entry_.make();
   if (!page_->open(m_hWnd, entry_.title, entry_.words)) return false;
-  // Every page's view has the same name: asked for it, the table gives the one that is in front.
+  // The views of all pages have the same name. The table returns the view in the active child window.
   kexHWNDTable::singleton().reg_window(page_->m_hWnd, view_name, 0);
   return true;
 }
 
 LRESULT PageFrame::OnSize(UINT, WPARAM, LPARAM size, BOOL& handled) {
-  handled = FALSE;  // the MDI window looks at its size as well
+  handled = FALSE;  // the MDI window processes WM_SIZE as well
   if (page_ && page_->m_hWnd) page_->SetWindowPos(nullptr, 0, 0, LOWORD(size), HIWORD(size), SWP_NOZORDER);
   return 0;
 }
@@ -52,7 +51,7 @@ bool Frame::open(HINSTANCE texts) {
          nullptr;
 }
 
-// Captions are references to the module of texts, with what to show where that has none.
+// Captions are references to texts of the module, with the text to show if the module has none.
 CString Frame::caption(const char* text) const {
   ATL::CComBSTR result;
   kexLocalizeString(texts_, IDS_BASE, ATL::CComVariant(text), &result);
@@ -122,7 +121,7 @@ LRESULT Frame::OnSize(UINT, WPARAM, LPARAM size, BOOL&) {
   const int height = HIWORD(size) - (status.bottom - status.top), width = LOWORD(size);
   tree_.SetWindowPos(nullptr, 0, 0, tree_width, height, SWP_NOZORDER);
   ::SetWindowPos(client_, nullptr, tree_width, 0, std::max(0, width - tree_width), height, SWP_NOZORDER);
-  return 0;  // and not to the system's procedure, which would give all the room to the MDI client
+  return 0;  // handled: the default procedure would resize the MDI client to the whole client area
 }
 
 LRESULT Frame::OnDestroy(UINT, WPARAM, LPARAM, BOOL&) {
@@ -159,7 +158,7 @@ LRESULT Frame::OnOpenPage(int, LPNMHDR, BOOL&) {
   return TRUE;
 }
 
-// A page that is open already is brought to the front.
+// A page that is already open is brought to the front.
 void Frame::open_page(const PageEntry& entry) {
   std::erase_if(open_pages_, [](const auto& page) { return !page->m_hWnd; });
   for (const auto& page : open_pages_)
@@ -207,7 +206,7 @@ LRESULT Frame::OnTrace(WORD, WORD, HWND, BOOL&) {
 
 // ---- the message loop -----------------------------------------------------------------------------------------------
 
-// Tab and the arrows go from control to control; the MDI windows have keys of their own.
+// Tab and the arrow keys move between controls; the MDI windows have their own accelerators.
 BOOL Frame::PreTranslateMessage(MSG* message) {
   if (::TranslateMDISysAccel(client_, message)) return TRUE;
   const PageFrame* page = active_page();

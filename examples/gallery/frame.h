@@ -1,8 +1,8 @@
-// The gallery's main window: the pages in a tree at the left, the open ones as MDI windows beside it.
+// The gallery's main window: a tree of the pages at the left, and the open pages as MDI windows beside it.
 #ifndef GALLERY_FRAME_H
 #define GALLERY_FRAME_H
 
-#include <page.h>
+#include <gallery/page.h>
 
 #include <memory>
 #include <vector>
@@ -24,7 +24,7 @@ class PageFrame : public ATL::CWindowImpl<PageFrame> {
   BEGIN_MSG_MAP(PageFrame)
     MESSAGE_HANDLER(WM_SIZE, OnSize)
     MESSAGE_HANDLER(WM_SETFOCUS, OnSetFocus)
-    MESSAGE_RANGE_HANDLER(1, WM_NCDESTROY - 1, OnOther)  // not that one, with which the object ends
+    MESSAGE_RANGE_HANDLER(1, WM_NCDESTROY - 1, OnOther)  // except WM_NCDESTROY, after which the object is deleted
     MESSAGE_RANGE_HANDLER(WM_NCDESTROY + 1, 0xFFFF, OnOther)
   END_MSG_MAP()
 
@@ -44,12 +44,13 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
   DECLARE_WND_CLASS_EX("kexlib_gallery", 0, COLOR_APPWORKSPACE)
 
   enum { id_tree = 1, id_status, id_client, first_page_frame = 1000 };
-  // Answers with the view of the active page.
+  // Returns the view of the active page.
   static constexpr UINT message_active_page = WM_APP + 1;
-  // Paints a window of this thread, whose handle is the first parameter, and all that lies in it.
+  // Paints a window of this thread and its child windows; the first parameter is the handle.
   static constexpr UINT message_paint = WM_APP + 2;
 
-  // `texts` is the module with the gallery's texts. False where the system refuses, as it does without a display.
+  // `texts` is the module with the gallery's texts. Returns false if the window cannot be created, for
+  // instance without a display.
   bool open(HINSTANCE texts);
 
   BOOL PreTranslateMessage(MSG* message) override;
@@ -69,7 +70,7 @@ class Frame : public ATL::CWindowImpl<Frame>, public WTL::CMessageFilter, public
     COMMAND_ID_HANDLER(id_cascade, OnCascade)
     COMMAND_ID_HANDLER(id_tile, OnTile)
     COMMAND_ID_HANDLER(id_close, OnClosePage)
-    MESSAGE_RANGE_HANDLER(1, WM_NCDESTROY - 1, OnOther)  // not that one, with which the object ends
+    MESSAGE_RANGE_HANDLER(1, WM_NCDESTROY - 1, OnOther)  // except WM_NCDESTROY, after which the object is deleted
     MESSAGE_RANGE_HANDLER(WM_NCDESTROY + 1, 0xFFFF, OnOther)
   END_MSG_MAP()
 

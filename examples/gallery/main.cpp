@@ -1,12 +1,12 @@
-// The gallery shows what is in kexlib, a page for each unit.
+// The gallery shows every unit of kexlib on a page of its own.
 //
-//     gallery                        opens it
-//     gallery --tour                 goes through all pages by itself, and writes what it sees into the current folder
-//     gallery --tour --page TITLE    the same for those pages only that have this in their title
+//     gallery                        opens the gallery
+//     gallery --tour                 runs the tour of all pages; writes pictures and results to the current folder
+//     gallery --tour --page TITLE    runs the tour of the pages whose title contains TITLE
 //
-// The exit status is 0, 1 where the tour saw something that was not as promised, or 2 where it cannot start.
-#include <application.h>
-#include <tour.h>
+// The exit status is 0 on success, 1 if a check of the tour failed, or 2 if the gallery cannot start.
+#include <gallery/application.h>
+#include <gallery/tour.h>
 
 #include <cstdio>
 #include <cstring>

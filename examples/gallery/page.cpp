@@ -1,4 +1,4 @@
-#include <page.h>
+#include <gallery/page.h>
 
 #include <algorithm>
 #include <cstring>
@@ -88,7 +88,7 @@ CString Page::text_of(int id) const { return gallery::text_of(GetDlgItem(id)); }
 
 const std::vector<PageEntry>& pages() {
   static const std::vector<PageEntry> sorted = [] {
-    // In the order in which the families are told of everywhere.
+    // In the order of the documentation's list of families.
     constexpr const char* families[] = {"diagnostics", "messageloop", "com",      "imaging",
                                         "text",        "windowtools", "controls", "dialogs"};
     const auto place = [&](const PageEntry& entry) {

@@ -15,20 +15,18 @@
 //       ...
 //     };
 //
-//     void tour_guid(gallery::Tour& user) { ... }      // what a user does there, and sees
+//     void tour_guid(gallery::Tour& user) { ... }      // what a user does and sees on the page
 //
 //     const gallery::Registration guid{"com", "GUIDs", "Made when they are first read ...", gallery::make<GuidPage>,
 //                                      tour_guid};
 #ifndef GALLERY_PAGE_H
 #define GALLERY_PAGE_H
 
-#include <atlstr.h>
-
 #include <atlbase.h>
-
+#include <atlstr.h>
+#include <atlwin.h>
 #include <atlapp.h>
 #include <atlctrls.h>
-#include <atlwin.h>
 
 #include <memory>
 #include <string>
@@ -38,13 +36,13 @@ namespace gallery {
 
 class Tour;
 
-// What a window of this thread says.
+// The text of a window of this thread.
 CString text_of(HWND window);
-// What is in a file, its first 64 kilobytes; empty where there is none.
+// The first 64 kilobytes of a file; empty if the file does not exist.
 CString text_of_file(const CString& path);
 
-// The view of a page: a heading, a few words, and below them the controls that the page's class adds, from left to
-// right and line by line.
+// The view of a page: a heading, a description, and below them the controls that the page's class adds, in lines from
+// left to right.
 class Page : public ATL::CWindowImpl<Page> {
  public:
   DECLARE_WND_CLASS_EX("kexlib_gallery_page", 0, COLOR_BTNFACE)
@@ -54,7 +52,7 @@ class Page : public ATL::CWindowImpl<Page> {
   Page& operator=(const Page&) = delete;
   ~Page() override;
 
-  // Makes the window with all its controls, as large as its parent; false where the system refuses.
+  // Creates the window with all its controls, as large as its parent. Returns false on failure.
   bool open(HWND parent, const char* title, const char* words);
 
   BOOL ProcessWindowMessage(HWND, UINT, WPARAM, LPARAM, LRESULT&, DWORD) override { return FALSE; }
@@ -67,11 +65,11 @@ class Page : public ATL::CWindowImpl<Page> {
   // Adds a control at the end of the line; WS_CHILD and WS_VISIBLE are added to its style.
   ATL::CWindow add(const char* window_class, const char* text, DWORD style, int id, int width,
                    int height = line_height);
-  // A text in front of a control.
+  // Adds a label for the next control.
   void add_label(const char* text, int width);
-  // The next control begins a line, below the highest one of the line before.
+  // Starts a new line, below the tallest control of the previous line.
   void new_line(int space = gap);
-  // The place of the next control, for those that make their windows themselves; it is taken then.
+  // Reserves the place of the next control, for controls that create their windows themselves.
   RECT take_place(int width, int height = line_height);
 
   void set_text(int id, const CString& text) { ::SetDlgItemText(m_hWnd, id, text); }
@@ -86,16 +84,16 @@ class Page : public ATL::CWindowImpl<Page> {
 };
 
 struct PageEntry {
-  const char* family;  // "controls", say: the name of the family's folders
+  const char* family;  // the name of the family's folders, such as "controls"
   const char* title;
-  const char* words;  // what the unit is for, in a sentence or two
+  const char* words;  // the purpose of the unit, in one or two sentences
   std::unique_ptr<Page> (*make)();
   void (*tour)(Tour& user);
 };
 
 template <class T>
 std::unique_ptr<Page> make() {
-  // The windows go before what the page has: the objects of its controls leave their windows alone.
+  // Destroys the windows before the page's members: the control objects do not destroy their windows.
   class Whole : public T {
    public:
     Whole() = default;
@@ -108,10 +106,10 @@ std::unique_ptr<Page> make() {
   return std::make_unique<Whole>();
 }
 
-// All pages, family by family, by title.
+// All pages, sorted by family and title.
 const std::vector<PageEntry>& pages();
 
-// An object of this type in the page's file adds the page.
+// An object of this type in the page's source adds the page.
 class Registration {
  public:
   Registration(const char* family, const char* title, const char* words, std::unique_ptr<Page> (*make)(),

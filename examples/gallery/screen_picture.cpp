@@ -1,12 +1,10 @@
-#include <screen_picture.h>
-
-#include <rqgfx/duct_image.h>
-#include <rqgfx/png_writer.h>
-
 #include <atlbase.h>
-
 #include <atlapp.h>
 #include <atlgdi.h>
+
+#include <gallery/screen_picture.h>
+#include <rqgfx/duct_image.h>
+#include <rqgfx/png_writer.h>
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-// What the screen shows, as a PNG file.
+// A part of the screen as a PNG file.
 #ifndef GALLERY_SCREEN_PICTURE_H
 #define GALLERY_SCREEN_PICTURE_H
 
@@ -8,7 +8,7 @@
 
 namespace gallery {
 
-// A part of the screen, in screen coordinates. False where it cannot be written.
+// Writes a part of the screen, in screen coordinates. Returns false if the file cannot be written.
 bool save_screen_picture(const RECT& place, const std::string& path);
 
 }  // namespace gallery

@@ -1,10 +1,9 @@
-#include <tour.h>
-
-#include <frame.h>
-#include <page.h>
-#include <screen_picture.h>
-
 #include <atlctrls.h>
+
+#include <gallery/frame.h>
+#include <gallery/page.h>
+#include <gallery/screen_picture.h>
+#include <gallery/tour.h>
 
 #include <cstdio>
 #include <cstring>
@@ -18,7 +17,7 @@ namespace {
 constexpr int patience = 20'000;  // milliseconds
 constexpr int look_again = 10;
 
-// Ends the tour: without what was waited for, the rest makes no sense.
+// Ends the tour: its next steps depend on the missing event.
 class Stuck : public std::runtime_error {
   using runtime_error::runtime_error;
 };
@@ -30,14 +29,14 @@ bool comes_true(const std::function<bool()>& condition, int milliseconds) {
   }
 }
 
-// The gallery's own thread may be busy, or be waiting for the user.
+// The gallery's own thread may be busy or waiting for the user.
 LRESULT ask(HWND window, UINT message, WPARAM wide = 0, LPARAM longer = 0) {
   DWORD_PTR result = 0;
   SendMessageTimeoutA(window, message, wide, longer, SMTO_ABORTIFHUNG, patience, &result);
   return static_cast<LRESULT>(result);
 }
 
-// The place and the button in one event: between two of them the pointer could be moved from elsewhere.
+// Position and button in one event: between two events the pointer could be moved by something else.
 void send_mouse(POINT place, DWORD what) {
   const auto normalized = [](int position, int size) { return (position * 0x10000 + 0x8000) / size; };
   INPUT input{};
@@ -48,7 +47,7 @@ void send_mouse(POINT place, DWORD what) {
   SendInput(1, &input, sizeof input);
 }
 
-// Events of the display that are still under way may move the pointer once more, so it has to stay where it is.
+// Pending events of the display may move the pointer again, so check that it stays.
 void move_mouse(POINT place) {
   constexpr int looks = 3;
   int looked = 0;
@@ -81,11 +80,11 @@ void send_key(WORD key, DWORD flags) {
 
 }  // namespace
 
-bool Tour::run(const std::string& part_of_title) {
+bool Tour::run(const std::string& part_of_title, const std::string& family) {
   const auto& all = pages();
   try {
     for (size_t i = 0; i < all.size(); ++i) {
-      if (!std::strstr(all[i].title, part_of_title.c_str())) continue;
+      if (!std::strstr(all[i].title, part_of_title.c_str()) || !(family.empty() || family == all[i].family)) continue;
       const int checks_before = checks_;
       std::printf("%2zu/%zu  %s: %s", i + 1, all.size(), all[i].family, all[i].title);
       std::fflush(stdout);
@@ -137,7 +136,7 @@ void Tour::open(const PageEntry& entry) {
     ask(tree, TVM_ENSUREVISIBLE, 0, reinterpret_cast<LPARAM>(item));
     RECT place;
     const auto handle = reinterpret_cast<LPARAM>(item);
-    std::memcpy(&place, &handle, sizeof handle);  // as TVM_GETITEMRECT wants it
+    std::memcpy(&place, &handle, sizeof handle);  // TVM_GETITEMRECT expects the item in the rectangle
     ask(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&place));
     click(tree, (place.left + place.right) / 2, (place.top + place.bottom) / 2);
     press(VK_RETURN);

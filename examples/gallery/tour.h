@@ -1,7 +1,7 @@
-// The tour: a user who goes through the gallery with the mouse and the keyboard, and looks at what it shows.
+// The tour: a simulated user who operates the gallery with the mouse and the keyboard and checks the screen.
 //
-// It runs on a thread of its own, so that it is not stopped by dialogs, menus and pages that are busy. It touches
-// windows only as a person does, but for reading texts and colours. Whatever does not happen in time ends the tour.
+// It runs on a separate thread, so that dialogs, menus and busy pages do not block it. It operates windows by input
+// only, and reads texts and colours. If an expected event does not happen in time, the tour ends.
 #ifndef GALLERY_TOUR_H
 #define GALLERY_TOUR_H
 
@@ -22,14 +22,14 @@ class Tour {
   Tour(const Tour&) = delete;
   Tour& operator=(const Tour&) = delete;
 
-  // Goes through the pages that have this text in their titles, and says line by line what it does. True where
-  // everything was as promised.
-  bool run(const std::string& part_of_title);
+  // Runs the tours of the pages whose titles contain this text, of one family or of all, and prints a line for each
+  // step. Returns true if all checks passed.
+  bool run(const std::string& part_of_title, const std::string& family = "");
 
-  // Closes all pages, one after the other. False where one stays.
+  // Closes all pages, one after the other. Returns false if one stays open.
   bool close_pages();
 
-  // ---- what a page's tour does --------------------------------------------------------------------------------------
+  // ---- for the tour of a page ---------------------------------------------------------------------------------------
 
   HWND frame() const { return frame_; }
   // The page's view.
@@ -37,50 +37,52 @@ class Tour {
   // A control of the page.
   HWND control(int id) const;
 
-  // With the left button in the middle of a control of the page, of a window, or at a place in its client area.
+  // Clicks with the left button in the middle of a control of the page or of a window, or at a point in its client
+  // area.
   void click(int id) { click(control(id)); }
   void click(HWND window);
   void click(HWND window, int x, int y);
   // Moves the mouse to the middle of a window.
   void point_at(HWND window);
-  // Presses the left button or lets it go, where the mouse is.
+  // Presses or releases the left button at the position of the mouse.
   void press_mouse();
   void release_mouse();
 
-  // Keys, to whatever has the focus: a text of letters, digits and the like; a key by its virtual code, with Control or
-  // Alt held down.
+  // Sends keys to the window with the focus: a text of printable characters, or a key by its virtual code, with
+  // Control or Alt held down.
   void type(const std::string& text);
   void press(WORD key);
   void press_with(WORD held, WORD key);
-  // Replaces what an edit control of one line says.
+  // Replaces the text of an edit control of one line.
   void write(int id, const std::string& text);
-  // With the keyboard: Alt and the letter of the menu, then the letter of the item.
+  // Chooses a menu item with the keyboard: Alt and the letter of the menu, then the letter of the item.
   void choose_from_menu(char menu, char item);
 
-  // Waits for what is to happen; where it does not within some seconds, the tour ends.
+  // Waits for an event. If it does not happen within 20 seconds, the tour ends.
   void wait_until(const std::string& what, const std::function<bool()>& happened);
-  // A window of the gallery with this title, which may still have to come: a dialog, say.
+  // Waits for a window of the gallery with this title, for instance a dialog.
   HWND wait_for_window(const std::string& title);
-  // The menu that is open; it may still have to come.
+  // Waits for an open menu.
   HWND wait_for_menu();
   void wait_for_end_of(HWND window);
 
-  // What a window says; empty where there is none.
+  // The text of a window; empty if there is none.
   static std::string text_of(HWND window);
   std::string text(int id) const { return text_of(control(id)); }
-  // Whether a check box or a radio button is.
+  // Whether a check box or a radio button is checked.
   bool is_checked(int id) const;
-  // What the screen shows at a place in the client area of a window.
+  // The colour of the screen at a point in the client area of a window.
   static COLORREF color_at(HWND window, int x, int y);
 
-  // Something that the page promises, such as "the number is shown in millimetres". It may still have to come: where it
-  // does not, it counts as a failure, and the tour goes on.
+  // Waits for a documented effect, such as "the number is shown in millimetres". If it does not occur, the check fails
+  // and the tour continues.
   void check(const std::string& promise, const std::function<bool()>& holds);
   void check_text(int id, const std::string& expected);
 
-  // Writes what the screen shows of a window to NAME.png in the current folder; without a window, of the page's frame.
+  // Writes a picture of a window on the screen to NAME.png in the current folder; without a window, of the page's
+  // frame.
   void take_picture(const std::string& name, HWND window = nullptr);
-  // Names a file that the page has written, for the list at the end.
+  // Adds a file that the page has written to the list at the end.
   void tell_of_file(const std::string& path) { files_.push_back(path); }
 
  private:

@@ -1,6 +1,6 @@
-// The core of MFC: objects that know their class, exceptions, files and archives.
+// The core of MFC: run-time class information, exceptions, files and archives.
 //
-// Exceptions are thrown by pointer and deleted by whoever catches them:
+// Exceptions are thrown by pointer. The handler that does not rethrow one deletes it:
 //
 //     try {
 //       archive >> value;
@@ -10,9 +10,9 @@
 #ifndef FRAMEWORK_AFX_H
 #define FRAMEWORK_AFX_H
 
-#include <atlstr.h>
-
 #include <kexframework/export.h>
+
+#include <atlstr.h>
 
 #include <optional>
 #include <type_traits>
@@ -20,15 +20,15 @@
 
 class CObject;
 
-// What the framework knows of a class made with DECLARE_DYNCREATE.
+// The run-time record of a class made with DECLARE_DYNCREATE.
 struct CRuntimeClass {
   LPCSTR m_lpszClassName;
   int m_nObjectSize;
   UINT m_wSchema;
-  CObject* (*m_pfnCreateObject)();        // null where the class cannot be made dynamically
+  CObject* (*m_pfnCreateObject)();        // null: objects cannot be created dynamically
   CRuntimeClass* (*m_pfnGetBaseClass)();  // null at the root
 
-  // A default-constructed object, owned by the caller; null where the class cannot be made.
+  // Returns a default-constructed object, which the caller owns; null if the class cannot create one.
   KEXFRAMEWORK_API CObject* CreateObject();
 };
 
@@ -46,65 +46,61 @@ class KEXFRAMEWORK_API CObject {
   static const CRuntimeClass classCObject;
 };
 
-// In the class: its record, and how to get at it.
-#define DECLARE_DYNAMIC(class_name)             \
- protected:                                     \
-  static CRuntimeClass* _GetBaseClass();        \
-                                                \
- public:                                        \
-  static const CRuntimeClass class##class_name; \
-  static CRuntimeClass* GetThisClass();         \
-  CRuntimeClass* GetRuntimeClass() const override;
-// The same, and how to make an object.
-#define DECLARE_DYNCREATE(class_name) \
-  DECLARE_DYNAMIC(class_name)         \
+// In the class: its run-time record and how to create an object.
+#define DECLARE_DYNCREATE(class_name)              \
+ protected:                                        \
+  static CRuntimeClass* _GetBaseClass();           \
+                                                   \
+ public:                                           \
+  static const CRuntimeClass class##class_name;    \
+  static CRuntimeClass* GetThisClass();            \
+  CRuntimeClass* GetRuntimeClass() const override; \
   static CObject* CreateObject();
 
 #define RUNTIME_CLASS(class_name) (class_name::GetThisClass())
 
-// Nothing reads or writes objects of the class by its schema number: 0xFFFF says so.
-#define IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, schema, creator)                                   \
+// In a source. The schema number is 0xFFFF: objects of the class are not serialized.
+#define IMPLEMENT_DYNCREATE(class_name, base_class_name)                                                       \
+  CObject* class_name::CreateObject() { return new class_name; }                                               \
   CRuntimeClass* class_name::_GetBaseClass() { return RUNTIME_CLASS(base_class_name); }                        \
-  const CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class class_name), schema, creator, \
-                                                       &class_name::_GetBaseClass};                            \
+  const CRuntimeClass class_name::class##class_name = {#class_name, sizeof(class class_name), 0xFFFF,          \
+                                                       &class_name::CreateObject, &class_name::_GetBaseClass}; \
   CRuntimeClass* class_name::GetThisClass() { return const_cast<CRuntimeClass*>(&class##class_name); }         \
   CRuntimeClass* class_name::GetRuntimeClass() const { return GetThisClass(); }
-#define IMPLEMENT_DYNCREATE(class_name, base_class_name)         \
-  CObject* class_name::CreateObject() { return new class_name; } \
-  IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, &class_name::CreateObject)
 
-// An error on its way to whoever can deal with it.
+// The base of all exceptions.
 class KEXFRAMEWORK_API CException : public CObject {
  public:
-  // autoDelete: Delete() frees the object, as is right for one made with new.
+  // autoDelete: whether Delete() frees the object. Pass false for an object that was not made with new.
   explicit CException(bool autoDelete = true);
   ~CException() override;
 
-  // Called by whoever caught the exception and does not throw it on.
+  // Call it in the handler, unless the exception is rethrown.
   void Delete();
 
-  // The error in words, cut to `room` characters with the terminator. FALSE, and an empty text, where there are none.
+  // Copies a description of the error, truncated to `room` characters with the terminator. Returns FALSE, and an empty
+  // text, if there is no description.
   virtual BOOL GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext = nullptr) const;
 
  private:
   bool m_bAutoDelete;
 };
 
-// No memory is left. There is one object of it, since none could be made.
+// No memory is left. AfxThrowMemoryException throws an object that is allocated in advance.
 class KEXFRAMEWORK_API CMemoryException : public CException {
  public:
   using CException::CException;
   BOOL GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext = nullptr) const override;
 };
 
-// A function was called with an argument that it does not take.
+// A function was called with an invalid argument.
 class KEXFRAMEWORK_API CInvalidArgException : public CException {
  public:
   using CException::CException;
   BOOL GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext = nullptr) const override;
 };
 
-// What was asked for is not offered: data exchange with a control that the dialog does not have, for one.
+// The operation is not supported, such as data exchange with a control that the dialog does not have.
 class KEXFRAMEWORK_API CNotSupportedException : public CException {
  public:
   using CException::CException;
@@ -135,25 +131,25 @@ class KEXFRAMEWORK_API CFileException : public CException {
   explicit CFileException(int cause = none, LONG osError = -1, LPCTSTR fileName = nullptr);
   BOOL GetErrorMessage(LPTSTR message, UINT room, UINT* helpContext = nullptr) const override;
 
-  // The cause that an error code of the system stands for; genericException where there is none for it.
+  // Returns the cause for a system error code; genericException if there is none.
   static int OsErrorToException(LONG osError);
-  // Throws what an error code of the system stands for.
+  // Throws the exception for a system error code.
   [[noreturn]] static void ThrowOsError(LONG osError, LPCTSTR fileName = nullptr);
 
   int m_cause;
-  LONG m_lOsError;  // the system's error code; -1 where there is none
+  LONG m_lOsError;  // the system error code; -1: none
   CString m_strFileName;
 };
 
-// An archive was used against its direction, or it ended too early.
+// An archive was used against its direction, or its file ended too early.
 class KEXFRAMEWORK_API CArchiveException : public CException {
  public:
   enum {
     none,
     genericException,
-    readOnly,   // a loading archive was written to
-    endOfFile,  // the file ended within a value
-    writeOnly,  // a storing archive was read from
+    readOnly,   // write to an archive that loads
+    endOfFile,  // the file ended inside a value
+    writeOnly,  // read from an archive that stores
     badIndex,
     badClass,
     badSchema
@@ -172,53 +168,52 @@ class KEXFRAMEWORK_API CArchiveException : public CException {
 [[noreturn]] KEXFRAMEWORK_API void AfxThrowFileException(int cause, LONG osError = -1, LPCTSTR fileName = nullptr);
 [[noreturn]] KEXFRAMEWORK_API void AfxThrowArchiveException(int cause, LPCTSTR archiveName = nullptr);
 
-// A file of bytes, unbuffered (CreateFile, ReadFile, WriteFile). All but Open throws CFileException; a file that is
-// not open is an invalidFile.
+// An unbuffered binary file (CreateFile, ReadFile, WriteFile). All members but Open report errors by CFileException. If
+// no file is open the cause is invalidFile.
 class KEXFRAMEWORK_API CFile : public CObject {
  public:
-  // One of mode..., one of share..., and what else is wanted.
+  // Combine one mode flag, one share flag and any of the others.
   enum OpenFlags : UINT {
     modeRead = 0x0000,
     modeWrite = 0x0001,
     modeReadWrite = 0x0002,
-    shareCompat = 0x0000,  // the same as shareExclusive
+    shareCompat = 0x0000,  // same as shareExclusive
     shareExclusive = 0x0010,
     shareDenyWrite = 0x0020,
     shareDenyRead = 0x0030,
     shareDenyNone = 0x0040,
-    modeNoInherit = 0x0080,   // started programs do not get the handle
-    modeCreate = 0x1000,      // a new file; an old one of the name is emptied
-    modeNoTruncate = 0x2000,  // with modeCreate: an old one is kept as it is
-    typeBinary = 0x8000       // says nothing more: bytes always stay as they are
+    modeNoInherit = 0x0080,   // child processes do not inherit the handle
+    modeCreate = 0x1000,      // creates the file; an existing file is truncated
+    modeNoTruncate = 0x2000,  // with modeCreate: an existing file is not truncated
+    typeBinary = 0x8000       // no effect: files are always binary
   };
   enum SeekPosition : UINT { begin, current, end };
 
   CFile();
-  // Opens the file, or throws.
+  // Opens the file. Throws CFileException on failure.
   CFile(LPCTSTR fileName, UINT openFlags);
-  // Closes the file, without a word if that fails.
+  // Closes the file. Errors are ignored.
   ~CFile() override;
 
-  // FALSE where the file cannot be opened; the exception object, if there is one, then says why. A file that was open
-  // in this object is closed first.
+  // Returns FALSE if the file cannot be opened, and stores the cause in `error` unless that is null. A file that is
+  // already open in this object is closed first.
   virtual BOOL Open(LPCTSTR fileName, UINT openFlags, CFileException* error = nullptr);
-  // A file that is not open stays so.
+  // Does nothing if no file is open.
   virtual void Close();
 
-  // Up to `count` bytes; fewer at the end of the file only.
+  // Reads up to `count` bytes and returns how many; fewer than `count` only at the end of the file.
   virtual UINT Read(void* buffer, UINT count);
-  // All bytes, or the exception.
+  // Writes all bytes, or throws.
   virtual void Write(const void* buffer, UINT count);
-  // To what is still to be written by the system (FlushFileBuffers).
-  virtual void Flush();
 
-  // The new position, in bytes from the beginning. It may lie behind the end, never before the beginning (badSeek).
+  // Returns the new position, in bytes from the beginning. It may be beyond the end of the file; a position before the
+  // beginning is badSeek.
   virtual ULONGLONG Seek(LONGLONG offset, UINT from);
   void SeekToBegin() { Seek(0, begin); }
   virtual ULONGLONG GetPosition() const;
   virtual ULONGLONG GetLength() const;
 
-  // The full path; empty where no file is open, or where the file has none.
+  // The full path; empty if no file is open, or if the file has no name.
   virtual CString GetFilePath() const;
 
   HANDLE m_hFile = INVALID_HANDLE_VALUE;
@@ -227,19 +222,18 @@ class KEXFRAMEWORK_API CFile : public CObject {
   CString m_path;
 };
 
-// A file in memory, which grows with what is written. Writing behind the end fills the gap with zeros.
+// A file in memory. It grows as data is written. A write beyond the end fills the gap with zeros.
 class KEXFRAMEWORK_API CMemFile : public CFile {
  public:
   CMemFile();
   ~CMemFile() override;
 
-  // There is nothing to open: FALSE, and nothing else happens.
+  // Not applicable: returns FALSE and does nothing.
   BOOL Open(LPCTSTR fileName, UINT openFlags, CFileException* error = nullptr) override;
-  // Lets go of the bytes. The file can be used again.
+  // Discards the contents. The file can be used again.
   void Close() override;
   UINT Read(void* buffer, UINT count) override;
   void Write(const void* buffer, UINT count) override;
-  void Flush() override;
   ULONGLONG Seek(LONGLONG offset, UINT from) override;
   ULONGLONG GetPosition() const override;
   ULONGLONG GetLength() const override;
@@ -249,25 +243,25 @@ class KEXFRAMEWORK_API CMemFile : public CFile {
   size_t m_position = 0;
 };
 
-// Stores values in a file, or loads them, through a buffer of its own; little-endian, nothing between the values.
+// Stores values in a file, or loads them, through a buffer. Numbers are little-endian, with nothing between them.
 //
 //     CFile file("sizes.bin", CFile::modeCreate | CFile::modeWrite);
 //     CArchive archive(&file, CArchive::store);
 //     archive << DWORD{3};
 //     archive.Close();
 //
-// The file is borrowed and has to be open until Close or the end of the archive. What is used against the archive's
-// direction throws CArchiveException, a file that fails CFileException.
+// The caller owns the file. It must stay open until Close or the destructor. A call against the archive's direction
+// throws CArchiveException, a file error throws CFileException.
 class KEXFRAMEWORK_API CArchive {
  public:
   enum Mode : UINT {
     store = 0,
     load = 1,
-    bNoFlushOnDelete = 2  // the end of an archive that was not closed throws away what is in its buffer
+    bNoFlushOnDelete = 2  // the destructor of an archive that is not closed discards the buffer
   };
 
   CArchive(CFile* file, UINT mode, int bufferSize = 4096);
-  // Closes the archive, without a word if that fails: call Close yourself to hear of it.
+  // Closes the archive. Errors are ignored; call Close to receive them.
   ~CArchive();
   CArchive(const CArchive&) = delete;
   CArchive& operator=(const CArchive&) = delete;
@@ -275,16 +269,17 @@ class KEXFRAMEWORK_API CArchive {
   BOOL IsLoading() const { return (m_mode & load) != 0; }
   BOOL IsStoring() const { return !IsLoading(); }
 
-  // Up to `count` bytes; fewer at the end of the file only, which is no exception here.
+  // Reads up to `count` bytes and returns how many. Fewer than `count` at the end of the file; that is not an error.
   UINT Read(void* buffer, UINT count);
   void Write(const void* buffer, UINT count);
 
-  // Storing: the buffer goes to the file. Loading: the file's position becomes that of the archive, which reads ahead.
+  // Storing: writes the buffer to the file. Loading: sets the file's position to that of the archive, which reads
+  // ahead.
   void Flush();
-  // Flush, and lets go of the file, which stays open. What is read or written after that is a genericException.
+  // Flushes and detaches the file, which stays open. A later read or write throws genericException.
   void Close();
 
-  // A number in its own width. A file that ends within it is an endOfFile.
+  // Stores or loads a number in its own size. The end of the file inside a number throws endOfFile.
   template <typename Number, typename = std::enable_if_t<std::is_arithmetic_v<Number> && sizeof(Number) <= 8>>
   CArchive& operator<<(Number value) {
     Write(&value, sizeof value);
@@ -304,11 +299,11 @@ class KEXFRAMEWORK_API CArchive {
   UINT m_mode;
   CString m_fileName;
   std::vector<BYTE> m_buffer;
-  UINT m_at = 0;    // where the next byte is taken from or put to
-  UINT m_read = 0;  // loading: the bytes that were read ahead
+  UINT m_at = 0;    // offset of the next byte
+  UINT m_read = 0;  // loading: number of bytes in the buffer
 };
 
-// Walks through the files and folders that a name with wildcards stands for. The loop is always one step behind:
+// Enumerates the files and folders that match a name with wildcards. FindFile and FindNextFile look one entry ahead:
 //
 //     CFileFind find;
 //     BOOL more = find.FindFile("C:\\Data\\*.*");
@@ -317,32 +312,32 @@ class KEXFRAMEWORK_API CArchive {
 //       use(find.GetFilePath());
 //     }
 //
-// Before the first FindNextFile no entry is current: names are empty, questions are answered FALSE.
+// Before the first FindNextFile there is no current entry: names are empty and tests return FALSE.
 class KEXFRAMEWORK_API CFileFind : public CObject {
  public:
   CFileFind();
   ~CFileFind() override;
 
-  // Begins a search; null means all that is in the current folder. FALSE where nothing is found, GetLastError() then
-  // says why: ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND...
+  // Starts a search; null means all entries of the current folder. Returns FALSE if nothing is found; GetLastError()
+  // returns the reason, such as ERROR_FILE_NOT_FOUND or ERROR_PATH_NOT_FOUND.
   virtual BOOL FindFile(LPCTSTR name = nullptr, DWORD unused = 0);
-  // Makes the next entry the current one. FALSE where it is the last one (ERROR_NO_MORE_FILES) or looking for the one
-  // after it failed; it is the current one all the same. Behind the last one it stays where it is.
+  // Makes the next entry current. Returns FALSE if it is the last one (ERROR_NO_MORE_FILES), or if the search for the
+  // entry after it failed; the entry is current in both cases. After the last entry the current one does not change.
   virtual BOOL FindNextFile();
   void Close();
 
   virtual CString GetFileName() const;
-  // With its folder, from the root.
+  // The full path.
   virtual CString GetFilePath() const;
   BOOL IsDirectory() const;
-  // The folder itself or the one above it: "." or "..".
+  // TRUE for "." and "..".
   virtual BOOL IsDots() const;
 
  private:
   HANDLE m_search = INVALID_HANDLE_VALUE;
   std::optional<WIN32_FIND_DATAA> m_found;
   std::optional<WIN32_FIND_DATAA> m_next;
-  CString m_folder;  // with the separator at its end
+  CString m_folder;  // ends with a separator
 };
 
 #endif

@@ -1,38 +1,35 @@
-// MFC's objects of synchronisation.
+// MFC's synchronisation objects.
 #ifndef FRAMEWORK_AFXMT_H
 #define FRAMEWORK_AFXMT_H
 
 #include <afxwin.h>
 
-// Owns the handle of a kernel object that threads wait for.
+// Owns the handle of a kernel object to wait for.
 class KEXFRAMEWORK_API CSyncObject : public CObject {
  public:
-  // The handle is what the derived class makes; the name is kept by the system alone.
+  // The derived class creates the handle. The name is not stored.
   explicit CSyncObject(LPCTSTR name);
   // Closes the handle.
   ~CSyncObject() override;
 
   operator HANDLE() const { return m_hObject; }
 
-  // Waits (WaitForSingleObject). FALSE where the milliseconds went by, or the wait failed.
+  // Waits for the object (WaitForSingleObject). Returns FALSE on timeout or failure. The timeout is in milliseconds.
   virtual BOOL Lock(DWORD timeout = INFINITE);
-  virtual BOOL Unlock() = 0;
 
   HANDLE m_hObject = nullptr;
 };
 
-// Tells one thread (auto-reset) or all (manual reset) that something happened.
+// An event. It wakes one waiting thread (auto-reset) or all of them (manual reset).
 class KEXFRAMEWORK_API CEvent : public CSyncObject {
  public:
-  // An event of this name that is there already is opened, and stays as it is. What cannot be made, because the name
-  // belongs to something else for one, throws CResourceException.
+  // Opens an existing event of this name; its state does not change. Throws CResourceException if the event cannot be
+  // created, for example because the name belongs to another kind of object.
   explicit CEvent(BOOL initiallyOwn = FALSE, BOOL manualReset = FALSE, LPCTSTR name = nullptr,
                   LPSECURITY_ATTRIBUTES security = nullptr);
 
   BOOL SetEvent();
   BOOL ResetEvent();
-  // Nobody owns an event: TRUE, and nothing happens.
-  BOOL Unlock() override;
 };
 
 #endif

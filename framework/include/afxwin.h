@@ -1,4 +1,4 @@
-// MFC's application: its modules and resources, its threads, its windows and the exchange of data with dialogs.
+// MFC's application, module states, resources, windows, threads and dialog data exchange.
 #ifndef FRAMEWORK_AFXWIN_H
 #define FRAMEWORK_AFXWIN_H
 
@@ -6,9 +6,9 @@
 
 class CWinApp;
 class CWnd;
-struct CCreateContext;  // nothing here reads one
+struct CCreateContext;  // not used by this subset
 
-// The system ran out of windows, kernel objects, resources.
+// The system is out of windows, kernel objects or resources.
 class KEXFRAMEWORK_API CResourceException : public CException {
  public:
   using CException::CException;
@@ -19,10 +19,10 @@ class KEXFRAMEWORK_API CResourceException : public CException {
 
 // Modules ------------------------------------------------------------------------------------------------------------
 
-// What the framework knows of a module: its application object, its instance, and where its resources are.
+// The state of a module: its application object, its instance, and the module that contains its resources.
 class KEXFRAMEWORK_API AFX_MODULE_STATE : public CObject {
  public:
-  // That of the program, without an application object.
+  // The values of the program, without an application object.
   AFX_MODULE_STATE();
 
   CWinApp* m_pCurrentWinApp = nullptr;
@@ -32,12 +32,12 @@ class KEXFRAMEWORK_API AFX_MODULE_STATE : public CObject {
 
 // The state of the program.
 KEXFRAMEWORK_API AFX_MODULE_STATE* AfxGetAppModuleState();
-// The state that holds on this thread; that of the program until it is said otherwise.
+// The current state of the calling thread. By default that of the program.
 KEXFRAMEWORK_API AFX_MODULE_STATE* AfxGetModuleState();
-// Sets the one that holds on this thread and returns the one that did. Null means that of the program.
+// Sets the current state of the calling thread and returns the previous one. Null selects that of the program.
 KEXFRAMEWORK_API AFX_MODULE_STATE* AfxSetModuleState(AFX_MODULE_STATE* state);
 
-// Lets a state hold on this thread for as long as it lives.
+// Makes a state current on this thread until the object is destroyed.
 class AFX_MAINTAIN_STATE2 {
  public:
   explicit AFX_MAINTAIN_STATE2(AFX_MODULE_STATE* state) : m_previous(AfxSetModuleState(state)) {}
@@ -49,21 +49,21 @@ class AFX_MAINTAIN_STATE2 {
   AFX_MODULE_STATE* m_previous;
 };
 
-// Lets a state hold on this thread until the block ends, by an exception too.
+// Makes a state current on this thread until the end of the block.
 #define AFX_MANAGE_STATE(state) AFX_MANAGE_STATE_NAMED(state, __LINE__)
-// A name for each line, so that the one in a block within hides nothing.
+// The variable's name contains the line, so that nested blocks do not shadow it.
 #define AFX_MANAGE_STATE_NAMED(state, line) AFX_MANAGE_STATE_JOINED(state, line)
 #define AFX_MANAGE_STATE_JOINED(state, line) AFX_MAINTAIN_STATE2 _ctlState##line(state)
 
-// Of the module whose state holds on this thread.
+// These belong to the module whose state is current on this thread.
 inline HINSTANCE AfxGetInstanceHandle() { return AfxGetModuleState()->m_hCurrentInstanceHandle; }
 inline HINSTANCE AfxGetResourceHandle() { return AfxGetModuleState()->m_hCurrentResourceHandle; }
 inline void AfxSetResourceHandle(HINSTANCE instance) { AfxGetModuleState()->m_hCurrentResourceHandle = instance; }
-// Null where there is none.
+// Null if there is none.
 inline CWinApp* AfxGetApp() { return AfxGetModuleState()->m_pCurrentWinApp; }
 
-// A module with resources for the whole program, behind those of the module whose state holds; the newest is looked at
-// first. It belongs to no list when it is destroyed.
+// A module whose resources are available to the whole program. It is searched after the module whose state is current;
+// the newest one is searched first. The destructor removes it.
 class KEXFRAMEWORK_API CDynLinkLibrary : public CObject {
  public:
   CDynLinkLibrary(HINSTANCE module, HINSTANCE resources);
@@ -73,7 +73,7 @@ class KEXFRAMEWORK_API CDynLinkLibrary : public CObject {
   HINSTANCE m_hResource;
 };
 
-// The module that holds a resource. Where none does, AfxGetResourceHandle().
+// Returns the module that contains a resource; AfxGetResourceHandle() if none does.
 KEXFRAMEWORK_API HINSTANCE AfxFindResourceHandle(LPCSTR name, LPCSTR type);
 
 // Windows ------------------------------------------------------------------------------------------------------------
@@ -84,40 +84,40 @@ class KEXFRAMEWORK_API CWnd : public CObject {
 
  public:
   CWnd();
-  // Destroys the window, one that was attached too: Detach it to keep it.
+  // Destroys the window, including one that was attached. Call Detach to keep it.
   ~CWnd() override;
 
-  // Takes the window over. FALSE, and nothing happens, for null or where there is one already.
+  // Takes ownership of the window. Returns FALSE, and does nothing, if the window is null or this object has one.
   BOOL Attach(HWND window);
   HWND Detach();
   HWND GetSafeHwnd() const { return m_hWnd; }
 
-  // Makes a child window of a registered class. FALSE where that fails.
+  // Creates a child window of a registered class. Returns FALSE on failure.
   virtual BOOL Create(LPCTSTR className, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                       CCreateContext* context = nullptr);
-  // FALSE where there is none.
+  // Returns FALSE if there is no window.
   virtual BOOL DestroyWindow();
 
-  // ActiveX controls. The window is one that hosts the control, by the system's host library (atl.dll); the control
-  // goes with it, by DestroyWindow, this object or the parent. COM has to be initialised on this thread.
+  // ActiveX controls. The window hosts the control through the system's library (atl.dll). The control is released when
+  // the window is destroyed: by DestroyWindow, this object or the parent. COM must be initialised on this thread.
 
-  // Makes a control of a class. windowName is set as its Caption, or else its Text, where it has one of the two; null
-  // sets neither. The control's state is loaded from what is left of the file `persist`: a stream, or with `storage` a
-  // compound file; without a file it begins anew. licenseKey is for a control that is not licensed on this machine.
-  // FALSE, and no window, where the class is not installed or the control refuses, where there is no parent, or where
-  // this object has a window already. What reading the file throws goes on to the caller.
+  // Creates a control. windowName is set as its Caption, or else as its Text, if it has one of these properties; null
+  // sets neither. The state of the control is loaded from the rest of the file `persist`: a stream, or with `storage` a
+  // compound file. Without a file the control starts with its defaults. licenseKey is for a control that is not
+  // licensed on this machine. Returns FALSE, without a window, if the class is not registered, the control fails, there
+  // is no parent, or this object has a window. Exceptions from reading the file are passed to the caller.
   BOOL CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                      CFile* persist = nullptr, BOOL storage = FALSE, BSTR licenseKey = nullptr);
-  // The control, without a reference for the caller. Null where this window hosts none.
+  // Returns the control without adding a reference; null if this window hosts none.
   LPUNKNOWN GetControlUnknown();
 
-  // Calls through the control's IDispatch; see COleDispatchDriver (afxdisp.h) for the types and what is thrown. A
-  // control without one is an OLE exception. Where there is no control nothing is called, and the result is 0 or empty.
+  // Calls through the control's IDispatch. COleDispatchDriver (afxdisp.h) documents types and exceptions. A control
+  // without IDispatch throws COleException. Without a control nothing is called, and the result is 0 or empty.
   void InvokeHelper(DISPID id, WORD flags, VARTYPE resultType, void* result, const BYTE* parameters, ...);
   void SetProperty(DISPID id, VARTYPE type, ...);
   void GetProperty(DISPID id, VARTYPE type, void* value) const;
 
-  HWND m_hWnd = nullptr;  // null again when the window is gone, whoever destroyed it
+  HWND m_hWnd = nullptr;  // null again after the window is destroyed by anybody
 
  private:
   static LRESULT CALLBACK watch(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR object, DWORD_PTR);
@@ -127,27 +127,23 @@ class KEXFRAMEWORK_API CWnd : public CObject {
 
 using AFX_THREADPROC = UINT (*)(LPVOID parameter);
 
-// A thread that the framework knows. The object is deleted when the thread ends, unless m_bAutoDelete is set to FALSE
-// before; whoever does that deletes it himself, after the thread has ended, which closes the handle.
+// A thread. The object is deleted when the thread ends, unless m_bAutoDelete is set to FALSE before. Then the owner
+// deletes it after the thread has ended; the destructor closes the handle.
 class KEXFRAMEWORK_API CWinThread : public CObject {
  public:
   CWinThread();
   CWinThread(AFX_THREADPROC procedure, LPVOID parameter);
   ~CWinThread() override;
 
-  operator HANDLE() const { return m_hThread; }
-
-  // Starts the thread, once. FALSE where that fails, or where there is no function to run.
+  // Starts the thread, once. Returns FALSE if that fails, or if there is no function to run.
   BOOL CreateThread(DWORD createFlags = 0, UINT stackSize = 0, LPSECURITY_ATTRIBUTES security = nullptr);
 
-  // The suspend count before the call; 0xFFFFFFFF where the call failed.
+  // Returns the previous suspend count; 0xFFFFFFFF on failure.
   DWORD ResumeThread() { return ::ResumeThread(m_hThread); }
-  DWORD SuspendThread() { return ::SuspendThread(m_hThread); }
-  int GetThreadPriority() { return ::GetThreadPriority(m_hThread); }
   BOOL SetThreadPriority(int priority) { return ::SetThreadPriority(m_hThread, priority); }
 
   virtual BOOL InitInstance();
-  // Gets and dispatches messages until WM_QUIT; returns what ExitInstance does.
+  // Gets and dispatches messages until WM_QUIT. Returns the result of ExitInstance.
   virtual int Run();
   // The exit code: that of the WM_QUIT.
   virtual int ExitInstance();
@@ -155,7 +151,7 @@ class KEXFRAMEWORK_API CWinThread : public CObject {
   // Called at the end of the thread.
   virtual void Delete();
 
-  CWnd* m_pMainWnd = nullptr;  // borrowed; a thread begins with that of the thread which started it
+  CWnd* m_pMainWnd = nullptr;  // not owned; initially that of the thread which started this one
   BOOL m_bAutoDelete = TRUE;
   HANDLE m_hThread = nullptr;
   DWORD m_nThreadID = 0;
@@ -165,71 +161,71 @@ class KEXFRAMEWORK_API CWinThread : public CObject {
 
   AFX_THREADPROC m_procedure = nullptr;
   LPVOID m_parameter = nullptr;
-  MSG m_message{};  // the one that Run got last
+  MSG m_message{};  // the last message that Run received
 };
 
-// Starts a thread that runs the function; its result is the exit code. Null where it cannot be started. With
-// CREATE_SUSPENDED it waits for ResumeThread; without, the object may be gone before this returns. An exception that
-// leaves the function ends the program.
+// Starts a thread that runs the function. The result of the function is the exit code. Returns null if the thread
+// cannot be started or memory is short. With CREATE_SUSPENDED the thread waits for ResumeThread; otherwise the object
+// may be deleted before this function returns. An exception that leaves the function terminates the program.
 KEXFRAMEWORK_API CWinThread* AfxBeginThread(AFX_THREADPROC procedure, LPVOID parameter,
                                             int priority = THREAD_PRIORITY_NORMAL, UINT stackSize = 0,
                                             DWORD createFlags = 0, LPSECURITY_ATTRIBUTES security = nullptr);
 
-// The object of the thread that this is called on; null where the framework does not know it.
+// The object of the calling thread; null if the thread was not started by the framework.
 KEXFRAMEWORK_API CWinThread* AfxGetThread();
 
-// The main window of this thread, or null.
+// The main window of the calling thread, or null.
 inline CWnd* AfxGetMainWnd() {
   CWinThread* thread = AfxGetThread();
   return thread ? thread->GetMainWnd() : nullptr;
 }
 
-// The application, and its first thread: the one that makes the object. It belongs to the module whose state holds
-// then, and there is one at a time.
+// The application, and its first thread: the one that creates the object. It belongs to the module whose state is
+// current at that time. A module has one at a time.
 class KEXFRAMEWORK_API CWinApp : public CWinThread {
  public:
   explicit CWinApp(LPCTSTR appName = nullptr);
   ~CWinApp() override;
 
-  // TRUE: go on to Run.
+  // TRUE: continue with Run.
   BOOL InitInstance() override;
-  // As that of a thread, but an application without a main window ends at once.
+  // Like that of a thread, but an application without a main window ends at once.
   int Run() override;
 
-  // Shows help on a subject (WinHelp on the main window). Nothing happens without a help file or a main window.
+  // Shows help on a topic (WinHelp for the main window). Does nothing without a help file or a main window.
   virtual void WinHelp(DWORD_PTR data, UINT command = HELP_CONTEXT);
-  // What the framework calls where the user asks for help; calls WinHelp.
+  // The framework calls it when the user requests help; calls WinHelp.
   virtual void WinHelpInternal(DWORD_PTR data, UINT command = HELP_CONTEXT);
 
   LPCTSTR m_pszAppName;
-  LPCTSTR m_pszHelpFilePath = nullptr;  // borrowed, as the name above
+  LPCTSTR m_pszHelpFilePath = nullptr;  // not owned, like the name above
   HINSTANCE m_hInstance;
   LPTSTR m_lpCmdLine = nullptr;
   int m_nCmdShow = SW_SHOWNORMAL;
 
  private:
-  AFX_MODULE_STATE* m_state;  // that of its module
+  AFX_MODULE_STATE* m_state;  // state of its module
 };
 
-// Gives the application object what the program's entry point was called with; called from there, where that is not
-// the framework's. TRUE.
+// Stores the arguments of the program's entry point in the application object. A program with its own entry point calls
+// it there. Returns TRUE.
 KEXFRAMEWORK_API BOOL AfxWinInit(HINSTANCE instance, HINSTANCE previous, LPTSTR commandLine, int showCommand);
 
 // Dialogs ------------------------------------------------------------------------------------------------------------
 
-// An exchange of data between a dialog's controls and variables.
+// An exchange of data between the controls of a dialog and variables.
 class KEXFRAMEWORK_API CDataExchange {
  public:
   CDataExchange(CWnd* dialog, BOOL saveAndValidate);
 
-  // The control. Throws CNotSupportedException where the dialog has none of this id.
+  // Returns the control. Throws CNotSupportedException if the dialog has none with this identifier.
   HWND PrepareCtrl(int id);
 
   BOOL m_bSaveAndValidate;  // TRUE: from the controls to the variables
-  CWnd* m_pDlgWnd;          // borrowed
+  CWnd* m_pDlgWnd;          // not owned
 };
 
-// Exchanges the state of a check box: 0, 1, or 2 for undetermined. Any other value is shown as 0.
+// Exchanges the state of a check box: 0, 1, or 2 for indeterminate. Any other value is shown as 0.
 KEXFRAMEWORK_API void DDX_Check(CDataExchange* exchange, int id, int& value);
 
 #endif

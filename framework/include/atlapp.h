@@ -1,4 +1,4 @@
-// WTL's applications: the message loop with its filters and idle handlers, and what an application knows of itself.
+// WTL's application: the message loop with its filters and idle handlers, and the module.
 //
 //     CAppModule _Module;
 //
@@ -6,7 +6,7 @@
 //       _Module.Init(nullptr, instance);
 //       CMessageLoop loop;
 //       _Module.AddMessageLoop(&loop);
-//       ...                                  // windows may call loop.AddMessageFilter(this)
+//       ...                                  // windows may call
 //       int result = loop.Run();
 //       _Module.RemoveMessageLoop();
 //       _Module.Term();
@@ -23,25 +23,26 @@
 #include <vector>
 
 namespace ATL {
-struct _ATL_OBJMAP_ENTRY;  // COM classes of a module: none are made here
+struct _ATL_OBJMAP_ENTRY;  // COM classes of a module; not supported by this subset
 }
 
 namespace WTL {
 
-// Sees the messages of a loop before they are dispatched. Its owner removes it from the loop before it goes.
+// Receives the messages of a loop before they are dispatched. The owner removes it from the loop before it is
+// destroyed.
 class CMessageFilter {
  public:
-  // TRUE where the message is dealt with: it is not dispatched then.
+  // Returns TRUE if the message is handled: it is not dispatched.
   virtual BOOL PreTranslateMessage(MSG* message) = 0;
 
  protected:
   ~CMessageFilter() = default;
 };
 
-// Called when a loop has nothing to do. Its owner removes it from the loop before it goes.
+// Called when a loop is idle. The owner removes it from the loop before it is destroyed.
 class CIdleHandler {
  public:
-  // What it returns is not looked at.
+  // The result is ignored.
   virtual BOOL OnIdle() = 0;
 
  protected:
@@ -56,15 +57,15 @@ class CMessageLoop {
   CMessageLoop& operator=(const CMessageLoop&) = delete;
   virtual ~CMessageLoop() = default;
 
-  // Adding one twice has it called twice; removing says whether it was there. A filter or handler may remove
-  // itself while it is called.
+  // One that is added twice is called twice. The Remove functions return whether it was in the list. A filter or
+  // handler may remove itself while it is called.
   BOOL AddMessageFilter(CMessageFilter* filter) { return add(m_filters, filter); }
   BOOL RemoveMessageFilter(CMessageFilter* filter) { return remove(m_filters, filter); }
   BOOL AddIdleHandler(CIdleHandler* handler) { return add(m_handlers, handler); }
   BOOL RemoveIdleHandler(CIdleHandler* handler) { return remove(m_handlers, handler); }
 
-  // Gets and dispatches messages until WM_QUIT, and returns its exit code. Between messages, when none is waiting,
-  // OnIdle is called: once, and again as long as it asks for more.
+  // Gets and dispatches messages until WM_QUIT, and returns its exit code. When no message is waiting, OnIdle is
+  // called: once, and again as long as it returns TRUE.
   int Run() {
     int idle_count = 0;
     bool idle = true;
@@ -75,7 +76,7 @@ class CMessageLoop {
       if (got == -1) continue;
       if (!got) return static_cast<int>(m_msg.wParam);
 
-      // The message may change on its way: a handler can run a loop of its own on this object.
+      // A handler may run a nested loop on this object, which changes m_msg.
       bool ends_idleness = IsIdleMessage(&m_msg);
       if (!PreTranslateMessage(&m_msg)) {
         ::TranslateMessage(&m_msg);
@@ -88,14 +89,13 @@ class CMessageLoop {
     }
   }
 
-  // Asks the filters, the last one added first, until one has dealt with the message.
+  // Calls the filters, the last one added first, until one handles the message.
   virtual BOOL PreTranslateMessage(MSG* message) {
     for (size_t i = m_filters.size(); i-- > 0;)
       if (i < m_filters.size() && m_filters[i]->PreTranslateMessage(message)) return TRUE;
     return FALSE;
   }
-  // Calls the idle handlers in the order in which they were added. TRUE asks to be called again before the next
-  // message.
+  // Calls the idle handlers in the order in which they were added. TRUE requests another call before the next message.
   virtual BOOL OnIdle(int /*idleCount*/) {
     for (size_t i = 0; i < m_handlers.size();) {
       CIdleHandler* handler = m_handlers[i];
@@ -104,8 +104,8 @@ class CMessageLoop {
     }
     return FALSE;
   }
-  // Whether the loop may become idle again after the message. Messages that come by themselves, or all the time, do
-  // not count: mouse moves, painting, and the timer that blinks the caret.
+  // Whether the loop becomes idle again after this message. Messages that arrive frequently do not count: mouse moves,
+  // painting, and the timer of the caret.
   static BOOL IsIdleMessage(MSG* message) {
     constexpr UINT caret_timer = 0x0118;
     switch (message->message) {
@@ -119,7 +119,7 @@ class CMessageLoop {
     }
   }
 
-  MSG m_msg{};  // the message that is worked on
+  MSG m_msg{};  // the current message
 
  private:
   template <typename T>
@@ -139,10 +139,10 @@ class CMessageLoop {
   std::vector<CIdleHandler*> m_handlers;
 };
 
-// What an application knows of itself: its module, and the message loop of each of its threads.
+// The module of an application, and the message loop of each of its threads.
 class CAppModule {
  public:
-  // The object map is null: no COM classes are made here.
+  // The object map must be null: COM classes are not supported.
   HRESULT Init(ATL::_ATL_OBJMAP_ENTRY* /*objectMap*/, HINSTANCE instance, const GUID* /*libraryId*/ = nullptr) {
     m_hInst = instance;
     return S_OK;
@@ -156,7 +156,7 @@ class CAppModule {
   HINSTANCE GetModuleInstance() const { return m_hInst; }
   HINSTANCE GetResourceInstance() const { return ATL::_AtlBaseModule.GetResourceInstance(); }
 
-  // The loop of the calling thread. FALSE, and nothing changed, where it has one already.
+  // Sets the loop of the calling thread. Returns FALSE, and does nothing, if the thread has one.
   BOOL AddMessageLoop(CMessageLoop* loop) {
     ATL::CComCritSecLock guard(m_section);
     return m_loops.emplace(::GetCurrentThreadId(), loop).second;
@@ -165,7 +165,7 @@ class CAppModule {
     ATL::CComCritSecLock guard(m_section);
     return m_loops.erase(::GetCurrentThreadId()) > 0;
   }
-  // Null for a thread without one.
+  // Null if the thread has none.
   CMessageLoop* GetMessageLoop(DWORD thread = ::GetCurrentThreadId()) const {
     ATL::CComCritSecLock guard(m_section);
     auto found = m_loops.find(thread);

@@ -1,4 +1,4 @@
-// The base of ATL: what a module knows of itself, critical sections, and COM's values.
+// The base of ATL: module information, critical sections, and COM's value types.
 #ifndef FRAMEWORK_ATLBASE_H
 #define FRAMEWORK_ATLBASE_H
 
@@ -8,12 +8,12 @@ extern "C" IMAGE_DOS_HEADER __ImageBase;
 
 namespace ATL {
 
-// What each module, DLL or EXE, knows of itself.
+// The instance and resources of a module, DLL or EXE.
 class CAtlBaseModule {
  public:
   // The module that this code is compiled into.
   HINSTANCE GetModuleInstance() const noexcept { return reinterpret_cast<HINSTANCE>(&__ImageBase); }
-  // Where the module's resources are: in itself, until it says otherwise.
+  // The module that contains the resources; the module itself unless SetResourceInstance names another one.
   HINSTANCE GetResourceInstance() const noexcept { return m_hInstResource ? m_hInstResource : GetModuleInstance(); }
   HINSTANCE SetResourceInstance(HINSTANCE instance) noexcept {
     HINSTANCE old = GetResourceInstance();
@@ -25,10 +25,10 @@ class CAtlBaseModule {
   HINSTANCE m_hInstResource = nullptr;
 };
 
-// An inline variable lives once in each module: just what is wanted here.
+// By design an inline variable: each module has its own.
 inline constinit CAtlBaseModule _AtlBaseModule;
 
-// A critical section whose life the user ends and begins.
+// A critical section. The caller calls Init before the first use and Term after the last.
 class CComCriticalSection {
  public:
   CComCriticalSection() noexcept : m_sec{} {}
@@ -52,7 +52,8 @@ class CComCriticalSection {
   CRITICAL_SECTION m_sec;
 };
 
-// One that is there as long as the object. A failure to make it throws (AtlThrow).
+// A critical section that is initialised by the constructor and deleted by the destructor. The constructor throws on
+// failure (AtlThrow).
 class CComAutoCriticalSection : public CComCriticalSection {
  public:
   CComAutoCriticalSection() {
@@ -62,7 +63,7 @@ class CComAutoCriticalSection : public CComCriticalSection {
   ~CComAutoCriticalSection() { Term(); }
 };
 
-// Holds a lock for as long as it lives.
+// Holds a lock until it is destroyed.
 template <class TLock>
 class CComCritSecLock {
  public:

@@ -1,18 +1,18 @@
-// COM's values in owning types: interface pointers, strings and variants.
+// Owners of COM values: interface pointers, strings and variants.
 #ifndef FRAMEWORK_ATLCOMCLI_H
 #define FRAMEWORK_ATLCOMCLI_H
+
+#include <atlconv.h>
 
 #include <type_traits>
 #include <utility>
 
-#include <atlconv.h>
-
 namespace ATL {
 
-// A counted reference to a COM object.
+// A counted pointer to an interface.
 //
 //     CComPtr<IDispatch> dispatch;
-//     HRESULT result = unknown->QueryInterface(&dispatch);    // & wants an empty pointer
+//     HRESULT result = unknown->QueryInterface(&dispatch);    // the pointer must be empty
 template <class T>
 class CComPtr {
  public:
@@ -46,7 +46,7 @@ class CComPtr {
     ATLASSERT(p);
     return p;
   }
-  // For out-parameters. The pointer has to be empty, or its object would be lost.
+  // For out-parameters. Asserts that the pointer is empty: its reference would leak.
   T** operator&() {
     ATLASSERT(!p);
     return &p;
@@ -55,13 +55,13 @@ class CComPtr {
   void Release() noexcept {
     if (T* object = Detach()) object->Release();
   }
-  // Takes over a reference that the caller holds; Detach hands it out.
+  // Attach takes over the caller's reference; Detach returns the pointer with its reference.
   void Attach(T* object) noexcept {
     Release();
     p = object;
   }
   T* Detach() noexcept { return std::exchange(p, nullptr); }
-  // E_POINTER for a null target.
+  // E_POINTER if the target is null.
   HRESULT CopyTo(T** target) const noexcept {
     if (!target) return E_POINTER;
     *target = p;
@@ -85,7 +85,7 @@ class CComPtr {
   void swap(CComPtr& other) noexcept { std::swap(p, other.p); }
 };
 
-// A CComPtr that asks whatever it is given for its own interface, and is empty where the object has none.
+// A CComPtr that queries the given object for its interface. It is empty if the object does not have the interface.
 template <class T>
 class CComQIPtr : public CComPtr<T> {
  public:
@@ -104,13 +104,13 @@ class CComQIPtr : public CComPtr<T> {
   }
 };
 
-// A BSTR that frees itself. A null BSTR counts as empty text. Running out of memory throws E_OUTOFMEMORY (AtlThrow).
+// Owns a BSTR. Null is an empty text. Throws E_OUTOFMEMORY when no memory is left (AtlThrow).
 class CComBSTR {
  public:
   CComBSTR() noexcept = default;
   CComBSTR(LPCOLESTR text) : m_str(text ? allocated(SysAllocString(text)) : nullptr) {}
   CComBSTR(int length, LPCOLESTR text) : m_str(allocated(SysAllocStringLen(text, static_cast<UINT>(length)))) {}
-  // Widened in the calling thread's code page.
+  // Converted in the code page of the calling thread.
   CComBSTR(LPCSTR text) : m_str(text ? allocated(SysAllocString(CA2W(text))) : nullptr) {}
   CComBSTR(const CComBSTR& other) : m_str(other.Copy()) {
     if (other.m_str) allocated(m_str);
@@ -124,16 +124,16 @@ class CComBSTR {
   }
 
   operator BSTR() const noexcept { return m_str; }
-  // For out-parameters. The string has to be empty, or its text would be lost.
+  // For out-parameters. Asserts that the string is empty: its text would leak.
   BSTR* operator&() {
     ATLASSERT(!m_str);
     return &m_str;
   }
-  // True where there is no BSTR at all.
+  // True if there is no BSTR.
   bool operator!() const noexcept { return !m_str; }
 
   unsigned Length() const noexcept { return SysStringLen(m_str); }
-  // A new BSTR with the same bytes, zeros inside included; null where there is none or no memory.
+  // Returns a new BSTR with the same bytes, embedded zeros included; null if there is no text or no memory.
   BSTR Copy() const noexcept {
     return m_str ? SysAllocStringByteLen(reinterpret_cast<LPCSTR>(m_str), SysStringByteLen(m_str)) : nullptr;
   }
@@ -141,9 +141,8 @@ class CComBSTR {
     if (text != m_str) SysFreeString(std::exchange(m_str, text));
   }
   BSTR Detach() noexcept { return std::exchange(m_str, nullptr); }
-  void Empty() noexcept { Attach(nullptr); }
 
-  // By the user's language, letter case counting; null equals empty.
+  // Compares by the user's language, case-sensitively; null equals empty.
   friend bool operator==(const CComBSTR& a, const CComBSTR& b) {
     return VarBstrCmp(a.m_str, b.m_str, LOCALE_USER_DEFAULT, 0) == static_cast<HRESULT>(VARCMP_EQ);
   }
@@ -157,14 +156,15 @@ class CComBSTR {
   }
 };
 
-// A VARIANT that clears itself. A failing copy leaves VT_ERROR with its code behind and throws it (AtlThrow).
+// A VARIANT that is cleared by the destructor. If a copy fails the value becomes VT_ERROR with the error code, and the
+// error is thrown (AtlThrow).
 class CComVariant : public VARIANT {
  public:
   CComVariant() noexcept { VariantInit(this); }
   CComVariant(const VARIANT& value) : CComVariant() { copied(Copy(&value)); }
   CComVariant(const CComVariant& value) : CComVariant(static_cast<const VARIANT&>(value)) {}
   CComVariant(LPCOLESTR text) : CComVariant() {
-    bstrVal = CComBSTR(text).Detach();  // may throw: there is nothing to clear until then
+    bstrVal = CComBSTR(text).Detach();  // may throw; the variant is still empty then
     vt = VT_BSTR;
   }
   CComVariant(LPCSTR text) : CComVariant() {
@@ -214,24 +214,11 @@ class CComVariant : public VARIANT {
   HRESULT ChangeType(VARTYPE type, const VARIANT* source = nullptr) noexcept {
     return VariantChangeType(this, source ? const_cast<VARIANT*>(source) : this, 0, type);
   }
-  // Takes over what the caller's variant holds, which is empty afterwards; Detach hands it out.
-  HRESULT Attach(VARIANT* source) noexcept {
-    if (!source) return E_INVALIDARG;
-    HRESULT result = Clear();
-    if (SUCCEEDED(result)) *static_cast<VARIANT*>(this) = std::exchange(*source, VARIANT{});
-    return result;
-  }
-  HRESULT Detach(VARIANT* target) noexcept {
-    if (!target) return E_POINTER;
-    HRESULT result = VariantClear(target);
-    if (SUCCEEDED(result)) *target = std::exchange(*static_cast<VARIANT*>(this), VARIANT{});
-    return result;
-  }
 
  private:
   void copied(HRESULT result) {
     if (SUCCEEDED(result)) return;
-    Clear();  // a copy may fail before the old value is let go of
+    Clear();  // the old value may still be there
     vt = VT_ERROR;
     scode = result;
     AtlThrow(result);

@@ -1,21 +1,22 @@
-// Conversion between narrow and wide text through a buffer on the stack, which a longer text leaves for the heap.
+// Conversion between narrow and wide text. Short texts are converted in a buffer on the stack, long ones on the heap.
 //
-//     SetWindowTextW(window, CA2W(narrow));     // the text lives to the end of the statement
+//     SetWindowTextW(window, CA2W(narrow));     // valid until the end of the statement
 #ifndef FRAMEWORK_ATLCONV_H
 #define FRAMEWORK_ATLCONV_H
+
+#include <atldef.h>
 
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
 
-#include <atldef.h>
-
 namespace ATL {
 
-// The code page of conversions that name none: that of the calling thread.
+// The code page of conversions without an explicit one: that of the calling thread.
 inline UINT _AtlGetConversionACP() { return CP_THREAD_ACP; }
 
-// Wide from narrow. A null pointer gives a null pointer. Throws (AtlThrow) where the text cannot be converted or held.
+// Converts narrow text to wide text. A null pointer gives a null pointer. Throws if the conversion fails or no memory
+// is left (AtlThrow).
 template <int t_nBufferLength = 128>
 class CA2WEX {
  public:
@@ -25,7 +26,7 @@ class CA2WEX {
       m_psz = nullptr;
       return;
     }
-    // A character of text never becomes more than one wide character.
+    // A narrow character never becomes more than one wide character.
     int length = lstrlenA(text) + 1;
     if (length > t_nBufferLength) m_psz = static_cast<LPWSTR>(std::calloc(static_cast<size_t>(length), sizeof(WCHAR)));
     if (!m_psz) AtlThrow(E_OUTOFMEMORY);
@@ -51,7 +52,7 @@ class CA2WEX {
 };
 using CA2W = CA2WEX<>;
 
-// Narrow from wide, as above.
+// Converts wide text to narrow text, like CA2WEX.
 template <int t_nBufferLength = 128>
 class CW2AEX {
  public:

@@ -1,7 +1,7 @@
 // WTL's controls: a window handle with the messages of a control as methods.
 //
-// Each method is the message of its name (GetCheck is BM_GETCHECK); only where it does more is it said. The objects own
-// nothing, image lists with t_bManaged excepted.
+// Each method is the message of that name (GetCheck is BM_GETCHECK); a comment documents what else it does. The objects
+// own nothing, except image lists with t_bManaged.
 //
 //     CListViewCtrl list = GetDlgItem(IDC_LIST);
 //     list.InsertColumn(0, "Name", LVCFMT_LEFT, 100, 0);
@@ -13,7 +13,7 @@
 
 namespace WTL {
 
-// What the wrappers have in common: the handle, and making a window of the control's class.
+// The common part of the wrappers: the handle, and creation of a window of the control's class.
 #define KEXFRAMEWORK_CONTROL(theClass, windowClass)                                                                \
  public:                                                                                                           \
   theClass(HWND window = nullptr) noexcept : TBase(window) {}                                                      \
@@ -45,22 +45,22 @@ class CButtonT : public TBase {
   // BST_UNCHECKED, BST_CHECKED or BST_INDETERMINATE.
   int GetCheck() const noexcept { return number(BM_GETCHECK); }
   void SetCheck(int check) noexcept { number(BM_SETCHECK, static_cast<WPARAM>(check)); }
-  // BST_PUSHED, BST_FOCUS and the check.
+  // BST_PUSHED, BST_FOCUS and the check state.
   UINT GetState() const noexcept { return static_cast<UINT>(number(BM_GETSTATE)); }
-  // Shows it pressed, or not.
+  // Shows the button pressed or released.
 };
 using CButton = CButtonT<ATL::CWindow>;
 
-// A text field.
+// An edit control.
 template <class TBase>
 class CEditT : public TBase {
   KEXFRAMEWORK_CONTROL(CEditT, WC_EDIT)
 
  public:
-  // Copies a line and returns its length. No more than `room` characters are copied, and no terminator.
+  // Copies a line and returns its length: up to `room` characters, without a terminator.
   int GetLine(int line, LPTSTR text, int room) const noexcept {
     auto size = static_cast<WORD>(room);
-    std::memcpy(text, &size, sizeof size);  // the message takes the room from where it puts the text
+    std::memcpy(text, &size, sizeof size);  // the message takes the size from the start of the buffer
     return number(EM_GETLINE, static_cast<WPARAM>(line), text);
   }
 };
@@ -72,8 +72,8 @@ class CStaticT : public TBase {
   KEXFRAMEWORK_CONTROL(CStaticT, WC_STATIC)
 
  public:
-  // The bitmap that was shown before. A control of version 6 may show a copy of what it is given (GetBitmap differs
-  // then); whoever gave the bitmap deletes both.
+  // Returns the previous bitmap. A control of version 6 may show a copy of the new one (then GetBitmap differs); the
+  // caller deletes both.
   HBITMAP SetBitmap(HBITMAP bitmap) noexcept {
     return reinterpret_cast<HBITMAP>(this->SendMessage(STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap)));
   }
@@ -83,7 +83,7 @@ class CStaticT : public TBase {
 };
 using CStatic = CStaticT<ATL::CWindow>;
 
-// A field with a list that drops down. Items are counted from 0; CB_ERR (-1) is what is not there.
+// A combo box. Items are counted from 0; CB_ERR (-1) if there is none.
 template <class TBase>
 class CComboBoxT : public TBase {
   KEXFRAMEWORK_CONTROL(CComboBoxT, WC_COMBOBOX)
@@ -92,15 +92,15 @@ class CComboBoxT : public TBase {
   int GetCount() const noexcept { return number(CB_GETCOUNT); }
   int AddString(LPCTSTR text) noexcept { return number(CB_ADDSTRING, 0, text); }
   void ResetContent() noexcept { number(CB_RESETCONTENT); }
-  // The text's length; the buffer must have room for it and the terminator (GetLBTextLen).
+  // Returns the length of the text. The buffer must hold it and the terminator (GetLBTextLen).
   int GetLBText(int item, LPTSTR text) const noexcept { return number(CB_GETLBTEXT, static_cast<WPARAM>(item), text); }
   int GetLBTextLen(int item) const noexcept { return number(CB_GETLBTEXTLEN, static_cast<WPARAM>(item)); }
   int GetCurSel() const noexcept { return number(CB_GETCURSEL); }
   int SetCurSel(int item) noexcept { return number(CB_SETCURSEL, static_cast<WPARAM>(item)); }
-  // In pixels; -1 is the field itself.
+  // In pixels. Item -1 is the selection field.
   int GetItemHeight(int item) const noexcept { return number(CB_GETITEMHEIGHT, static_cast<WPARAM>(item)); }
   int GetDroppedWidth() const noexcept { return number(CB_GETDROPPEDWIDTH); }
-  // The list is never narrower than the field.
+  // The list is never narrower than the control.
   int SetDroppedWidth(UINT width) noexcept { return number(CB_SETDROPPEDWIDTH, width); }
 };
 using CComboBox = CComboBoxT<ATL::CWindow>;
@@ -112,7 +112,7 @@ class CListViewCtrlT : public TBase {
 
  public:
   int GetItemCount() const noexcept { return number(LVM_GETITEMCOUNT); }
-  // The item after this one (-1: from the beginning) that has all of these LVNI_ flags, or -1.
+  // Returns the next item (-1: the first one) with all of these LVNI_ flags, or -1.
   int GetNextItem(int item, int flags) const noexcept {
     return number(LVM_GETNEXTITEM, static_cast<WPARAM>(item), MAKELPARAM(flags, 0));
   }
@@ -123,7 +123,7 @@ class CListViewCtrlT : public TBase {
   BOOL SetColumn(int column, const LVCOLUMN* description) noexcept {
     return number(LVM_SETCOLUMN, static_cast<WPARAM>(column), description);
   }
-  // Where it was put, or -1. A negative width or subitem is left to the control.
+  // Returns the index, or -1. A negative width or subitem leaves the choice to the control.
   int InsertColumn(int column, LPCTSTR heading, int format = LVCFMT_LEFT, int width = -1, int subitem = -1) noexcept {
     LVCOLUMN description{};
     description.mask = LVCF_TEXT | LVCF_FMT;
@@ -134,7 +134,7 @@ class CListViewCtrlT : public TBase {
     return number(LVM_INSERTCOLUMN, static_cast<WPARAM>(column), &description);
   }
 
-  // Where it was put, or -1.
+  // Returns the index, or -1.
   int InsertItem(int item, LPCTSTR text) noexcept {
     LVITEM description{};
     description.mask = LVIF_TEXT;
@@ -148,7 +148,7 @@ class CListViewCtrlT : public TBase {
     description.pszText = const_cast<LPTSTR>(text);
     return number(LVM_SETITEMTEXT, static_cast<WPARAM>(item), &description);
   }
-  // Copies as much as there is room for and returns its length.
+  // Copies what fits into the buffer and returns its length.
   int GetItemText(int item, int subitem, LPTSTR text, int room) const noexcept {
     LVITEM description{};
     description.iSubItem = subitem;
@@ -156,7 +156,7 @@ class CListViewCtrlT : public TBase {
     description.cchTextMax = room;
     return number(LVM_GETITEMTEXT, static_cast<WPARAM>(item), &description);
   }
-  // The LVIS_ bits of the mask; item -1 stands for all.
+  // The LVIS_ bits of the mask. Item -1 is all items.
   BOOL SetItemState(int item, UINT state, UINT mask) noexcept {
     LVITEM description{};
     description.state = state;
@@ -172,7 +172,7 @@ class CTreeViewCtrlT : public TBase {
   KEXFRAMEWORK_CONTROL(CTreeViewCtrlT, WC_TREEVIEW)
 
  public:
-  // Below a parent (TVI_ROOT), after a sibling (or TVI_FIRST, TVI_LAST, TVI_SORT). Null where it failed.
+  // Inserts below a parent (TVI_ROOT), after a sibling (or TVI_FIRST, TVI_LAST, TVI_SORT). Returns null on failure.
   HTREEITEM InsertItem(LPCTSTR text, HTREEITEM parent, HTREEITEM after) noexcept {
     TVINSERTSTRUCT description{};
     description.hParent = parent;
@@ -182,7 +182,7 @@ class CTreeViewCtrlT : public TBase {
     return reinterpret_cast<HTREEITEM>(this->SendMessage(TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&description)));
   }
   BOOL DeleteItem(HTREEITEM item) noexcept { return number(TVM_DELETEITEM, 0, item); }
-  // Cut to the room.
+  // Truncated to the size of the buffer.
   BOOL GetItemText(HTREEITEM item, LPTSTR text, int room) const noexcept {
     TVITEM description{};
     description.mask = TVIF_TEXT;
@@ -192,7 +192,7 @@ class CTreeViewCtrlT : public TBase {
     return number(TVM_GETITEM, 0, &description);
   }
 
-  // By a TVGN_ relation; null where there is none.
+  // Returns the item in this relation (TVGN_); null if there is none.
   HTREEITEM GetNextItem(HTREEITEM item, UINT relation) const noexcept {
     return reinterpret_cast<HTREEITEM>(this->SendMessage(TVM_GETNEXTITEM, relation, reinterpret_cast<LPARAM>(item)));
   }
@@ -202,11 +202,10 @@ class CTreeViewCtrlT : public TBase {
 };
 using CTreeViewCtrl = CTreeViewCtrlT<ATL::CWindow>;
 
-// A tool of a tooltip control: a part of a window with an identifier, or for the identifier 0 a whole window, whatever
-// size it has.
+// A tool of a tooltip control: an area of a window with an identifier, or with identifier 0 a whole window of any size.
 class CToolInfo : public TOOLINFO {
  public:
-  // A null area is the client area of now.
+  // A null area is the current client area.
   CToolInfo(UINT flags, HWND window, UINT_PTR id = 0, LPCRECT area = nullptr, LPTSTR text = LPSTR_TEXTCALLBACK,
             LPARAM parameter = 0) noexcept
       : TOOLINFO{} {
@@ -230,13 +229,13 @@ class CToolInfo : public TOOLINFO {
   operator LPTOOLINFO() noexcept { return this; }
 };
 
-// The window that shows tooltips.
+// A tooltip control.
 template <class TBase>
 class CToolTipCtrlT : public TBase {
   KEXFRAMEWORK_CONTROL(CToolTipCtrlT, TOOLTIPS_CLASS)
 
  public:
-  // Whether tooltips are shown.
+  // Enables or disables tooltips.
   void Activate(BOOL active) noexcept { number(TTM_ACTIVATE, static_cast<WPARAM>(active)); }
   BOOL AddTool(LPTOOLINFO tool) noexcept { return number(TTM_ADDTOOL, 0, tool); }
   void UpdateTipText(LPTOOLINFO tool) noexcept { number(TTM_UPDATETIPTEXT, 0, tool); }
@@ -244,15 +243,15 @@ class CToolTipCtrlT : public TBase {
   void SetDelayTime(DWORD which, int milliseconds) noexcept {
     number(TTM_SETDELAYTIME, which, MAKELPARAM(milliseconds, 0));
   }
-  // Shows it a mouse message of one of its tools' windows.
+  // Passes it a mouse message of a tool's window.
   void RelayEvent(LPMSG message) noexcept { number(TTM_RELAYEVENT, 0, message); }
 };
 using CToolTipCtrl = CToolTipCtrlT<ATL::CWindow>;
 
 #undef KEXFRAMEWORK_CONTROL
 
-// Pictures of one size. With t_bManaged the list is destroyed with the object, and when another one takes its place; a
-// copy of the object names the same list.
+// An image list. With t_bManaged the object owns the list: the destructor and an assignment destroy it. A copy of the
+// object refers to the same list.
 template <bool t_bManaged>
 class CImageListT {
  public:
@@ -276,7 +275,7 @@ class CImageListT {
   }
   HIMAGELIST Detach() noexcept { return std::exchange(m_hImageList, nullptr); }
 
-  // ILC_ flags; `initial` is the number of pictures that there is room for, `grow` how many more are made room for.
+  // `flags` are ILC_ flags. `initial` is the initial capacity, `grow` by how many images it grows.
   BOOL Create(int width, int height, UINT flags, int initial, int grow) noexcept {
     Attach(::ImageList_Create(width, height, flags, initial, grow));
     return m_hImageList != nullptr;
@@ -287,7 +286,8 @@ class CImageListT {
     return TRUE;
   }
 
-  // The first new picture's index, or -1. The bitmap stays the caller's, and with a mask colour it is changed.
+  // Returns the index of the first new image, or -1. The caller keeps the bitmap. With a mask colour the bitmap is
+  // modified.
   int Add(HBITMAP bitmap, HBITMAP mask = nullptr) noexcept { return ::ImageList_Add(m_hImageList, bitmap, mask); }
   int Add(HBITMAP bitmap, COLORREF mask) noexcept { return ::ImageList_AddMasked(m_hImageList, bitmap, mask); }
   int GetImageCount() const noexcept { return ::ImageList_GetImageCount(m_hImageList); }

@@ -1,4 +1,4 @@
-// WTL's bitmap button: a button that shows pictures of an image list, one for each of its states.
+// WTL's bitmap button: a button that shows an image of an image list for each of its states.
 //
 //     CBitmapButton button(BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE, images);
 //     button.SetImages(0, 1, 2, 3);
@@ -7,9 +7,9 @@
 #ifndef FRAMEWORK_ATLCTRLX_H
 #define FRAMEWORK_ATLCTRLX_H
 
+#include <atlstr.h>
 #include <atlctrls.h>
 #include <atlmisc.h>
-#include <atlstr.h>
 
 #include <utility>
 
@@ -17,17 +17,17 @@ namespace WTL {
 
 // Extended styles of a bitmap button.
 enum {
-  BMPBTN_HOVER = 0x01,            // looks different while the mouse is over it, instead of while it has the focus
-  BMPBTN_AUTO3D_SINGLE = 0x02,    // has an edge one pixel wide
-  BMPBTN_AUTO3D_DOUBLE = 0x04,    // has an edge two pixels wide
-  BMPBTN_AUTOSIZE = 0x08,         // takes the size of its pictures
-  BMPBTN_SHAREIMAGELISTS = 0x10,  // leaves the image list to somebody else
-  BMPBTN_CHECK = 0x40,            // stays pressed while it is checked
+  BMPBTN_HOVER = 0x01,            // highlighted while the mouse is over it, instead of while it has the focus
+  BMPBTN_AUTO3D_SINGLE = 0x02,    // edge one pixel wide
+  BMPBTN_AUTO3D_DOUBLE = 0x04,    // edge two pixels wide
+  BMPBTN_AUTOSIZE = 0x08,         // has the size of its images
+  BMPBTN_SHAREIMAGELISTS = 0x10,  // does not own the image list
+  BMPBTN_CHECK = 0x40,            // looks pressed while it is checked
 };
 
-// A button T of the application's, derived from this: whatever member of these names T has is used.
+// A button T, derived from this class. Members of T with the names below replace them.
 //
-// The system's button does the work with mouse and keyboard and notifies the parent (BN_CLICKED); this shows it.
+// The system's button handles mouse and keyboard and notifies the parent (BN_CLICKED); this class paints it.
 template <class T, class TBase = CButton, class TWinTraits = ATL::CControlWinTraits>
 class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   using Window = ATL::CWindowImpl<T, TBase, TWinTraits>;
@@ -53,40 +53,40 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   DWORD GetBitmapButtonExtendedStyle() const { return m_dwExtendedStyle; }
-  // Changes the styles of the mask, or with 0 all of them, and returns those of before.
+  // Changes the styles in the mask, or with 0 all of them, and returns the previous ones.
   DWORD SetBitmapButtonExtendedStyle(DWORD style, DWORD mask = 0) {
     DWORD changed = mask ? (m_dwExtendedStyle & ~mask) | (style & mask) : style;
     return std::exchange(m_dwExtendedStyle, changed);
   }
 
   HIMAGELIST GetImageList() const { return m_ImageList; }
-  // Returns the list of before, which is the caller's now.
+  // Returns the previous list, which the caller then owns.
   HIMAGELIST SetImageList(HIMAGELIST images) {
     HIMAGELIST before = std::exchange(m_ImageList.m_hImageList, images);
     if (images && takes_size_of_images()) SizeToImage();
     return before;
   }
-  // The pictures of the states; -1 leaves a state as it was. A state without a picture shows the normal one.
+  // The images of the states; -1 keeps the one of that state. A state without an image shows the normal one.
   void SetImages(int normal, int pushed = -1, int focusOrHover = -1, int disabled = -1) {
     const int images[_nImageCount] = {normal, pushed, focusOrHover, disabled};
     for (int i = 0; i < _nImageCount; ++i)
       if (images[i] != -1) m_nImage[i] = images[i];
   }
 
-  // Null or empty shows no tooltip.
+  // Null or empty: no tooltip.
   void SetToolTipText(LPCTSTR text) {
     m_strToolTipText = text;
     if (m_tip.IsWindow()) show_tooltip_text();
   }
 
-  // For BMPBTN_CHECK.
+  // The check state, for BMPBTN_CHECK.
   bool GetCheck() const { return m_fChecked; }
   void SetCheck(bool check, bool update = true) {
     m_fChecked = check;
     if (update && this->IsWindow()) redraw();
   }
 
-  // Gives the button the size of the pictures.
+  // Resizes the button to its images.
   void SizeToImage() {
     int width = 0, height = 0;
     if (!m_ImageList.GetIconSize(width, height)) return;
@@ -99,7 +99,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
 
   bool IsHoverMode() const { return (m_dwExtendedStyle & BMPBTN_HOVER) != 0; }
 
-  // Paints the button. T may have one of its own.
+  // Paints the button. T may replace it.
   void DoPaint(CDCHandle dc) {
     bool pressed = m_fPressed || ((m_dwExtendedStyle & BMPBTN_CHECK) && m_fChecked);
     bool edge = (m_dwExtendedStyle & (BMPBTN_AUTO3D_SINGLE | BMPBTN_AUTO3D_DOUBLE)) != 0;
@@ -110,7 +110,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
                 : !this->IsWindowEnabled() ? _nImageDisabled
                                            : _nImageNormal;
     int image = m_nImage[state] == -1 ? m_nImage[_nImageNormal] : m_nImage[state];
-    // Without a picture of its own, a pressed button with an edge moves the normal one.
+    // Without its own image, a pressed button with an edge moves the normal one.
     int shift = pressed && edge && m_nImage[_nImagePushed] == -1 ? 1 : 0;
     if (image != -1) m_ImageList.Draw(dc, image, shift, shift, ILD_NORMAL);
 
@@ -129,7 +129,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     }
   }
 
-  // Called when the object has got its window.
+  // Called when the object has its window.
   void Init() {
     this->ModifyStyle(0, BS_OWNERDRAW);
     m_tip.Create(this->m_hWnd, nullptr, nullptr, WS_POPUP);
@@ -162,7 +162,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& bHandled) {
-    if (!m_tip.DestroyWindow()) m_tip.m_hWnd = nullptr;  // its owner may have gone first, and it with him
+    if (!m_tip.DestroyWindow()) m_tip.m_hWnd = nullptr;  // the system destroys it with its owner
     bHandled = FALSE;
     return 0;
   }
@@ -174,7 +174,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     return 0;
   }
 
-  // Painting covers everything, so there is nothing to erase.
+  // Painting covers the whole client area.
   LRESULT OnEraseBackground(UINT, WPARAM, LPARAM, BOOL&) { return 1; }
 
   LRESULT OnPaint(UINT, WPARAM wParam, LPARAM, BOOL&) {
@@ -201,7 +201,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   LRESULT OnMouseMove(UINT, WPARAM, LPARAM lParam, BOOL& bHandled) {
     CRect rect;
     this->GetClientRect(rect);
-    // The messages go on outside of the button while a mouse button is held down.
+    // Mouse messages arrive from outside the button while it has the capture.
     if (IsHoverMode()) set_mouse_over(rect.PtInRect(place(lParam)));
     bHandled = FALSE;
     return 0;
@@ -213,18 +213,19 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     return 0;
   }
 
-  // An owner-drawn button takes the second of two quick clicks for a double click; for us it is a click like the first.
+  // The system treats the second of two quick clicks on an owner-drawn button as a double click. By design it is a
+  // click here: callers expect one notification for each click.
   LRESULT OnLButtonDblClk(UINT, WPARAM wParam, LPARAM lParam, BOOL&) {
     return this->DefWindowProc(WM_LBUTTONDOWN, wParam, lParam);
   }
 
-  // A button in hover mode behaves as one of a toolbar: the space bar does not press it.
+  // By design the space bar does not press a button in hover mode, as in a toolbar.
   LRESULT OnKey(UINT, WPARAM wParam, LPARAM, BOOL& bHandled) {
     bHandled = wParam == VK_SPACE && IsHoverMode();
     return 0;
   }
 
-  // The system's button says so of itself whenever mouse, keyboard or capture press or release it.
+  // The system's button sends it whenever mouse, keyboard or capture press or release it.
   LRESULT OnSetState(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {
     LRESULT result = this->DefWindowProc(uMsg, wParam, lParam);
     if (m_fPressed != (wParam != 0)) {
@@ -240,7 +241,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   CToolTipCtrl m_tip;
   CString m_strToolTipText;
 
-  // Bits as elsewhere in the system's windows: 0 or 1.
+  // The values are bits, 0 or 1.
   unsigned m_fMouseOver : 1 = 0;
   unsigned m_fFocus : 1 = 0;
   unsigned m_fPressed : 1 = 0;
@@ -249,7 +250,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
  private:
   T& self() { return static_cast<T&>(*this); }
 
-  // Signed: there are places left of and above the origin.
+  // Signed: a position may be left of or above the origin.
   template <typename Packed>
   static CPoint place(Packed packed) {
     return {static_cast<short>(LOWORD(packed)), static_cast<short>(HIWORD(packed))};
@@ -257,7 +258,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
 
   bool takes_size_of_images() const { return (m_dwExtendedStyle & BMPBTN_AUTOSIZE) && this->IsWindow(); }
 
-  // At once: whoever handles the click may take his time.
+  // Immediately: the handler of the click may take long.
   void redraw() {
     this->Invalidate(FALSE);
     this->UpdateWindow();
@@ -268,7 +269,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     m_fMouseOver = over;
     redraw();
     if (!over) return;
-    // A button of version 6 asks for it too; one of version 5 does not.
+    // Version 6 of the common controls asks for the tooltip text too; version 5 does not.
     TRACKMOUSEEVENT leaving{sizeof(TRACKMOUSEEVENT), TME_LEAVE, this->m_hWnd, 0};
     ::TrackMouseEvent(&leaving);
   }
@@ -283,7 +284,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 };
 
-// The bitmap button to use as it is.
+// The bitmap button, as a class to use directly.
 class CBitmapButton : public CBitmapButtonImpl<CBitmapButton> {
  public:
   DECLARE_WND_SUPERCLASS("WTL_BitmapButton", GetWndClassName())

@@ -1,18 +1,16 @@
-// Basic definitions of ATL: its assertion, its error, and the Windows headers below everything else.
+// Basic definitions of ATL: the assertion, AtlThrow, and the Windows headers that all others need.
 #ifndef FRAMEWORK_ATLDEF_H
 #define FRAMEWORK_ATLDEF_H
 
+#include <kexframework/export.h>
+
 #include <winsock2.h>
-
 #include <windows.h>
-
 #include <ole2.h>
 #include <oleauto.h>
 #include <tchar.h>
 
 #include <cassert>
-
-#include <kexframework/export.h>
 
 #ifndef ATLASSERT
 #define ATLASSERT(expression) assert(expression)
@@ -20,7 +18,7 @@
 
 namespace ATL {
 
-// Throws what MFC throws: the memory exception for E_OUTOFMEMORY, an OLE exception with this code for everything else.
+// Throws MFC's exception for an HRESULT: CMemoryException for E_OUTOFMEMORY, COleException for all others.
 [[noreturn]] KEXFRAMEWORK_API void AtlThrow(HRESULT result);
 
 // GetLastError() as an HRESULT.

@@ -1,5 +1,5 @@
-// WTL's property sheets: a dialog of pages, or with PSH_WIZARD97 a wizard. Sheet and pages are the system's own; these
-// classes are their handles, and what is told about their events.
+// WTL's property sheets: a dialog of pages, or with PSH_WIZARD97 a wizard. The system implements both; these classes
+// are their handles and handle their notifications.
 //
 //     class NamePage : public CPropertyPageImpl<NamePage> {
 //      public:
@@ -19,7 +19,6 @@
 #define FRAMEWORK_ATLDLGS_H
 
 #include <atlapp.h>
-
 #include <prsht.h>
 
 #include <memory>
@@ -28,7 +27,7 @@
 
 namespace WTL {
 
-// A sheet that is there. Pages are counted from 0.
+// The handle of a property sheet. Pages are counted from 0.
 class CPropertySheetWindow : public ATL::CWindow {
  public:
   CPropertySheetWindow(HWND window = nullptr) noexcept : CWindow(window) {}
@@ -37,23 +36,23 @@ class CPropertySheetWindow : public ATL::CWindow {
     return *this;
   }
 
-  // The tab control, which wizards have too, out of sight.
+  // The tab control. A wizard has a hidden one.
   HWND GetTabControl() const noexcept { return reinterpret_cast<HWND>(SendMessage(PSM_GETTABCONTROL)); }
-  // Null when a modeless sheet has been closed by its user: then it is to be destroyed.
+  // Null after the user closed a modeless sheet: destroy the sheet then.
   HWND GetActivePage() const noexcept { return reinterpret_cast<HWND>(SendMessage(PSM_GETCURRENTPAGEHWND)); }
   int GetActiveIndex() const noexcept { return static_cast<int>(::SendMessage(GetTabControl(), TCM_GETCURSEL, 0, 0)); }
   BOOL SetActivePage(int page) noexcept {
     return static_cast<BOOL>(SendMessage(PSM_SETCURSEL, static_cast<WPARAM>(page)));
   }
-  // With PSH_PROPTITLE the system adds words of its own.
+  // With PSH_PROPTITLE the system adds text to the title.
   void SetTitle(LPCTSTR title, UINT style = 0) noexcept {
     SendMessage(PSM_SETTITLE, style, reinterpret_cast<LPARAM>(title));
   }
-  // The sheet owns the page afterwards, unless it refused it.
+  // The sheet takes ownership of the page, unless it fails.
   BOOL AddPage(HPROPSHEETPAGE page) noexcept {
     return static_cast<BOOL>(SendMessage(PSM_ADDPAGE, 0, reinterpret_cast<LPARAM>(page)));
   }
-  // PSWIZB_ flags. Posted, so that a page may call it while it becomes the active one.
+  // PSWIZB_ flags. The message is posted, so that a page may call it in OnSetActive.
   void SetWizardButtons(DWORD buttons) noexcept {
     ::PostMessage(m_hWnd, PSM_SETWIZBUTTONS, 0, static_cast<LPARAM>(buttons));
   }
@@ -63,7 +62,8 @@ class CPropertySheetWindow : public ATL::CWindow {
   }
 };
 
-// A page that waits for its sheet, and goes with the last copy of that sheet if it is never shown.
+// A page that is added to a sheet but not shown yet. It is destroyed with the last copy of the sheet if it is never
+// shown.
 class PendingPropertyPage {
  public:
   explicit PendingPropertyPage(HPROPSHEETPAGE page) noexcept : page_(page) {}
@@ -72,21 +72,21 @@ class PendingPropertyPage {
   ~PendingPropertyPage() {
     if (page_) ::DestroyPropertySheetPage(page_);
   }
-  // For the system, which owns it from then on; null where a copy of the sheet has shown it.
+  // Passes the page to the system, which then owns it. Null if a copy of the sheet has shown it.
   HPROPSHEETPAGE hand_over() noexcept { return std::exchange(page_, nullptr); }
 
  private:
   HPROPSHEETPAGE page_;
 };
 
-// A sheet T of the application's, derived from this; before it is there, the members below prepare it.
+// A property sheet T, derived from this class. Before the sheet is created, the members below prepare it.
 //
 // T may have
-//     void OnSheetInitialized();     // the window is there and is the object's, its pages are not shown yet
+//     void OnSheetInitialized();     // the window exists and is subclassed; its pages are not shown yet
 template <class T, class TBase = CPropertySheetWindow>
 class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
  public:
-  // A text is not copied: it stays there until the sheet is.
+  // A text is not copied. It must be valid until the sheet is created.
   explicit CPropertySheetImpl(ATL::_U_STRINGorID title = static_cast<LPCTSTR>(nullptr), UINT startPage = 0,
                               HWND parent = nullptr)
       : m_psh{} {
@@ -98,19 +98,18 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     m_psh.nStartPage = startPage;
     m_psh.pfnCallback = T::PropSheetCallback;
   }
-  // Copies share the pages that wait to be shown: the first copy that is shown has them. Those that were never shown go
-  // with the last copy.
+  // Copies share the pages that are not shown yet; the first copy that is shown uses them. Pages that are never shown
+  // are destroyed with the last copy.
   CPropertySheetImpl(const CPropertySheetImpl&) = default;
   CPropertySheetImpl& operator=(const CPropertySheetImpl&) = default;
 
-  // Runs the sheet until the user closes it: greater than zero for OK or Finish, 0 for Cancel, -1 where it could not be
-  // made. The pages added so far are used up, so a second run needs pages of its own. The parent given earlier goes
-  // before the one given here.
+  // Runs the sheet. Returns a positive value for OK or Finish, 0 for Cancel, -1 on failure. The pages are used up: add
+  // pages again for a second run. The parent given to the constructor takes precedence.
   INT_PTR DoModal(HWND parent = ::GetActiveWindow()) {
     m_psh.dwFlags &= ~static_cast<DWORD>(PSH_MODELESS);
     return run(parent);
   }
-  // Makes a modeless sheet, which OK and Cancel destroy; null where it could not be made. Its messages need
+  // Creates a modeless sheet, which OK and Cancel close. Returns null on failure. Its messages need
   // PSM_ISDIALOGMESSAGE.
   HWND Create(HWND parent = nullptr) {
     m_psh.dwFlags |= PSH_MODELESS;
@@ -118,7 +117,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     return result == -1 ? nullptr : reinterpret_cast<HWND>(result);
   }
 
-  // As those of the sheet window if it is there; otherwise they say what it will begin with.
+  // If the window exists these are its methods; otherwise they set and return the initial values.
   int GetActiveIndex() const { return this->m_hWnd ? TBase::GetActiveIndex() : static_cast<int>(m_psh.nStartPage); }
   BOOL SetActivePage(int page) {
     if (this->m_hWnd) return TBase::SetActivePage(page);
@@ -132,14 +131,14 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     m_psh.dwFlags |= style;
     m_psh.pszCaption = title;
   }
-  // The page is the sheet's afterwards. FALSE, and the page still the caller's, where the sheet refused it.
+  // The sheet takes ownership of the page. On failure it returns FALSE, and the caller keeps the page.
   BOOL AddPage(HPROPSHEETPAGE page) {
     if (!page) return FALSE;
     if (this->m_hWnd) return TBase::AddPage(page);
     m_arrPages.push_back(std::make_shared<PendingPropertyPage>(page));
     return TRUE;
   }
-  // Makes a page of this description first.
+  // Creates a page from this description first.
   BOOL AddPage(LPCPROPSHEETPAGE description) {
     HPROPSHEETPAGE page = ::CreatePropertySheetPage(description);
     if (AddPage(page)) return TRUE;
@@ -154,21 +153,21 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     MESSAGE_HANDLER(WM_SYSCOMMAND, OnSysCommand)
   END_MSG_MAP()
 
-  // A modeless sheet that was closed has no page any more, and waits to be destroyed.
+  // A modeless sheet that was closed has no page, and is to be destroyed.
   LRESULT OnCommand(UINT uMsg, WPARAM wParam, LPARAM lParam, BOOL&) {
     LRESULT result = this->DefWindowProc(uMsg, wParam, lParam);
     bool closes = HIWORD(wParam) == BN_CLICKED && (LOWORD(wParam) == IDOK || LOWORD(wParam) == IDCANCEL);
     if (closes && is_modeless() && !this->GetActivePage()) this->DestroyWindow();
     return result;
   }
-  // The caption's button closes a modeless sheet as Cancel does.
+  // The close button of a modeless sheet acts like Cancel.
   LRESULT OnSysCommand(UINT, WPARAM wParam, LPARAM, BOOL& bHandled) {
     bHandled = is_modeless() && (wParam & 0xFFF0) == SC_CLOSE;
     if (bHandled) this->SendMessage(WM_COMMAND, MAKEWPARAM(IDCANCEL, BN_CLICKED));
     return 0;
   }
 
-  // Called by the system while it makes the sheet.
+  // Called by the system while it creates the sheet.
   static int CALLBACK PropSheetCallback(HWND hWnd, UINT uMsg, LPARAM) {
     if (uMsg != PSCB_INITIALIZED) return 0;
     auto* sheet = static_cast<CPropertySheetImpl*>(ATL::_AtlCreateWndData::Extract());
@@ -180,12 +179,12 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   }
 
   PROPSHEETHEADER m_psh;
-  std::vector<std::shared_ptr<PendingPropertyPage>> m_arrPages;  // those that wait for the sheet
+  std::vector<std::shared_ptr<PendingPropertyPage>> m_arrPages;  // not shown yet
 
  private:
   bool is_modeless() const { return (m_psh.dwFlags & PSH_MODELESS) != 0; }
 
-  // The system has them now.
+  // The system owns them now.
   void forget_pages() {
     m_psh.phpage = nullptr;
     m_psh.nPages = 0;
@@ -212,13 +211,13 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   }
 };
 
-// The sheet to use as it is.
+// A property sheet without handlers of its own.
 class CPropertySheet : public CPropertySheetImpl<CPropertySheet> {
  public:
   using CPropertySheetImpl::CPropertySheetImpl;
 };
 
-// A page that is there.
+// The handle of a page.
 class CPropertyPageWindow : public ATL::CWindow {
  public:
   CPropertyPageWindow(HWND window = nullptr) noexcept : CWindow(window) {}
@@ -230,25 +229,25 @@ class CPropertyPageWindow : public ATL::CWindow {
   CPropertySheetWindow GetPropertySheet() const noexcept { return CPropertySheetWindow(::GetParent(m_hWnd)); }
 };
 
-// A page T of the application's, made from the dialog resource T::IDD of the module's resources. The object stays until
-// the sheet is gone.
+// A page T, created from the dialog resource T::IDD in the module's resources. The object must exist until the sheet is
+// destroyed.
 //
 // T may have, instead of those below:
-//     BOOL OnSetActive();       // the page is to be shown; FALSE: it is passed over
-//     BOOL OnKillActive();      // ... to be left; FALSE: the user stays, after a message about what is wrong, say
-//     BOOL OnApply();           // OK or Apply; FALSE: the sheet stays open on its page
-//     void OnReset();           // the sheet is being cancelled
-//     BOOL OnQueryCancel();     // FALSE: it is not
-//     int OnWizardBack();       // 0: go; -1: stay; else the dialog identifier of the page to go to
+//     BOOL OnSetActive();       // the page is about to be shown; FALSE: skip it
+//     BOOL OnKillActive();      // about to be left; FALSE: stay on it
+//     BOOL OnApply();           // OK or Apply; FALSE: keep the sheet open on its page
+//     void OnReset();           // the sheet is cancelled
+//     BOOL OnQueryCancel();     // FALSE: do not cancel
+//     int OnWizardBack();       // 0: go; -1: stay; otherwise the dialog identifier of the page to go to
 //     int OnWizardNext();       // the same
-//     BOOL OnWizardFinish();    // FALSE: the wizard stays open
+//     BOOL OnWizardFinish();    // FALSE: keep the wizard open
 //     void OnHelp();            // the help button
 template <class T, class TBase = CPropertyPageWindow>
 class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   using Dialog = ATL::CDialogImplBaseT<TBase>;
 
  public:
-  // Without a title the page has the dialog's.
+  // Without a title the page has that of the dialog.
   explicit CPropertyPageImpl(ATL::_U_STRINGorID title = static_cast<LPCTSTR>(nullptr)) : m_psp{} {
     m_psp.dwSize = sizeof m_psp;
     m_psp.hInstance = ATL::_AtlBaseModule.GetResourceInstance();
@@ -260,7 +259,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
       m_psp.pszTitle = title.m_lpstr;
     }
   }
-  CPropertyPageImpl(const CPropertyPageImpl&) = delete;  // the system knows the object by its address
+  CPropertyPageImpl(const CPropertyPageImpl&) = delete;  // the system holds its address
   CPropertyPageImpl& operator=(const CPropertyPageImpl&) = delete;
 
   // For AddPage.
@@ -281,7 +280,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
     MESSAGE_HANDLER(WM_NOTIFY, OnNotify)
   END_MSG_MAP()
 
-  // Notifications of the sheet; those of controls are left to T's message map.
+  // Notifications of the sheet. Those of controls are left to the message map of T.
   LRESULT OnNotify(UINT, WPARAM, LPARAM lParam, BOOL& bHandled) {
     const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
     T& page = static_cast<T&>(*this);
@@ -316,7 +315,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   PROPSHEETPAGE m_psp;
 
  private:
-  // The page tells in WM_INITDIALOG which object it is for; from then on its messages are the object's.
+  // WM_INITDIALOG contains the object. From then on the object handles the messages of the page.
   static INT_PTR CALLBACK StartPageProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (uMsg != WM_INITDIALOG) return FALSE;
     auto* page = reinterpret_cast<CPropertyPageImpl*>(reinterpret_cast<const PROPSHEETPAGE*>(lParam)->lParam);
@@ -326,7 +325,7 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   }
 };
 
-// A page of nothing but a dialog.
+// A page without handlers of its own.
 template <WORD t_wDlgTemplateID>
 class CPropertyPage : public CPropertyPageImpl<CPropertyPage<t_wDlgTemplateID>> {
  public:

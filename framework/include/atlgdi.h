@@ -1,8 +1,8 @@
-// WTL's wrappers of drawing: device contexts, bitmaps and fonts.
+// WTL's wrappers of device contexts, bitmaps and fonts.
 //
-// Those with t_bManaged own their handle: the destructor deletes it, and so does assigning another one. The others,
-// named ...Handle, are a handle with methods and may be passed by value. A copy of either names the same object, so of
-// an owner and its copy one has to Detach().
+// A class with t_bManaged owns its handle: the destructor and an assignment delete it. The others, named ...Handle,
+// only hold a handle and may be passed by value. A copy refers to the same object; Detach() either the owner or its
+// copy.
 //
 //     CDC memory;
 //     memory.CreateCompatibleDC();
@@ -18,13 +18,13 @@
 #include <cstring>
 #include <utility>
 
-// Names of methods here, and macros of windowsx.h.
+// Methods here; windowsx.h has macros of these names.
 #undef SelectBitmap
 #undef SelectFont
 
 namespace WTL {
 
-// A bitmap of the device's format, or a DIB section.
+// A device-dependent bitmap or a DIB section.
 template <bool t_bManaged>
 class CBitmapT {
  public:
@@ -47,7 +47,7 @@ class CBitmapT {
     m_hBitmap = bitmap;
   }
   HBITMAP Detach() noexcept { return std::exchange(m_hBitmap, nullptr); }
-  // FALSE where there is none, or where it is still selected into a device context; then it is kept.
+  // Returns FALSE, and keeps the bitmap, if there is none or if it is selected into a device context.
   BOOL DeleteObject() noexcept {
     if (!m_hBitmap || !::DeleteObject(m_hBitmap)) return FALSE;
     m_hBitmap = nullptr;
@@ -64,7 +64,7 @@ class CBitmapT {
     return m_hBitmap;
   }
 
-  // Its description; false where there is no bitmap.
+  // Returns its description; false if there is no bitmap.
   bool GetBitmap(BITMAP& description) const noexcept {
     return ::GetObject(m_hBitmap, sizeof description, &description) == sizeof description;
   }
@@ -78,14 +78,14 @@ class CLogFont : public LOGFONT {
  public:
   CLogFont() noexcept : LOGFONT{} {}
   explicit CLogFont(const LOGFONT& description) noexcept : LOGFONT(description) {}
-  // That of an existing font.
+  // The description of an existing font.
   explicit CLogFont(HFONT font) noexcept : LOGFONT{} {
     ::GetObject(font, sizeof(LOGFONT), static_cast<LOGFONT*>(this));
   }
 
   void SetBold() noexcept { lfWeight = FW_BOLD; }
 
-  // The font, owned by the caller.
+  // Returns the font; the caller owns it.
   HFONT CreateFontIndirect() noexcept { return ::CreateFontIndirect(this); }
 
   static constexpr int points_per_inch = 72;
@@ -124,8 +124,8 @@ class CFontT {
     Attach(::CreateFontIndirect(description));
     return m_hFont;
   }
-  // A font of a face and a height in tenths of a point, for a device (null: the screen) with whatever mapping it has.
-  // A longer name than a face may have is cut.
+  // Creates a font from a face name and a height in tenths of a point, for a device (null: the screen) in its current
+  // mapping mode. A name that is too long is truncated.
   HFONT CreatePointFont(int tenthsOfAPoint, LPCTSTR face, HDC dc = nullptr, bool bold = false,
                         bool italic = false) noexcept {
     LOGFONT description{};
@@ -136,12 +136,12 @@ class CFontT {
     ::lstrcpyn(description.lfFaceName, face, LF_FACESIZE);
     return CreatePointFontIndirect(&description, dc);
   }
-  // The same with lfHeight in tenths of a point.
+  // The same, with lfHeight in tenths of a point.
   HFONT CreatePointFontIndirect(const LOGFONT* description, HDC dc = nullptr) noexcept {
     constexpr int tenths_of_a_point_per_inch = 10 * CLogFont::points_per_inch;
     HDC screen = dc ? nullptr : ::GetDC(nullptr);
     HDC device = dc ? dc : screen;
-    // Pixels from the device's origin, and then units from its window's: the distance of the two is the height.
+    // Convert two points from device to logical units: their distance is the height.
     POINT points[] = {{0, ::MulDiv(::GetDeviceCaps(device, LOGPIXELSY), static_cast<int>(description->lfHeight),
                                    tenths_of_a_point_per_inch)},
                       {0, 0}};
@@ -162,7 +162,7 @@ class CFontT {
 using CFontHandle = CFontT<false>;
 using CFont = CFontT<true>;
 
-// A device context. What is selected into it has to be selected out again before it is deleted.
+// A device context. Select the previous objects again before it is deleted.
 template <bool t_bManaged>
 class CDCT {
  public:
@@ -178,27 +178,26 @@ class CDCT {
     return *this;
   }
   operator HDC() const noexcept { return m_hDC; }
-  bool IsNull() const noexcept { return !m_hDC; }
 
   void Attach(HDC dc) noexcept {
     if (t_bManaged && m_hDC != dc) DeleteDC();
     m_hDC = dc;
   }
   HDC Detach() noexcept { return std::exchange(m_hDC, nullptr); }
-  // For one that CreateCompatibleDC made; one from GetDC or BeginPaint belongs to its window.
+  // For a context from CreateCompatibleDC. One from GetDC or BeginPaint is released by its own functions.
   BOOL DeleteDC() noexcept {
     if (!m_hDC || !::DeleteDC(m_hDC)) return FALSE;
     m_hDC = nullptr;
     return TRUE;
   }
 
-  // One in memory. Null stands for the screen.
+  // Creates a memory device context. Null: compatible with the screen.
   HDC CreateCompatibleDC(HDC dc = nullptr) noexcept {
     Attach(::CreateCompatibleDC(dc));
     return m_hDC;
   }
 
-  // What was selected before, for selecting it again.
+  // Returns the previous object, to be selected again.
   HBITMAP SelectBitmap(HBITMAP bitmap) noexcept { return static_cast<HBITMAP>(::SelectObject(m_hDC, bitmap)); }
   HFONT SelectFont(HFONT font) noexcept { return static_cast<HFONT>(::SelectObject(m_hDC, font)); }
   HBITMAP GetCurrentBitmap() const noexcept { return static_cast<HBITMAP>(::GetCurrentObject(m_hDC, OBJ_BITMAP)); }
@@ -214,18 +213,18 @@ class CDCT {
     return ::SetDIBitsToDevice(m_hDC, x, y, width, height, sourceX, sourceY, firstLine, lines, bits, info, usage);
   }
   BOOL FillRect(LPCRECT rect, HBRUSH brush) noexcept { return ::FillRect(m_hDC, rect, brush); }
-  // With one of the system's colours (COLOR_BTNFACE ...).
+  // With a system colour (COLOR_BTNFACE ...).
   BOOL FillRect(LPCRECT rect, int systemColor) noexcept { return FillRect(rect, ::GetSysColorBrush(systemColor)); }
   void FillSolidRect(LPCRECT rect, COLORREF color) noexcept {
     COLORREF old = ::SetBkColor(m_hDC, color);
     ::ExtTextOut(m_hDC, 0, 0, ETO_OPAQUE, rect, nullptr, 0, nullptr);
     ::SetBkColor(m_hDC, old);
   }
-  // The rectangle becomes what is left inside where the flags have BF_ADJUST.
+  // With BF_ADJUST the rectangle becomes the interior.
   BOOL DrawEdge(LPRECT rect, UINT edge, UINT flags) noexcept { return ::DrawEdge(m_hDC, rect, edge, flags); }
   BOOL DrawFocusRect(LPCRECT rect) noexcept { return ::DrawFocusRect(m_hDC, rect); }
 
-  // A length of -1 stands for the whole text.
+  // A length of -1 is the whole text.
   BOOL TextOut(int x, int y, LPCTSTR text, int length = -1) noexcept {
     return ::TextOut(m_hDC, x, y, text, length == -1 ? ::lstrlen(text) : length);
   }
@@ -240,7 +239,7 @@ class CDCT {
 using CDCHandle = CDCT<false>;
 using CDC = CDCT<true>;
 
-// Painting, from BeginPaint to EndPaint: for WM_PAINT.
+// Calls BeginPaint and EndPaint: for WM_PAINT.
 class CPaintDC : public CDC {
  public:
   explicit CPaintDC(HWND window) noexcept : m_hWnd(window) { Attach(::BeginPaint(window, &m_ps)); }
@@ -251,13 +250,13 @@ class CPaintDC : public CDC {
     Detach();
   }
 
-  PAINTSTRUCT m_ps{};  // what is to be painted
+  PAINTSTRUCT m_ps{};  // describes the area to paint
 
  private:
   HWND m_hWnd;
 };
 
-// A window's client area, or with null the screen, from GetDC to ReleaseDC.
+// The client area of a window, or with null the screen (GetDC, ReleaseDC).
 class CClientDC : public CDC {
  public:
   explicit CClientDC(HWND window) noexcept : CDC(::GetDC(window)), m_hWnd(window) {}
@@ -269,7 +268,7 @@ class CClientDC : public CDC {
   HWND m_hWnd;
 };
 
-// A whole window with its frame, or with null the screen, from GetWindowDC to ReleaseDC.
+// A window including its frame, or with null the screen (GetWindowDC, ReleaseDC).
 class CWindowDC : public CDC {
  public:
   explicit CWindowDC(HWND window) noexcept : CDC(::GetWindowDC(window)), m_hWnd(window) {}

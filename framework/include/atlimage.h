@@ -1,4 +1,4 @@
-// Images from files, as bitmaps of GDI.
+// Images from files, as GDI bitmaps.
 //
 //     CImage image;
 //     if (SUCCEEDED(image.Load("logo.png"))) control.SetBitmap(image.Detach());
@@ -9,11 +9,11 @@
 
 namespace ATL {
 
-// A bitmap that deletes itself, and what loads it: GDI+.
+// Owns a bitmap, and loads it through GDI+.
 //
-// GDI+ is started by the first Load in the process and shut down with the last CImage in it, whichever module each is
-// in. Starting and shutting it down must not happen in DllMain: a DLL that keeps a CImage in a global object calls
-// ReleaseGDIPlus before it is unloaded. Objects may be used on any thread, one thread at a time each.
+// The first Load in the process starts GDI+, and the last CImage shuts it down; both may be in any module. Neither may
+// happen in DllMain: a DLL with a global CImage calls ReleaseGDIPlus before it is unloaded. An object may be used on
+// any thread, on one thread at a time.
 class KEXFRAMEWORK_API CImage {
  public:
   CImage() noexcept;
@@ -21,36 +21,36 @@ class KEXFRAMEWORK_API CImage {
   CImage& operator=(const CImage&) = delete;
   virtual ~CImage() noexcept;
 
-  // Which way up the rows of an attached bitmap are. A bitmap itself does not tell.
+  // The order of the rows of an attached bitmap. The bitmap itself does not contain it.
   enum DIBOrientation { DIBOR_DEFAULT, DIBOR_TOPDOWN, DIBOR_BOTTOMUP };
 
-  // The bitmap, which stays the object's; null where there is none.
+  // Returns the bitmap without giving up ownership; null if there is none.
   operator HBITMAP() const noexcept { return m_hBitmap; }
 
-  // Takes over a bitmap, a DIB section or not; the one that was held is deleted. What the rows' order is does not
-  // matter to any member here.
+  // Takes ownership of a bitmap, DIB section or not, and deletes the previous one. No member of this subset depends on
+  // the order of rows.
   void Attach(HBITMAP bitmap, DIBOrientation orientation = DIBOR_DEFAULT) noexcept;
-  // Hands the bitmap out: the caller deletes it (DeleteObject).
+  // Returns the bitmap; the caller deletes it (DeleteObject).
   HBITMAP Detach() noexcept;
   // Deletes the bitmap.
   void Destroy() noexcept;
   bool IsNull() const noexcept { return !m_hBitmap; }
 
-  // In pixels. There has to be a bitmap; without one they are 0.
+  // In pixels; 0 without a bitmap.
   int GetWidth() const noexcept;
   int GetHeight() const noexcept;
-  // Bits of a pixel.
+  // Bits per pixel.
   int GetBPP() const noexcept;
 
-  // Loads an image file of any format that GDI+ reads, whatever the file is called, into a DIB section: 32 bits a pixel
-  // with the file's alpha, not multiplied into the colours, where it has alpha; its own depth and palette where it is
-  // palettized; 24 bits otherwise. The bitmap that was held is deleted once the new one is there; the file is closed.
+  // Loads an image file of any format that GDI+ reads into a DIB section; the file's extension does not matter. The
+  // section has 32 bits per pixel, with straight alpha, if the file has alpha. A palette image keeps its depth and
+  // palette. All others have 24 bits per pixel. On success the previous bitmap is deleted. The file is closed.
   //
-  // E_FAIL where there is no such file, it is no image or a damaged one, or GDI+ does not start; E_OUTOFMEMORY;
-  // E_INVALIDARG for a null name. The object then keeps what it held.
+  // Returns E_FAIL if the file does not exist or is no valid image, or if GDI+ does not start; E_OUTOFMEMORY;
+  // E_INVALIDARG for a null name. The object then keeps its bitmap.
   HRESULT Load(LPCTSTR fileName) noexcept;
 
-  // Shuts GDI+ down now, as the last CImage would; a later Load starts it again.
+  // Shuts GDI+ down, as the last CImage would. A later Load starts it again.
   static void ReleaseGDIPlus() noexcept;
 
  private:

@@ -1,4 +1,4 @@
-// WTL's geometry: the system's SIZE, POINT and RECT with operations.
+// WTL's geometry: SIZE, POINT and RECT with operations.
 #ifndef FRAMEWORK_ATLMISC_H
 #define FRAMEWORK_ATLMISC_H
 
@@ -19,7 +19,7 @@ class CSize : public SIZE {
   bool operator==(SIZE other) const noexcept { return cx == other.cx && cy == other.cy; }
 };
 
-// A place, in pixels from some origin.
+// A point, in pixels.
 class CPoint : public POINT {
  public:
   CPoint() noexcept : POINT{} {}
@@ -29,7 +29,7 @@ class CPoint : public POINT {
   bool operator==(POINT other) const noexcept { return x == other.x && y == other.y; }
 };
 
-// A rectangle. Its right and bottom edges are the first that lie outside.
+// A rectangle. The right and bottom edges are exclusive.
 class CRect : public RECT {
  public:
   CRect() noexcept : RECT{} {}
@@ -51,7 +51,7 @@ class CRect : public RECT {
   // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): the analyzer loses sight of a CPoint's base
   BOOL PtInRect(POINT point) const noexcept { return ::PtInRect(this, point); }
 
-  // Moves each edge outwards, or inwards for a negative distance.
+  // Moves each edge outwards; a negative distance moves it inwards.
   void InflateRect(int x, int y) noexcept { ::InflateRect(this, x, y); }
   void DeflateRect(int x, int y) noexcept { ::InflateRect(this, -x, -y); }
   void OffsetRect(int x, int y) noexcept { ::OffsetRect(this, x, y); }

@@ -1,29 +1,28 @@
-// The buffer of a CString: counted, shared between copies, split off at the first write (copy-on-write).
+// The buffer of a CString: reference-counted, shared between copies, copied on write.
 #ifndef FRAMEWORK_ATLSIMPSTR_H
 #define FRAMEWORK_ATLSIMPSTR_H
+
+#include <atldef.h>
 
 #include <climits>
 #include <cstring>
 #include <cwchar>
 #include <utility>
 
-#include <atldef.h>
-
 namespace ATL {
 
 struct CStringData;
 
-// Memory of string buffers. It is taken and given back in one place, so that it does not matter which module made a
-// string and which one lets go of it last. Null where there is none.
+// Allocates and frees string buffers. By design in kexframework.dll: a string may be freed by a module other than the
+// one that made it. Returns null if no memory is left.
 KEXFRAMEWORK_API CStringData* AllocateStringData(size_t bytes) noexcept;
 KEXFRAMEWORK_API void FreeStringData(CStringData* data) noexcept;
 
-// What stands before the characters of every string. The count is atomic: copies of one string may live on different
-// threads.
+// The header in front of the characters. The count is atomic: copies of a string may be used on different threads.
 struct CStringData {
-  int nDataLength;   // characters, without the terminator
-  int nAllocLength;  // room for characters, without the terminator
-  long nRefs;        // owners; 0 for the one empty string, which nobody owns
+  int nDataLength;   // length in characters, without the terminator
+  int nAllocLength;  // capacity in characters, without the terminator
+  long nRefs;        // number of owners; 0: the shared empty string, which is never freed
 
   void* data() { return this + 1; }
   bool IsShared() const { return nRefs != 1; }
@@ -35,14 +34,13 @@ struct CStringData {
   }
 };
 
-// The buffer of all empty strings, one for the process, so that it outlives each module; its text is in the zeros of
-// the second element.
+// The buffer of all empty strings. There is one in the process, so that it outlives every module; its text is the zeros
+// of the second element.
 extern KEXFRAMEWORK_API CStringData g_nilString[2];
 
-// Owns one count of a buffer. CStringT adds what knows about text.
+// Owns one reference to a buffer. CStringT adds the text functions.
 //
-// Indices are checked: one outside 0..GetLength() throws E_INVALIDARG through AtlThrow. The index GetLength() reads the
-// terminator.
+// An index outside 0..GetLength() throws E_INVALIDARG (AtlThrow). Index GetLength() reads the terminator.
 template <typename BaseType>
 class CSimpleStringT {
  public:
@@ -76,10 +74,10 @@ class CSimpleStringT {
   }
   XCHAR operator[](int index) const { return GetAt(index); }
 
-  // Lets go of the text, and of the buffer.
+  // Releases the text and the buffer.
   void Empty() noexcept { std::exchange(m_data, g_nilString)->Release(); }
 
-  // Replaces the text. The source may lie inside this string's own buffer.
+  // Replaces the text. The source may be inside this string's own buffer.
   void SetString(PCXSTR text) { SetString(text, length_of(text)); }
   void SetString(PCXSTR text, int length) {
     if (length == 0) return Empty();
@@ -88,7 +86,7 @@ class CSimpleStringT {
       *this = CSimpleStringT(text, length);
       return;
     }
-    if (m_data->IsShared()) Empty();  // what is replaced need not be copied
+    if (m_data->IsShared()) Empty();  // avoids a copy of the text that is replaced
     std::memcpy(GetBuffer(length), text, bytes(length));
     ReleaseBufferSetLength(length);
   }
@@ -103,14 +101,15 @@ class CSimpleStringT {
     }
     int start = GetLength();
     int room = start + length;
-    // Half as much again, so that appending a character at a time stays linear.
+    // Grows by half, so that repeated appends take linear time.
     if (room > m_data->nAllocLength && start) room += start / 2;
     std::memcpy(GetBuffer(room) + start, text, bytes(length));
     ReleaseBufferSetLength(start + length);
   }
 
-  // The buffer for writing, of this string alone from now on; at least `room` characters and a terminator fit. The
-  // pointer holds until the next call that writes; a copy made meanwhile shares what is written through it.
+  // Returns the buffer for writing. It is not shared, and has space for `room` characters and a terminator. The pointer
+  // is valid until the next call that modifies the string. By design: a copy made before that shares the buffer, and
+  // sees later writes through the pointer.
   PXSTR GetBuffer() { return GetBuffer(GetLength()); }
   PXSTR GetBuffer(int room) {
     check(room >= 0 && room < INT_MAX / 2);
@@ -122,7 +121,7 @@ class CSimpleStringT {
     ReleaseBufferSetLength(length);
     return buffer;
   }
-  // Ends a write: the text ends at its first terminator, or at `length`.
+  // Ends a write through GetBuffer. The text ends at its first terminator, or at `length`.
   void ReleaseBuffer(int length = -1) {
     if (length < 0) {
       length = 0;
@@ -145,7 +144,7 @@ class CSimpleStringT {
     else
       return lstrlenW(text);
   }
-  // Whether a text begins in this string's own.
+  // Whether the text is inside this string's own buffer.
   bool is_inside(PCXSTR text) const { return text >= GetString() && text <= GetString() + GetLength(); }
   static size_t bytes(int length) { return static_cast<size_t>(length) * sizeof(XCHAR); }
   static void check(bool holds) {
@@ -153,7 +152,7 @@ class CSimpleStringT {
   }
 
  private:
-  // Gives this string a buffer of its own that holds its text and has this room at least.
+  // Makes the buffer unshared, with at least this capacity.
   void fork(int room) {
     if (room < GetLength()) room = GetLength();
     CStringData* own = AllocateStringData(sizeof(CStringData) + bytes(room + 1));

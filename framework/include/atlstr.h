@@ -4,11 +4,11 @@
 
 #include <cstringt.h>
 
-// The module that holds a string resource: the application's, or one of the modules that it looks through. Null where
-// none does.
+// Returns the module that contains a string resource: the module whose state is current, or a library
+// (CDynLinkLibrary). Null if none does.
 KEXFRAMEWORK_API HINSTANCE AfxFindStringResourceHandle(UINT id);
 
-// Text as the run-time library reads it, with string resources looked up through the application.
+// Character functions of the run-time library; string resources are found through the application.
 template <typename CharType, class StringIterator = ATL::ChTraitsCRT<CharType>>
 class StrTraitMFC_DLL : public StringIterator {
  public:

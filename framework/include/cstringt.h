@@ -2,19 +2,18 @@
 #ifndef FRAMEWORK_CSTRINGT_H
 #define FRAMEWORK_CSTRINGT_H
 
+#include <atlconv.h>
+#include <atlsimpstr.h>
 #include <mbstring.h>
 
 #include <compare>
 #include <cstdarg>
 #include <cstdio>
 
-#include <atlconv.h>
-#include <atlsimpstr.h>
-
 namespace ATL {
 
-// How text of a character type is read. Narrow text may be of a double-byte code page, in which the second byte of a
-// character can look like a letter or a backslash: it is searched by whole characters.
+// Character functions of the run-time library. Narrow text may be in a double-byte code page, in which the second byte
+// of a character can equal a letter or a backslash: searches go by whole characters.
 template <typename CharType>
 class ChTraitsCRT;
 
@@ -26,7 +25,7 @@ class ChTraitsCRT<char> {
   static int StringCompareIgnore(const char* a, const char* b) { return _mbsicmp(bytes(a), bytes(b)); }
   static const char* StringFindString(const char* text, const char* part) {
     const char* found = std::strstr(text, part);
-    // What begins with the second byte of a character is none.
+    // A match that starts at the second byte of a character does not count.
     for (; found && !is_at_character(text, found); found = std::strstr(found + 1, part)) {
     }
     return found;
@@ -34,7 +33,7 @@ class ChTraitsCRT<char> {
   static const char* StringFindChar(const char* text, char character) {
     return reinterpret_cast<const char*>(_mbschr(bytes(text), static_cast<unsigned char>(character)));
   }
-  // The standard's rules: exact digits, ties to even, "inf" and "nan". Negative where the format is not valid.
+  // Formats by the C standard: exact digits, ties to even, "inf" and "nan". Negative if the format is invalid.
   static int Format(char* buffer, int room, const char* format, va_list arguments) {
     return vsnprintf(buffer, static_cast<size_t>(room), format, arguments);
   }
@@ -62,7 +61,7 @@ class ChTraitsCRT<wchar_t> {
   static int StringCompareIgnore(const wchar_t* a, const wchar_t* b) { return _wcsicmp(a, b); }
   static const wchar_t* StringFindString(const wchar_t* text, const wchar_t* part) { return std::wcsstr(text, part); }
   static const wchar_t* StringFindChar(const wchar_t* text, wchar_t character) { return std::wcschr(text, character); }
-  // The old run-time library's rules, in which %s is wide.
+  // Formats by the rules of the system's run-time library, in which %s is wide.
   static int Format(wchar_t* buffer, int room, const wchar_t* format, va_list arguments) {
     if (!buffer) return _vscwprintf(format, arguments);
     return _vsnwprintf(buffer, static_cast<size_t>(room), format, arguments);
@@ -75,10 +74,10 @@ class ChTraitsCRT<wchar_t> {
   }
 };
 
-// A string of characters, shared with its copies until one of them is written. Text of the other character type is
-// converted in the calling thread's code page.
+// A string that shares its buffer with its copies until one of them is modified. Text of the other character type is
+// converted in the code page of the calling thread.
 //
-// StringTraits derives from ChTraitsCRT and says where LoadString(UINT) looks.
+// StringTraits derives from ChTraitsCRT and finds the module for LoadString(UINT).
 template <typename BaseType, class StringTraits>
 class CStringT : public CSimpleStringT<BaseType> {
   using Base = CSimpleStringT<BaseType>;
@@ -86,7 +85,6 @@ class CStringT : public CSimpleStringT<BaseType> {
  public:
   using XCHAR = BaseType;
   using YCHAR = typename StringTraits::OtherChar;
-  using PXSTR = XCHAR*;
   using PCXSTR = const XCHAR*;
   using PCYSTR = const YCHAR*;
 
@@ -98,10 +96,10 @@ class CStringT : public CSimpleStringT<BaseType> {
     Base::check(length >= 0);
     convert(text, length);
   }
-  // `count` times the character.
+  // The character, `count` times.
   explicit CStringT(XCHAR character, int count = 1) {
     Base::check(count >= 0);
-    PXSTR buffer = this->GetBufferSetLength(count);
+    XCHAR* buffer = this->GetBufferSetLength(count);
     for (int i = 0; i < count; ++i) buffer[i] = character;
   }
 
@@ -134,7 +132,7 @@ class CStringT : public CSimpleStringT<BaseType> {
   friend CStringT operator+(const CStringT& a, XCHAR b) { return CStringT(a) += b; }
   friend CStringT operator+(XCHAR a, const CStringT& b) { return CStringT(a) += b; }
 
-  // Less than, equal to or greater than zero, by character code. To compare with null throws E_INVALIDARG.
+  // Returns less than, equal to or greater than zero, by character code. Null throws E_INVALIDARG.
   int Compare(PCXSTR text) const {
     Base::check(text != nullptr);
     return StringTraits::StringCompare(this->GetString(), text);
@@ -148,7 +146,7 @@ class CStringT : public CSimpleStringT<BaseType> {
   friend auto operator<=>(const CStringT& a, const CStringT& b) { return a.Compare(b) <=> 0; }
   friend auto operator<=>(const CStringT& a, PCXSTR b) { return a.Compare(b) <=> 0; }
 
-  // The place of the first occurrence at or after `start`, or -1. Null occurs nowhere.
+  // Returns the index of the first occurrence at or after `start`, or -1. Null is never found.
   int Find(PCXSTR part, int start = 0) const {
     if (!part) return -1;
     return place(start, [&](PCXSTR from) { return StringTraits::StringFindString(from, part); });
@@ -157,7 +155,7 @@ class CStringT : public CSimpleStringT<BaseType> {
     return place(start, [&](PCXSTR from) { return StringTraits::StringFindChar(from, character); });
   }
 
-  // Parts of the text; what lies outside it is left away.
+  // A part of the text. The range is limited to the text.
   CStringT Mid(int first, int count) const {
     if (first < 0) first = 0;
     if (first > this->GetLength()) first = this->GetLength();
@@ -169,8 +167,8 @@ class CStringT : public CSimpleStringT<BaseType> {
   CStringT Mid(int first) const { return Mid(first, this->GetLength()); }
   CStringT Left(int count) const { return Mid(0, count); }
 
-  // Exchanges every occurrence of a text and says how many there were. An empty old text exchanges nothing; a null new
-  // text takes the old one away.
+  // Replaces every occurrence and returns how many there were. An empty old text replaces nothing; a null new text
+  // deletes the old one.
   int Replace(PCXSTR oldText, PCXSTR newText) {
     int oldLength = Base::length_of(oldText);
     if (!oldLength) return 0;
@@ -188,7 +186,8 @@ class CStringT : public CSimpleStringT<BaseType> {
     *this = std::move(result);
     return count;
   }
-  // Exchanges a character; the buffer is split off only if it occurs. The terminator is none of the text's characters.
+  // Replaces a character. The buffer becomes unshared only if the character occurs. The terminator is not a character
+  // of the text.
   int Replace(XCHAR oldCharacter, XCHAR newCharacter) {
     if (oldCharacter == newCharacter || !oldCharacter) return 0;
     int count = 0;
@@ -196,8 +195,8 @@ class CStringT : public CSimpleStringT<BaseType> {
     return count;
   }
 
-  // As printf does. A narrow text takes %s as narrow, a wide one as wide; a null %s is "(null)". A format that the
-  // run-time library refuses throws E_FAIL and leaves the text as it was.
+  // Formats like printf. %s has the string's own character type; a null %s is "(null)". A format that the run-time
+  // library rejects throws E_FAIL and leaves the text unchanged.
   void Format(PCXSTR format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -209,9 +208,9 @@ class CStringT : public CSimpleStringT<BaseType> {
     *this = std::move(text);
   }
 
-  // The string resource with this identifier. FALSE, and the text as it was, where there is none or it is empty.
+  // Loads a string resource. Returns FALSE, and leaves the text unchanged, if the resource does not exist or is empty.
   BOOL LoadString(HINSTANCE instance, UINT id) {
-    // With no room given, the system tells where the text lies in the resources.
+    // With a size of 0 the system returns a pointer to the resource.
     LPCWSTR resource = nullptr;
     int length = ::LoadStringW(instance, id, reinterpret_cast<LPWSTR>(&resource), 0);
     if (length <= 0) return FALSE;
@@ -241,7 +240,7 @@ class CStringT : public CSimpleStringT<BaseType> {
     return found ? static_cast<int>(found - this->GetString()) : -1;
   }
 
-  // Where nothing moves, no second buffer is needed.
+  // For texts of equal length: no second buffer is needed.
   int overwrite(PCXSTR oldText, PCXSTR newText, int length) {
     int count = 0;
     for (int at = 0; (at = Find(oldText, at)) >= 0; at += length, ++count)

@@ -31,7 +31,8 @@ UINT get_control_message() {
   return message;
 }
 
-// An object that is no OLE object has no window and no site: the host only keeps it. The system's library refuses it.
+// An object without IOleObject has no window and no site. The system's library refuses it, so the host only holds a
+// reference.
 constexpr char plain_object[] = "kexframework.PlainObject";
 
 IUnknown* plain_object_of(HWND window) { return static_cast<IUnknown*>(GetPropA(window, plain_object)); }
@@ -50,7 +51,7 @@ void release_plain_object(HWND window) {
   if (auto* object = static_cast<IUnknown*>(RemovePropA(window, plain_object))) object->Release();
 }
 
-// Whether the window has the control that its text names, or names none yet.
+// Whether the window has the control that its text names. True if the text names none.
 bool has_its_control(HWND window, LPCSTR name) {
   if (!name || !*name) return true;
   const CA2W wide(name);
@@ -59,12 +60,12 @@ bool has_its_control(HWND window, LPCSTR name) {
          (SUCCEEDED(host().create_control(wide, window, nullptr, &container)) || keep_plain_object(window, wide));
 }
 
-// The library takes the window over when it makes the control; what it leaves unanswered comes here.
+// The library subclasses the window when it creates the control. Messages that it does not handle arrive here.
 LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   if (message == WM_CREATE) {
     try {
       return has_its_control(window, reinterpret_cast<const CREATESTRUCTA*>(lParam)->lpszName) ? 0 : -1;
-    } catch (CException* exception) {  // a text that cannot be converted
+    } catch (CException* exception) {  // the text cannot be converted
       exception->Delete();
       return -1;
     }
@@ -85,7 +86,7 @@ LRESULT CALLBACK host_procedure(HWND window, UINT message, WPARAM wParam, LPARAM
 
 BOOL AtlAxWinInit() {
   if (!host().there) return FALSE;
-  // A class of the whole process: whichever module makes the window names it by its own instance.
+  // A global class (CS_GLOBALCLASS): each module creates windows of it with its own instance.
   static CWndClassInfo info = {{sizeof(WNDCLASSEX), CS_GLOBALCLASS | CS_DBLCLKS, host_procedure, 0, 0, nullptr, nullptr,
                                 nullptr, reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1), nullptr, ATLAXWIN_CLASS, nullptr},
                                nullptr};

@@ -1,8 +1,8 @@
 #include <afx.h>
 
-#include <algorithm>
-
 #include <framework/error_text.h>
+
+#include <algorithm>
 
 namespace {
 
@@ -53,7 +53,7 @@ UINT CArchive::Read(void* buffer, UINT count) {
   std::copy_n(m_buffer.data() + m_at, done, to);
   m_at += done;
   while (done < count) {
-    // What is as large as the buffer goes past it.
+    // Data of the size of the buffer or more is written directly.
     UINT rest = count - done;
     if (rest >= m_buffer.size()) {
       UINT got = m_file->Read(to + done, rest);
@@ -97,7 +97,7 @@ void CArchive::Close() {
 }
 
 void CArchive::ReadWhole(void* value, UINT size) {
-  // Into a place of its own, so that the value stays as it was where the file ends within it.
+  // Read into a copy: if the file ends inside the value, the value does not change.
   BYTE bytes[8];
   if (Read(bytes, size) != size) AfxThrowArchiveException(CArchiveException::endOfFile, m_fileName);
   std::copy_n(bytes, size, static_cast<BYTE*>(value));

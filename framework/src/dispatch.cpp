@@ -1,6 +1,6 @@
-#include <framework/dispatch.h>
-
 #include <afxdisp.h>
+
+#include <framework/dispatch.h>
 
 #include <cstring>
 
@@ -8,7 +8,7 @@ namespace framework {
 
 namespace {
 
-// One argument as the variant that is sent.
+// Reads one argument as the variant to send.
 void take_argument(CComVariant* target, VARTYPE type, va_list* arguments) {
   switch (type) {
     case VT_I2:
@@ -41,7 +41,7 @@ void take_argument(CComVariant* target, VARTYPE type, va_list* arguments) {
   target->vt = type;
 }
 
-// The variant, which has the type already or is empty and counts as 0, as what `result` points to.
+// Stores the variant, which has the type or is empty (0), in the variable that `result` points to.
 void store(CComVariant* value, VARTYPE type, void* result) {
   switch (type) {
     case VT_EMPTY:
@@ -66,10 +66,10 @@ void store(CComVariant* value, VARTYPE type, void* result) {
       break;
     case VT_DISPATCH:
       *static_cast<IDispatch**>(result) = value->pdispVal;
-      value->vt = VT_EMPTY;  // its reference is the caller's now
+      value->vt = VT_EMPTY;  // the caller has the reference now
       break;
     default:
-      break;  // can_be_stored has refused it
+      break;  // can_be_stored rejects other types
   }
 }
 
@@ -89,7 +89,7 @@ bool can_be_stored(VARTYPE type) {
   }
 }
 
-// An object's exception information, whose texts are the receiver's.
+// The exception information of an object. The receiver frees its texts.
 struct ExceptionInformation : EXCEPINFO {
   ExceptionInformation() : EXCEPINFO{} {}
   ExceptionInformation(const ExceptionInformation&) = delete;
@@ -150,7 +150,7 @@ void invoke(IDispatch* object, DISPID id, WORD flags, VARTYPE resultType, void* 
 void set_property(IDispatch* object, DISPID id, VARTYPE type, va_list argument) {
   Arguments value(1);
   take_argument(&value[0], type, &argument);
-  // An object is not copied into the property but referred to.
+  // By design objects are set by reference: callers rely on DISPATCH_PROPERTYPUTREF.
   WORD flags = type == VT_DISPATCH ? DISPATCH_PROPERTYPUTREF : DISPATCH_PROPERTYPUT;
   invoke(object, id, flags, VT_EMPTY, nullptr, std::move(value));
 }

@@ -1,6 +1,6 @@
-#include <framework/error_text.h>
-
 #include <atlstr.h>
+
+#include <framework/error_text.h>
 
 #include <cstring>
 

@@ -5,10 +5,10 @@
 
 namespace {
 
-// Made with the module, since there may be no memory left when it is needed.
+// Allocated when the module is loaded: later there may be no memory for it.
 CMemoryException memory_exception(false);
 
-// The answer of exceptions that always say the same, and have no help.
+// GetErrorMessage of exceptions with a fixed text and no help context.
 BOOL say(const char* text, LPTSTR message, UINT room, UINT* helpContext) {
   if (helpContext) *helpContext = 0;
   return framework::give_text(text, message, room);

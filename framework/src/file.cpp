@@ -90,12 +90,8 @@ void CFile::Write(const void* buffer, UINT count) {
   DWORD done = 0;
   if (!WriteFile(m_hFile, buffer, count, &done, nullptr))
     CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_path);
-  // The system may write less and call that a success: there was no room for more.
+  // The system may write fewer bytes and report success: the disk is full.
   if (done != count) AfxThrowFileException(CFileException::diskFull, -1, m_path);
-}
-
-void CFile::Flush() {
-  if (!FlushFileBuffers(m_hFile)) CFileException::ThrowOsError(static_cast<LONG>(GetLastError()), m_path);
 }
 
 ULONGLONG CFile::Seek(LONGLONG offset, UINT from) {

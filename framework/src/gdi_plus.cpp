@@ -1,7 +1,7 @@
-#include <framework/gdi_plus.h>
-
 #include <atlbase.h>
 #include <gdiplus.h>
+
+#include <framework/gdi_plus.h>
 
 namespace framework::gdi_plus {
 
@@ -9,7 +9,7 @@ namespace {
 
 CComAutoCriticalSection guard;
 unsigned users = 0;
-ULONG_PTR token = 0;  // 0 while GDI+ is not started
+ULONG_PTR token = 0;  // 0: GDI+ is not started
 
 void shut_down_guarded() noexcept {
   if (token) Gdiplus::GdiplusShutdown(token);

@@ -1,9 +1,9 @@
-#include <atlimage.h>
-
 #include <afx.h>
+#include <atlimage.h>
 #include <atlconv.h>
-#include <framework/gdi_plus.h>
 #include <gdiplus.h>
+
+#include <framework/gdi_plus.h>
 
 #include <algorithm>
 #include <cstring>
@@ -26,7 +26,7 @@ struct DeleteBitmap {
 };
 using OwnedSection = std::unique_ptr<std::remove_pointer_t<HBITMAP>, DeleteBitmap>;
 
-// The header of a DIB and the longest palette behind it, as CreateDIBSection wants them.
+// The header of a DIB and the longest possible palette, for CreateDIBSection.
 struct Description {
   BITMAPINFOHEADER header{};
   RGBQUAD palette[256]{};
@@ -34,7 +34,7 @@ struct Description {
 
 HRESULT result_of(GpStatus status) { return status == OutOfMemory ? E_OUTOFMEMORY : E_FAIL; }
 
-// The pixels as the file has them, as far as a DIB can hold them.
+// Copies the pixels in the format of the file, as far as a DIB supports it.
 PixelFormat format_of_section(PixelFormat format) {
   if (IsIndexedPixelFormat(format)) return format;
   return IsAlphaPixelFormat(format) ? PixelFormat32bppARGB : PixelFormat24bppRGB;
@@ -88,7 +88,7 @@ HRESULT convert(GpBitmap* bitmap, OwnedSection* target) {
   Rect all(0, 0, static_cast<INT>(width), static_cast<INT>(height));
   status = GdipBitmapLockBits(bitmap, &all, ImageLockModeRead, format, &data);
   if (status != Ok) return result_of(status);
-  // GDI+ goes from the top row down, the section from the bottom row up.
+  // The rows of GDI+ start at the top, those of the section at the bottom.
   size_t used = (static_cast<size_t>(width) * header.biBitCount + 7) / 8;
   size_t pitch = (used + 3) / 4 * 4;
   const auto* row = static_cast<const BYTE*>(data.Scan0);

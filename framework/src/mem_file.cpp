@@ -36,14 +36,12 @@ void CMemFile::Write(const void* buffer, UINT count) {
   m_position += count;
 }
 
-void CMemFile::Flush() {}
-
 ULONGLONG CMemFile::Seek(LONGLONG offset, UINT from) {
   if (from > end) AfxThrowFileException(CFileException::genericException, ERROR_INVALID_PARAMETER);
   LONGLONG start = 0;
   if (from == current) start = static_cast<LONGLONG>(m_position);
   if (from == end) start = static_cast<LONGLONG>(m_bytes.size());
-  // Neither before the beginning nor beyond what a position can say.
+  // Not before the beginning, and not beyond the range of a position.
   if (offset < -start || offset > LLONG_MAX - start) AfxThrowFileException(CFileException::badSeek);
   m_position = static_cast<size_t>(start + offset);
   return m_position;

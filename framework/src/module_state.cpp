@@ -2,7 +2,8 @@
 
 namespace {
 
-// One for the process. The application object may be made before it otherwise, in another module's static objects.
+// One for the process. Made at first use: a static object in another module may create the application object before
+// this module's own are initialised.
 AFX_MODULE_STATE& program_state() {
   static AFX_MODULE_STATE state;
   return state;

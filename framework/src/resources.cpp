@@ -6,7 +6,7 @@
 
 namespace {
 
-// The modules that offer their resources, the newest last.
+// The modules whose resources are available to the program, the newest last.
 struct Libraries {
   std::mutex lock;
   std::vector<CDynLinkLibrary*> list;
@@ -17,7 +17,7 @@ Libraries& libraries() {
   return all;
 }
 
-// The first module that holds something, in the order in which they are looked through; null where none does.
+// Returns the first module for which `holds` is true, in the order of the search; null if there is none.
 template <typename Holds>
 HINSTANCE first_module(Holds holds) {
   if (holds(AfxGetResourceHandle())) return AfxGetResourceHandle();
@@ -46,7 +46,7 @@ HINSTANCE AfxFindResourceHandle(LPCSTR name, LPCSTR type) {
 }
 
 HINSTANCE AfxFindStringResourceHandle(UINT id) {
-  // Not by FindResource: the system keeps strings in blocks of sixteen, in which this one may be missing.
+  // Not FindResource: strings are stored in blocks of sixteen, and a block may lack this string.
   const wchar_t* text = nullptr;
   return first_module(
       [&](HINSTANCE module) { return LoadStringW(module, id, reinterpret_cast<LPWSTR>(&text), 0) > 0; });

@@ -19,5 +19,3 @@ CEvent::CEvent(BOOL initiallyOwn, BOOL manualReset, LPCTSTR name, LPSECURITY_ATT
 BOOL CEvent::SetEvent() { return ::SetEvent(m_hObject); }
 
 BOOL CEvent::ResetEvent() { return ::ResetEvent(m_hObject); }
-
-BOOL CEvent::Unlock() { return TRUE; }

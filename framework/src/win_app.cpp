@@ -12,7 +12,7 @@ CWinApp::CWinApp(LPCTSTR appName)
 }
 
 CWinApp::~CWinApp() {
-  m_hThread = nullptr;  // it names whatever thread asks, and is not to be closed
+  m_hThread = nullptr;  // a pseudo-handle, which is not to be closed
   if (m_state->m_pCurrentWinApp == this) m_state->m_pCurrentWinApp = nullptr;
 }
 

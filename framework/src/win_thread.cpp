@@ -1,10 +1,10 @@
 #include <afxwin.h>
+#include <process.h>
 
 #include <framework/current_thread.h>
 
-#include <process.h>
-
 #include <memory>
+#include <new>
 
 namespace {
 
@@ -32,7 +32,7 @@ CWinThread::~CWinThread() {
 BOOL CWinThread::CreateThread(DWORD createFlags, UINT stackSize, LPSECURITY_ATTRIBUTES security) {
   if (m_hThread || !m_procedure) return FALSE;
   m_pMainWnd = AfxGetMainWnd();
-  // Suspended at first: the object has to be complete, and may be gone as soon as the thread runs.
+  // Created suspended: the thread may delete the object as soon as it runs, so the object must be complete before.
   unsigned id = 0;
   uintptr_t handle = _beginthreadex(security, stackSize, &Entry, this, createFlags | CREATE_SUSPENDED, &id);
   if (!handle) return FALSE;
@@ -42,7 +42,7 @@ BOOL CWinThread::CreateThread(DWORD createFlags, UINT stackSize, LPSECURITY_ATTR
   return TRUE;
 }
 
-// noexcept: there is nobody whom an exception out of a thread could reach.
+// noexcept: an exception that leaves the function terminates the program.
 unsigned CWinThread::Entry(void* object) noexcept {
   auto* thread = static_cast<CWinThread*>(object);
   current_thread = thread;
@@ -55,7 +55,7 @@ unsigned CWinThread::Entry(void* object) noexcept {
 BOOL CWinThread::InitInstance() { return FALSE; }
 
 int CWinThread::Run() {
-  // -1 is a failure, which a second call would not mend.
+  // -1 is an error, which another call would repeat.
   while (GetMessageA(&m_message, nullptr, 0, 0) > 0) {
     TranslateMessage(&m_message);
     DispatchMessageA(&m_message);
@@ -71,10 +71,10 @@ void CWinThread::Delete() {
 
 CWinThread* AfxBeginThread(AFX_THREADPROC procedure, LPVOID parameter, int priority, UINT stackSize, DWORD createFlags,
                            LPSECURITY_ATTRIBUTES security) {
-  auto thread = std::make_unique<CWinThread>(procedure, parameter);
-  if (!thread->CreateThread(createFlags | CREATE_SUSPENDED, stackSize, security)) return nullptr;
+  std::unique_ptr<CWinThread> thread(new (std::nothrow) CWinThread(procedure, parameter));
+  if (!thread || !thread->CreateThread(createFlags | CREATE_SUSPENDED, stackSize, security)) return nullptr;
   thread->SetThreadPriority(priority);
-  // From here on the thread deletes the object, or whoever says so.
+  // The thread deletes the object from here on, unless m_bAutoDelete is FALSE.
   CWinThread* started = thread.release();
   if (!(createFlags & CREATE_SUSPENDED)) started->ResumeThread();
   return started;

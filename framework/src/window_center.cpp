@@ -6,7 +6,7 @@ namespace ATL {
 
 namespace {
 
-// What the window is centred over, and what it must not leave.
+// The area to centre over, and the area to stay inside.
 struct Places {
   RECT center;
   RECT limits;
@@ -33,7 +33,7 @@ Places places_of_top_level(HWND window, HWND center) {
   return places;
 }
 
-// The start of `length` in the middle of a stretch. What does not fit shows its beginning.
+// Returns the start of `length` in the middle of a range. If it does not fit, its beginning stays visible.
 LONG middle(LONG from, LONG to, LONG length, LONG lowest, LONG highest) {
   return std::max(std::min((from + to) / 2 - length / 2, highest - length), lowest);
 }

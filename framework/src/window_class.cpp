@@ -10,7 +10,7 @@ namespace {
 
 CComAutoCriticalSection registering;
 
-// At the end of a process its windows and classes are the system's to clean up: ours is a process that goes on.
+// Not at the end of a process: then the system cleans up windows and classes.
 bool process_is_ending() {
   BOOLEAN(NTAPI * ask)();
   return framework::SystemLibrary("ntdll.dll").find(ask, "RtlDllShutdownInProgress") && ask();
@@ -47,7 +47,7 @@ ATOM CAtlWinModule::register_once(CWndClassInfo& info, HINSTANCE instance, CWndC
   } else {
     info.m_wc.hCursor = LoadCursor(nullptr, IDC_ARROW);
   }
-  // Two C++ classes of one name share the class that the first one registered.
+  // Two C++ classes with the same class name share the class that is registered first.
   WNDCLASSEX there = {};
   there.cbSize = sizeof there;
   info.m_atom = static_cast<ATOM>(GetClassInfoEx(instance, info.m_wc.lpszClassName, &there));

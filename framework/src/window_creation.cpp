@@ -4,7 +4,7 @@ namespace ATL {
 
 namespace {
 
-// Where each thread keeps the innermost of its objects that wait for a window.
+// The thread-local slot for the innermost object that waits for a window.
 class Waiting {
  public:
   Waiting() noexcept : slot_(TlsAlloc()) {}
@@ -26,7 +26,7 @@ _AtlCreateWndData::_AtlCreateWndData(void* object) noexcept : m_object(object), 
 _AtlCreateWndData::~_AtlCreateWndData() { waiting.set(m_outer); }
 
 void* _AtlCreateWndData::Extract() noexcept {
-  // The innermost may have got its window: then the message is of a window that nobody announced.
+  // The innermost object may have its window already: then this window was not announced.
   _AtlCreateWndData* innermost = waiting.get();
   return innermost ? std::exchange(innermost->m_object, nullptr) : nullptr;
 }

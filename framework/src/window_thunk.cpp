@@ -8,8 +8,8 @@ struct AtlThunkData_t;
 
 namespace ATL {
 
-// A thunk of the system's. One that an object gave back waits for the next object: the system may keep the memory of
-// thunks anyway, and a list without a lock or an allocation can be given to at any time, the end of a process included.
+// A thunk of the system. A freed thunk is reused by the next object, because the system may not free its memory. The
+// list needs no lock and no allocation, so that a thunk can be freed at any time, also when the process ends.
 struct alignas(MEMORY_ALLOCATION_ALIGNMENT) CStdThunk {
   SLIST_ENTRY link;
   AtlThunkData_t* data;
@@ -31,7 +31,7 @@ struct Thunks {
     InitializeSListHead(&given_back);
   }
 
-  // Null where the system has no memory.
+  // Null if no memory is left.
   CStdThunk* take() {
     if (auto* waiting = InterlockedPopEntrySList(&given_back)) return CONTAINING_RECORD(waiting, CStdThunk, link);
     AtlThunkData_t* data = allocate();

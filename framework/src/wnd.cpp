@@ -10,8 +10,8 @@ CWnd::~CWnd() { CWnd::DestroyWindow(); }
 BOOL CWnd::Attach(HWND window) {
   if (!window || ::IsWindow(m_hWnd)) return FALSE;
   m_hWnd = window;
-  // So that the object learns of it when somebody else destroys the window. A window of another thread cannot be
-  // watched, and could not be destroyed by this one either.
+  // Subclassed to clear the handle when somebody else destroys the window. A window of another thread cannot be
+  // subclassed, and this thread cannot destroy it either.
   SetWindowSubclass(window, watch, reinterpret_cast<UINT_PTR>(this), 0);
   return TRUE;
 }

@@ -17,7 +17,7 @@ CComPtr<IUnknown> control_of(HWND window) {
   return control;
 }
 
-// Empty where there is no control.
+// Empty if there is no control.
 CComPtr<IDispatch> dispatch_of(HWND window) {
   CComPtr<IDispatch> dispatch;
   if (CComPtr<IUnknown> control = control_of(window)) {
@@ -28,7 +28,7 @@ CComPtr<IDispatch> dispatch_of(HWND window) {
 }
 
 HRESULT make(REFCLSID clsid, BSTR licenseKey, IUnknown** control) {
-  constexpr DWORD context = CLSCTX_INPROC_SERVER;  // a control draws and takes input here: it is never elsewhere
+  constexpr DWORD context = CLSCTX_INPROC_SERVER;  // controls draw and take input in this process
   if (!licenseKey) return CoCreateInstance(clsid, nullptr, context, IID_IUnknown, reinterpret_cast<void**>(control));
   CComPtr<IClassFactory2> factory;
   HRESULT result = CoGetClassObject(clsid, context, nullptr, IID_IClassFactory2, reinterpret_cast<void**>(&factory));
@@ -39,7 +39,7 @@ HRESULT make(REFCLSID clsid, BSTR licenseKey, IUnknown** control) {
 HRESULT begin_anew(IUnknown* control) {
   CComQIPtr<IPersistStreamInit> state(control);
   HRESULT result = state ? state->InitNew() : S_OK;
-  return result == E_NOTIMPL ? S_OK : result;  // nothing to do is no failure
+  return result == E_NOTIMPL ? S_OK : result;  // E_NOTIMPL: nothing to initialise
 }
 
 HRESULT load_stream(IUnknown* control, const std::vector<BYTE>& bytes) {
@@ -76,7 +76,7 @@ HRESULT load(IUnknown* control, CFile* file, BOOL storage) try {
   return E_OUTOFMEMORY;
 }
 
-// False where the control does not take the text.
+// Returns false if the control rejects the text.
 bool set_text(CWnd* window, DISPID property, LPCSTR text) {
   try {
     window->SetProperty(property, VT_BSTR, text);
@@ -97,7 +97,8 @@ BOOL CWnd::CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const 
   CComPtr<IUnknown> control;
   if (FAILED(make(clsid, licenseKey, &control))) return FALSE;
   if (FAILED(persist ? load(control, persist, storage) : begin_anew(control))) return FALSE;
-  // Not the virtual one: a control's own class overrides it to come here. A text would name another control.
+  // Not the virtual Create: the class of a control overrides it to call CreateControl. A window text would name another
+  // control.
   if (!AtlAxWinInit() || !CWnd::Create(ATLAXWIN_CLASS, "", style | WS_CLIPCHILDREN, rect, parent, id)) return FALSE;
   CComPtr<IUnknown> container;
   if (FAILED(AtlAxAttachControl(control, m_hWnd, &container))) {

@@ -1,9 +1,9 @@
 // COM helpers: the values and the plumbing around COM objects.
 //
-//   activex.h              a control in the place of a dialog's placeholder, and crashes of servers that are not hidden
+//   activex.h              a control in the place of a dialog's placeholder, and fatal exceptions in servers
 //   digit_control.h        an ActiveX control that shows numbers, and its font
-//   guid.h                 a GUID that makes itself when it is first read, its texts, and an ordering
-//   registration_free.h   classes that nobody registered: made through a manifest, found by their type libraries
+//   guid.h                 a GUID that is generated when it is first read, its texts, and an ordering
+//   registration_free.h    unregistered classes: created through a manifest, found by their type libraries
 //   variant_safe_array.h   a list of VARIANTs as automation passes it
 #ifndef KEXLIB_COM_H
 #define KEXLIB_COM_H

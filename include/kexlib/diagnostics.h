@@ -1,7 +1,7 @@
-// Diagnostics: what a program does, when, and for how long.
+// Diagnostics: profiling, tracing and warnings.
 //
 //   problem_alert.h   a warning box that any thread raises without waiting
-//   profiler.h        named blocks of work, timed per thread, written as a record for a viewer page
+//   profiler.h        times named blocks of work on each thread, and writes a record for a viewer page
 //   trace_file.h      printf-style lines to a file on the desktop, to the debugger, or to both
 #ifndef KEXLIB_DIAGNOSTICS_H
 #define KEXLIB_DIAGNOSTICS_H

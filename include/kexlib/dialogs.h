@@ -1,7 +1,7 @@
-// Dialogs: the system's own, built and driven with less.
+// Dialogs: wrappers of the system's task dialog and property sheet.
 //
-//   task_dialog.h    a message with buttons that act, and links
-//   wizard_dialog.h  a wizard of property pages that share data and help
+//   task_dialog.h    a message with buttons that run actions, and links
+//   wizard_dialog.h  a wizard of property pages that share data and context help
 #ifndef KEXLIB_DIALOGS_H
 #define KEXLIB_DIALOGS_H
 

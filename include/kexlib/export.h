@@ -8,9 +8,8 @@
 #define KEXLIB_API __declspec(dllimport)
 #endif
 
-// A class that never is an object of its own and leaves the virtual table to the classes derived from it: its
-// constructors do not set one. GCC has no such thing and sets it, which nothing can tell apart: the constructors of
-// such classes call no virtual function.
+// A class that is only a base: its constructors do not set the virtual table (__declspec(novtable)). GCC has no such
+// attribute and sets it. The difference is not observable, since the constructors call no virtual function.
 #ifdef _MSC_VER
 #define KEXLIB_NO_VTABLE __declspec(novtable)
 #else
@@ -18,7 +17,7 @@
 #endif
 
 // Lets the compiler check the arguments of a printf-like member function: FORMAT and FIRST are parameter numbers,
-// counted from 1, where the object itself is the first.
+// counted from 1, and the object itself counts as the first.
 #ifdef __GNUC__
 #define KEXLIB_PRINTF(FORMAT, FIRST) __attribute__((format(gnu_printf, FORMAT, FIRST)))
 #else

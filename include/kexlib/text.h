@@ -2,7 +2,7 @@
 //
 //   apply_to_files.h   an operation on every file below a folder
 //   test_object_id.h   the name by which an object presents itself to automated tests
-//   text_helpers.h     names that the file system takes, the bitness of a product, texts in the user's language
+//   text_helpers.h     valid file names, the bitness of a product, localised texts
 //   tip_name.h         the line that names an object in a tool tip
 #ifndef KEXLIB_TEXT_H
 #define KEXLIB_TEXT_H

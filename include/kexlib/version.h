@@ -1,4 +1,4 @@
-// The version of kexlib. It stands here only: the build, the version resource of the DLL and the package read it.
+// The version of kexlib, defined here only: the build, the version resource of the DLL and the package read it.
 //
 // Plain #defines, so that the resource compiler can include this header.
 #ifndef KEXLIB_VERSION_H

@@ -7,7 +7,7 @@ EXTERN_C const CLSID CLSID_GlobalOptions;  // not every toolchain's headers have
 
 namespace {
 
-// The rectangle of a dialog's control in the dialog's client area; empty where there is no such control.
+// The rectangle of a dialog's control in the dialog's client area; empty if there is no such control.
 RECT place_of(HWND control, HWND dialog) {
   RECT place = {};
   if (!GetWindowRect(control, &place)) return {};

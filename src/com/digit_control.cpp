@@ -2,16 +2,12 @@
 
 #include <olectl.h>
 
-#include <module/process_state.h>
-
-using namespace kexlib;
-
 namespace {
 
 // {107BD0EE-6861-11CF-B28B-0000C0C14EA0}
 constexpr GUID digit_control_class = {0x107BD0EE, 0x6861, 0x11CF, {0xB2, 0x8B, 0x00, 0x00, 0xC0, 0xC1, 0x4E, 0xA0}};
 
-// What InvokeHelper is told of the parameters.
+// The parameter types, as InvokeHelper expects them.
 const BYTE* parameters(const char* types) { return reinterpret_cast<const BYTE*>(types); }
 
 }  // namespace
@@ -32,7 +28,7 @@ int kexDigitOCX::Create(const char* window_name, unsigned long style, const RECT
 
 void kexDigitOCX::initialise() {
   kexOleFont font = GetFont();
-  font.SetName(module::digit_font_name);
+  font.SetName("Tahoma");
   font.SetBold(0);
 }
 
@@ -267,7 +263,7 @@ CY kexDigitOCX::GetOptimalFontSize(long height) {
   return size;
 }
 
-// The height is sent as two bytes, though it comes as four: that is meant.
+// By design the height is passed as a 16-bit integer: the control declares the parameter so.
 short kexDigitOCX::GetOptimalWidth2(long height, CY size) {
   short width = 0;
   InvokeHelper(25, DISPATCH_METHOD, VT_I2, &width, parameters(VTS_I2 VTS_CY), static_cast<short>(height), &size);

@@ -1,6 +1,6 @@
 #include <kexlib/com/guid.h>
 
-#include <module/widened.h>
+#include <support/widened.h>
 
 #include <cstdint>
 #include <cstring>
@@ -39,7 +39,7 @@ bool kexGUID::operator<(const kexGUID& other) const { return kexLessGUID()(guid,
 
 bool kexGUID::is_null() const { return Halves(guid) == Halves(GUID_NULL); }
 
-// Should there be no new GUID, the value stays null: callers have nothing else to be given.
+// If CoCreateGuid fails, the value stays null: there is no way to report it.
 void kexGUID::assign_if_null() const {
   if (is_null()) CoCreateGuid(&guid);
 }
@@ -65,7 +65,7 @@ CComBSTR kexGUID::get_BSTR() const {
   return text;
 }
 
-void kexGUID::get_BSTR(wchar_t** out) const { *out = module::widened(get_str()); }
+void kexGUID::get_BSTR(wchar_t** out) const { *out = widened(get_str()).Detach(); }
 
 CString kexGUID::make_new() { return kexGUID().get_str(); }
 
@@ -73,10 +73,9 @@ void kexGUID::reset() { guid = GUID_NULL; }
 
 void kexGUID::set_GUID(const GUID& value) { guid = value; }
 
-// What IIDFromString makes of text that is no GUID stays, without a word: that is meant.
+// By design a failure is not reported: callers pass any text, and rely on the value that IIDFromString leaves.
 void kexGUID::set_str(const CString& text) {
-  CComBSTR wide;
-  wide.Attach(module::widened(text[0] == '{' ? text : "{" + text + "}"));
+  const CComBSTR wide = widened(text[0] == '{' ? text : "{" + text + "}");
   IIDFromString(wide, &guid);
 }
 

@@ -1,27 +1,24 @@
 #include <kexlib/com/registration_free.h>
-
 #include <kexlib/text/apply_to_files.h>
 
 #include <atlbase.h>
 #include <oleauto.h>
 #include <shlwapi.h>
 
-#include <module/widened.h>
+#include <support/widened.h>
 
 using namespace kexlib;
 
 namespace {
 
-// Null where the file has no type library.
+// Null if the file has no type library.
 CComPtr<ITypeLib> load_library(const char* path) {
-  CComBSTR wide;
-  wide.Attach(module::widened(path));
   CComPtr<ITypeLib> library;
-  if (FAILED(LoadTypeLib(wide, &library))) return {};
+  if (FAILED(LoadTypeLib(widened(path), &library))) return {};
   return library;
 }
 
-// The attributes are not handed back with ReleaseTypeAttr: that is meant.
+// Kept for compatibility: the attributes are not released (ReleaseTypeAttr), callers see a small leak.
 const TYPEATTR* attributes_of(ITypeInfo* type) {
   TYPEATTR* attributes = nullptr;
   return SUCCEEDED(type->GetTypeAttr(&attributes)) ? attributes : nullptr;
@@ -32,7 +29,7 @@ struct Description {
   TYPEKIND kind = TKIND_MAX;
 };
 
-// Of the kind TKIND_MAX where it cannot be read.
+// Its kind is TKIND_MAX if it cannot be read.
 Description description(ITypeLib* library, UINT index) {
   Description found;
   if (FAILED(library->GetTypeInfo(index, &found.type)) || FAILED(library->GetTypeInfoType(index, &found.kind)))
@@ -40,7 +37,7 @@ Description description(ITypeLib* library, UINT index) {
   return found;
 }
 
-// A type that a class refers to, as its own library describes it, which may be another one.
+// A type that a class refers to, from the type library that describes it, which may be another one.
 Description implemented(ITypeInfo* coclass, UINT index) {
   HREFTYPE reference;
   CComPtr<ITypeInfo> type;
@@ -62,7 +59,7 @@ bool implements(ITypeInfo* coclass, UINT count, const GUID& iid) {
   return false;
 }
 
-// Looks at the classes that the type libraries of files describe.
+// Scans the classes that the type libraries of files describe.
 class ClassScan : public kexApplyToFiles {
  public:
   void apply_to_file(char* path) final {
@@ -78,7 +75,7 @@ class ClassScan : public kexApplyToFiles {
 
  protected:
   ~ClassScan() = default;
-  // Whether to look at further classes of this file.
+  // Whether to scan further classes of this file.
   virtual bool look(const char* path, ITypeInfo* coclass, const TYPEATTR& attributes) = 0;
 };
 
@@ -102,7 +99,7 @@ class FindTypeLibrary final : public ClassScan {
   std::string path;
 
  private:
-  // A match ends the look at its file, not the walk: that is meant, the last file counts.
+  // By design a match ends the scan of its file, not the walk: callers get the last file that describes the class.
   bool look(const char* file, ITypeInfo*, const TYPEATTR& attributes) override {
     if (!IsEqualGUID(attributes.guid, clsid_)) return true;
     path = file;
@@ -112,7 +109,7 @@ class FindTypeLibrary final : public ClassScan {
   const GUID& clsid_;
 };
 
-// A manifest in force on this thread, from Begin to End.
+// The manifest is active on this thread during the lifetime of the object.
 class Activation {
  public:
   Activation(const char* assembly_directory, const char* manifest) {
@@ -127,7 +124,7 @@ class Activation {
   }
   Activation(const Activation&) = delete;
   Activation& operator=(const Activation&) = delete;
-  // A context that could not be activated is not released either: that is meant.
+  // Kept for compatibility: a context that cannot be activated is not released, callers see a leak.
   ~Activation() {
     if (!active_) return;
     DeactivateActCtx(0, cookie_);
@@ -151,7 +148,7 @@ std::string reg_free_manifest_path(const char* directory, const char* componentP
   if (!directory || lstrlenA(directory) >= MAX_PATH) return {};
   lstrcpynA(path, directory, MAX_PATH);
   if (!PathAppendA(path, PathFindFileNameA(component.c_str()))) return {};
-  // Adds none to a name that still has one, as "part.2" has: that is meant.
+  // By design a name that still has an extension, such as "part.2", gets no other: callers name their manifests so.
   if (!PathAddExtensionA(path, ".manifest") && !*PathFindExtensionA(path)) return {};
   return path;
 }

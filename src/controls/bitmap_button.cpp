@@ -1,6 +1,8 @@
 #include <kexlib/controls/bitmap_button.h>
 #include <kexlib/imaging/dib.h>
 
+#include <afx.h>
+
 #include <wbzframe/themed_std_button.h>
 
 #include <utility>
@@ -11,7 +13,7 @@ namespace {
 
 constexpr int no_image = -1;
 
-// True while something runs, however it ends.
+// Sets a flag until the end of a scope.
 class Running {
  public:
   explicit Running(BOOL& running) : running_(running) { running_ = TRUE; }
@@ -29,10 +31,16 @@ void add_to(HIMAGELIST images, kexWTLDIB& picture) {
   DeleteObject(bitmap);
 }
 
+// BeginPaint may not have been called: without the validation the system would send WM_PAINT again and again.
+void painting_failed(HWND button) {
+  OutputDebugStringA("kexWTLBitmapButton: an exception has ended painting\n");
+  if (IsWindow(button)) ValidateRect(button, nullptr);  // with a null handle, all windows would be redrawn
+}
+
 }  // namespace
 
-kexWTLBitmapButton::kexWTLBitmapButton(kexWTLButtonType type) : m_type(type) {
-  if (m_type != kexBtnTypePlain) m_themer = wbzThemer::create(wbzThemedStdButton::create(&m_hWnd), nullptr);
+kexWTLBitmapButton::kexWTLBitmapButton(kexWTLButtonType type) : type_(type) {
+  if (type_ != kexBtnTypePlain) themer_ = wbzThemer::create(wbzThemedStdButton::create(&m_hWnd), nullptr);
   SetBitmapButtonExtendedStyle(BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS,
                                BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS | BMPBTN_AUTOSIZE);
 }
@@ -48,9 +56,17 @@ BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM 
   if (map != 0) return FALSE;
   if (message != WM_PAINT && message != WM_PRINTCLIENT)
     return CBitmapButton::ProcessWindowMessage(window, message, wParam, lParam, result, map);
-  BOOL handled = TRUE;
-  result = OnPaint(message, wParam, lParam, handled);
-  return handled;
+  result = 0;
+  try {
+    BOOL handled = TRUE;
+    result = OnPaint(message, wParam, lParam, handled);
+  } catch (CException* exception) {
+    exception->Delete();
+    painting_failed(m_hWnd);
+  } catch (...) {
+    painting_failed(m_hWnd);
+  }
+  return TRUE;
 }
 
 int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id, HINSTANCE instance) {
@@ -62,7 +78,7 @@ int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id,
   const int index = ImageList_GetImageCount(list) - 1;
 
   picture.load_bitmap_transparent(static_cast<UINT>(bitmap_id), instance, face);
-  if (m_type == kexBtnTypeThemed) picture.insensitive(face);
+  if (type_ == kexBtnTypeThemed) picture.insensitive(face);
   add_to(list, picture);
   return index;
 }
@@ -76,22 +92,24 @@ void kexWTLBitmapButton::SetInfo(HWND button, WTL::CImageListT<false>* images, i
   SetToolTipText(tooltip);
 }
 
-// The pushed image stays as it was: that is meant.
+// Kept for compatibility: callers see the pushed image of SetInfo.
 void kexWTLBitmapButton::SetImage(int index) {
   if (m_nImage[_nImageNormal] == index && m_nImage[_nImageDisabled] == index + 1) return;
   SetImages(index, no_image, no_image, index + 1);
-  if (IsWindow()) Invalidate(FALSE);  // without a window it would be all windows of the screen
+  if (IsWindow()) Invalidate(FALSE);  // a null handle would invalidate all windows of the screen
 }
 
-void kexWTLBitmapButton::set_themer(std::shared_ptr<wbzThemer> themer) { m_themer = std::move(themer); }
+void kexWTLBitmapButton::set_themer(std::shared_ptr<wbzThemer> themer) { themer_ = std::move(themer); }
 
-// WM_PRINTCLIENT is answered with BeginPaint too: that is meant.
+// WM_PRINTCLIENT is painted with BeginPaint as well: kept for compatibility, callers see it on the screen only.
 LRESULT kexWTLBitmapButton::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
-  if (m_painting) return 0;
-  const Running painting(m_painting);
-  const bool themed = m_type != kexBtnTypePlain && wbzThemer::can_draw(m_themer);
+  if (painting_) return 0;
+  const Running painting(painting_);
+  // The parent and the drawer may call set_themer: one themer serves the whole painting, and lives as long.
+  const std::shared_ptr<wbzThemer> themer = themer_;
+  const bool themed = type_ != kexBtnTypePlain && wbzThemer::can_draw(themer);
   repaint_behind();
-  DoPaint(WTL::CDCHandle(WTL::CPaintDC(m_hWnd).m_hDC), themed);
+  paint(WTL::CDCHandle(WTL::CPaintDC(m_hWnd).m_hDC), themed, themer.get());
   return 0;
 }
 
@@ -105,13 +123,18 @@ void kexWTLBitmapButton::repaint_behind() {
   parent.UpdateWindow();
 }
 
-// By value, as WTL's buttons have it.
+// By value, as in WTL's buttons.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 void kexWTLBitmapButton::DoPaint(WTL::CDCT<false> dc, bool themed) {
+  const std::shared_ptr<wbzThemer> themer = themer_;
+  paint(dc, themed, themer.get());
+}
+
+void kexWTLBitmapButton::paint(const WTL::CDCT<false>& dc, bool themed, const wbzThemer* themer) {
   const bool has_edge = (m_dwExtendedStyle & (BMPBTN_AUTO3D_SINGLE | BMPBTN_AUTO3D_DOUBLE)) != 0;
   const bool highlighted = IsHoverMode() ? m_fMouseOver : m_fFocus;
 
-  // Pressed goes before disabled, and a highlighted button that is disabled is drawn as hot: both are meant.
+  // Kept for compatibility: a button that is disabled while it is pressed or under the mouse keeps looking so.
   wbzThemeStyle style = wbzThemeHot;
   int image = m_nImage[_nImageFocusOrHover];
   if (m_fPressed) {
@@ -128,7 +151,7 @@ void kexWTLBitmapButton::DoPaint(WTL::CDCT<false> dc, bool themed) {
 
   WTL::CRect client;
   GetClientRect(client);
-  if (themed) m_themer->draw_theme(dc, client, style);
+  if (themed && themer) themer->draw_theme(dc, client, style);
 
   int width = 0, height = 0;
   m_ImageList.GetIconSize(width, height);

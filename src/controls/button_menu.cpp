@@ -1,5 +1,7 @@
 #include <kexlib/controls/button_menu.h>
 
+#include <controls/subclass_instead.h>
+
 #include <algorithm>
 
 namespace {
@@ -22,7 +24,7 @@ class Menu {
   HMENU menu_;
 };
 
-// Only sideways: a button below all monitors has its menu there, which is meant.
+// Only horizontally. Kept for compatibility: the menu of a button below all monitors opens there.
 POINT moved_onto_monitor(POINT point) {
   if (MonitorFromPoint(point, MONITOR_DEFAULTTONULL)) return point;
   MONITORINFO nearest{};
@@ -48,30 +50,30 @@ BOOL atlButtonMenu::ProcessWindowMessage(HWND window, UINT message, WPARAM wPara
 }
 
 void atlButtonMenu::SetMenu(HINSTANCE module, UINT id) {
-  menu_module = module;
-  menu_id = id;
+  menu_module_ = module;
+  menu_id_ = id;
 }
 
 BOOL atlButtonMenu::SubclassWindow(HWND button) {
-  if (!::IsWindow(button) || (m_hWnd && !UnsubclassWindow()) || !CWindowImpl::SubclassWindow(button)) return FALSE;
+  if (!kexlib::subclass_instead<CWindowImpl>(*this, button)) return FALSE;
   ModifyStyle(BS_ICON, 0);
-  if (arrow_font.IsNull()) arrow_font.CreatePointFont(arrow_size, "Marlett");
-  if (!arrow_font.IsNull()) SetFont(arrow_font);
-  SetWindowText(arrow_font.IsNull() ? arrow_without_font : arrow);
+  if (arrow_font_.IsNull()) arrow_font_.CreatePointFont(arrow_size, "Marlett");
+  if (!arrow_font_.IsNull()) SetFont(arrow_font_);
+  SetWindowText(arrow_font_.IsNull() ? arrow_without_font : arrow);
   return TRUE;
 }
 
 LRESULT atlButtonMenu::OnClick(WORD, WORD, HWND, BOOL&) {
-  if (!menu_id) return 0;
+  if (!menu_id_) return 0;
   if (GetCheck() == BST_UNCHECKED) SetCheck(BST_CHECKED);
   RECT button;
   GetWindowRect(&button);
-  const Menu menu(menu_module, menu_id);
+  const Menu menu(menu_module_, menu_id_);
   const HMENU shown = menu.first_submenu();
-  if (!shown) return 0;  // the button stays checked: that is meant
+  if (!shown) return 0;  // kept for compatibility: callers see the button stay checked
 
   const POINT corner = moved_onto_monitor({button.left, button.bottom});
   TrackPopupMenu(shown, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, corner.x, corner.y, 0, GetParent(), nullptr);
-  SetCheck(BST_UNCHECKED);  // also where it was checked before the click
+  SetCheck(BST_UNCHECKED);  // also if it was checked before the click
   return 0;
 }

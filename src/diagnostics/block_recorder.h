@@ -1,4 +1,4 @@
-// When something is recorded: the switch, the time base, and the order in which a begin and an end do their work.
+// The switch, the time base, and the order of the steps of a begin and an end.
 #ifndef KEXLIB_DIAGNOSTICS_BLOCK_RECORDER_H
 #define KEXLIB_DIAGNOSTICS_BLOCK_RECORDER_H
 
@@ -10,15 +10,15 @@
 
 namespace kexlib {
 
-// `Platform` tells thread and time: static std::uint32_t thread_id() and static std::int64_t now(), in ticks. Tests and
-// benchmarks bring their own.
+// `Platform` has static std::uint32_t thread_id() and static std::int64_t now(), in ticks. Tests and benchmarks supply
+// another one.
 //
-// The switch and the time base are read without ordering: callers keep a stop apart from other calls.
+// The switch and the time base are read without ordering: callers never overlap a stop with other calls.
 template <class Platform>
 class BlockRecorder {
  public:
   void start() {
-    // Asked first: every scope starts, and a store would take the switch from the other threads' caches each time.
+    // Loaded first: every scope starts, and each store would invalidate the caches of the other threads.
     if (!enabled_.load(std::memory_order_relaxed)) enabled_.store(true, std::memory_order_relaxed);
   }
 
@@ -31,15 +31,15 @@ class BlockRecorder {
 
   void end() {
     if (!enabled_.load(std::memory_order_relaxed)) return;
-    // Before anything is known to be open: a thread that only ends stands in the record, meant so.
+    // Before the search for an open block. By design: readers of the record see threads that only end blocks.
     ThreadRecord& thread = record_.thread(Platform::thread_id());
     thread.end(Platform::now() - base_.load(std::memory_order_relaxed));
   }
 
-  // Switches off; tells whether it was on. The record stays until it is cleared.
+  // Switches off; returns whether it was on. The record stays until it is cleared.
   bool stop() {
     if (!enabled_.exchange(false, std::memory_order_relaxed)) return false;
-    // Here rather than at the start: the first scopes of several threads may start at once.
+    // Not at the start: the first scopes of several threads may start profiling at the same time.
     base_.store(0, std::memory_order_relaxed);
     return true;
   }
@@ -47,7 +47,8 @@ class BlockRecorder {
   ProfileRecord& record() { return record_; }
 
  private:
-  // The time base: the stamp of the first begin since the start. Of two threads that begin first at once, one gives it.
+  // The time base: the stamp of the first begin since the start. If two threads begin first at the same time, one of
+  // them sets it.
   std::int64_t base(std::int64_t now) {
     std::int64_t base = base_.load(std::memory_order_relaxed);
     if (base == 0 && base_.compare_exchange_strong(base, now, std::memory_order_relaxed)) base = now;

@@ -5,7 +5,7 @@
 
 namespace kexlib {
 
-// Where a writer's text goes, piece by piece.
+// Receives the text of a writer, piece by piece.
 class ByteSink {
  public:
   virtual void write(std::string_view text) = 0;

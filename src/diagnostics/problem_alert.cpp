@@ -1,5 +1,7 @@
 #include <kexlib/diagnostics/problem_alert.h>
 
+#include <afxwin.h>
+
 CProblemAlert::CProblemAlert(int startNow) {
   if (startNow) StartThread();
 }
@@ -10,8 +12,12 @@ int CProblemAlert::StartThread() {
   if (thread_) return 1;
   stop_event_.ResetEvent();
   problem_event_.ResetEvent();
-  // Suspended, so that it cannot end and delete its object before that is ours.
-  thread_ = AfxBeginThread(ThreadEntry, this, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED, nullptr);
+  try {
+    // Suspended: the thread must not end and delete its object before the auto-delete flag is off.
+    thread_ = AfxBeginThread(ThreadEntry, this, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED, nullptr);
+  } catch (CMemoryException* exception) {  // MFC's `new` throws this; the framework here returns null
+    exception->Delete();
+  }
   if (!thread_) return 0;
   thread_->m_bAutoDelete = FALSE;
   thread_->ResumeThread();
@@ -37,6 +43,6 @@ void CProblemAlert::ThreadLoop() {
   const HANDLE events[] = {stop_event_, problem_event_};
   while (WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
     MessageBoxA(nullptr, "The problem has occurred", nullptr, MB_OK | MB_ICONEXCLAMATION | MB_SYSTEMMODAL);
-    problem_event_.ResetEvent();  // what was raised during the box was part of it
+    problem_event_.ResetEvent();  // raises while the box was shown are discarded
   }
 }

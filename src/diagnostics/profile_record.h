@@ -1,10 +1,10 @@
 // The record of a profiling run: for each thread a tree of named blocks with the intervals in which each was open.
 //
-// It knows no platform and takes no lock. Each thread changes only its own ThreadRecord. Two things make that hold:
+// It uses no platform call and no lock. Each thread changes only its own ThreadRecord. Two rules make that safe:
 //
 // - A new thread's record is published by compare-and-swap, so threads may start at any time.
-// - What is written by its owner and read by the writer of the record is Published: at the end of a process Windows
-//   kills the other threads wherever they are, and the record that is then written must be whole. So every object is
+// - A field that its owner writes and the writer of the record reads is Published: at the end of a process Windows
+//   kills the other threads at any point, and the record that is then written must be consistent. So every object is
 //   complete before the store that makes it reachable.
 #ifndef KEXLIB_DIAGNOSTICS_PROFILE_RECORD_H
 #define KEXLIB_DIAGNOSTICS_PROFILE_RECORD_H
@@ -19,7 +19,7 @@
 
 namespace kexlib {
 
-// A field that one thread sets and another may read at any instant. On x86-64 it costs what a plain field costs.
+// A field that one thread sets and another may read at any instant. On x86-64 it costs as much as a plain field.
 template <class T>
 class Published {
  public:
@@ -30,8 +30,8 @@ class Published {
   std::atomic<T> value_{};
 };
 
-// Memory of one thread's record: handed out piece by piece, given back as a whole. So an append costs no call of the
-// heap, and forgetting a million intervals is a few calls of it.
+// Memory of one thread's record: allocated piece by piece, freed as a whole. An append costs no call of the heap, and
+// discarding a million intervals costs a few.
 class Arena {
  public:
   Arena() = default;
@@ -46,7 +46,7 @@ class Arena {
     return std::exchange(next_, next_ + size);
   }
 
-  // All the memory taken from the heap, in bytes.
+  // The memory allocated from the heap, in bytes.
   std::size_t size() const { return size_; }
 
  private:
@@ -106,11 +106,11 @@ class BlockIndex {
   void grow(Arena& arena);
   void put(Slot slot);
 
-  // Where a search begins: at the high bits of the hash, to which every byte of a name comes through.
+  // Where a search begins: at the high bits of the hash, which every byte of a name affects.
   std::size_t home(std::uint64_t hash) const { return static_cast<std::size_t>(hash >> shift_); }
 
   Slot* slots_ = nullptr;
-  std::size_t capacity_ = 0;  // a power of two, or nothing yet
+  std::size_t capacity_ = 0;  // a power of two; 0 before the first growth
   std::size_t count_ = 0;
   int shift_ = 64;  // by which a hash becomes a number below the capacity
 };
@@ -128,7 +128,7 @@ class Block {
   const Block* next_sibling() const { return next_sibling_.get(); }
   const IntervalChunk* first_chunk() const { return first_chunk_.get(); }
 
-  // The child of that name, made if there is none.
+  // The child of that name, created if there is none.
   Block& child(std::string_view name, Arena& arena) {
     const std::uint64_t hash = BlockIndex::hash(name);
     Block* const found = children_.find(hash, name);
@@ -202,7 +202,7 @@ class ProfileRecord {
   ProfileRecord(const ProfileRecord&) = delete;
   ProfileRecord& operator=(const ProfileRecord&) = delete;
 
-  // The record of the thread `id`, made if there is none. To be called by that thread.
+  // The record of the thread `id`, created if there is none. Call it on that thread.
   ThreadRecord& thread(std::uint32_t id) {
     ThreadRecord* record = bucket(id).load(std::memory_order_acquire);
     while (record && record->id_ != id) record = record->next_in_bucket_.load(std::memory_order_acquire);
@@ -214,8 +214,8 @@ class ProfileRecord {
   // Memory in use, in bytes.
   std::size_t memory() const;
 
-  // Forgets everything. No other thread may be using the record. The destructor does not do it by itself, since at the
-  // end of a process the heap may be in the state in which a killed thread left it, and the memory goes anyway.
+  // Discards everything. No other thread may be using the record. The destructor does not call it: at the end of a
+  // process a killed thread may have left the heap inconsistent, and the system frees the memory.
   void clear();
 
  private:
@@ -258,8 +258,8 @@ inline bool equal(std::string_view a, std::string_view b) {
   return load(p + size - 8, 8) == load(q + size - 8, 8);
 }
 
-// Spreads a number over all bits of another one. The multiplier is 2^64 by the golden ratio; it carries each bit to the
-// higher ones, the shift carries those back.
+// Spreads a number over all bits of another one. The multiplier is 2^64 divided by the golden ratio; it carries each
+// bit to the higher ones, the shift carries those back.
 inline std::uint64_t mix(std::uint64_t value) {
   value *= 0x9E3779B97F4A7C15;
   return value ^ value >> 32;

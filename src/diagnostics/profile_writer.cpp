@@ -1,5 +1,4 @@
 #include <diagnostics/profile_writer.h>
-
 #include <diagnostics/six_digits.h>
 
 #include <algorithm>
@@ -90,7 +89,7 @@ class ProfileWriter {
     text_.append("'\n},\n");
   }
 
-  // A list of blocks with all that is below it: down to the first child, else on to the next sibling, else up.
+  // A list of blocks with all their descendants: down to the first child, else on to the next sibling, else up.
   void write_blocks(const Block& first) {
     std::size_t indent = 2;
     const Block* const parent = first.parent();
@@ -123,7 +122,7 @@ class ProfileWriter {
   void begin_block(const Block& block, std::size_t indent) {
     line(indent, "  {\n");
     line(indent, "    name: '");
-    text_.append(block.name());  // as it is: a quote is not escaped, meant so
+    text_.append(block.name());  // by design without escaping: readers use names unchanged
     text_.append("',\n");
   }
 
@@ -143,7 +142,7 @@ class ProfileWriter {
     text_.append(text);
   }
 
-  // Multiplied first: the other order gives other digits.
+  // Multiplied first: the other order results in other digits.
   double milliseconds(std::int64_t ticks) const { return static_cast<double>(ticks) * 1000.0 / ticks_per_second_; }
 
   TextBuffer text_;

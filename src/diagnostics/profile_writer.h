@@ -7,8 +7,8 @@
 namespace kexlib {
 
 // Writes the record as a script that declares `var threads`, lines ending in "\n". Ticks become milliseconds by
-// `ticks_per_second`. Takes no memory from the heap and does not recurse, so that it works at the end of a process, on
-// a small stack, for a record of any depth.
+// `ticks_per_second`. Allocates no memory and does not recurse, so that it works at the end of a process, on a small
+// stack, for a record of any depth.
 void write_profile(const ProfileRecord& record, double ticks_per_second, ByteSink& sink);
 
 }  // namespace kexlib

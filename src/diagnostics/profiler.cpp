@@ -5,7 +5,7 @@
 #include <diagnostics/profile_writer.h>
 #include <diagnostics/profiler_state.h>
 #include <diagnostics/text_file.h>
-#include <module/process_state.h>
+#include <module/process_end.h>
 
 #include <new>
 
@@ -41,12 +41,12 @@ bool ProfilerState::stop_into(const char* path) {
 
 ProfilerState::~ProfilerState() {
   stop_into("profiler.js");
-  if (!module::process_is_ending()) record().clear();
+  if (!process_is_ending()) record().clear();
 }
 
 }  // namespace kexlib
 
-using kexlib::module::profiler;
+using kexlib::profiler;
 
 void kex_start_profiling() { profiler.start(); }
 
@@ -69,6 +69,6 @@ kexProfileScope::~kexProfileScope() {
   try {
     kex_end_block();
   } catch (const std::bad_alloc&) {
-    // Only a thread that is not yet in the record needs memory here: it had no block to end.
+    // Only a thread that is not in the record yet needs memory here, and it has no block to end.
   }
 }

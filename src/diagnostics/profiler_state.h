@@ -12,7 +12,7 @@ struct ProfilerPlatform {
   static std::int64_t now();         // QueryPerformanceCounter
 };
 
-// The process's profiler: off when the library is loaded; still on when it is unloaded, it writes "profiler.js".
+// The process's profiler: off when the library is loaded. If it is on at unload, it writes "profiler.js".
 class ProfilerState : public BlockRecorder<ProfilerPlatform> {
  public:
   constexpr ProfilerState() = default;
@@ -21,6 +21,8 @@ class ProfilerState : public BlockRecorder<ProfilerPlatform> {
   // If on: switches off and writes the record to `path`. The record stays.
   bool stop_into(const char* path);
 };
+
+extern ProfilerState profiler;
 
 }  // namespace kexlib
 

@@ -29,7 +29,7 @@ constexpr DigitPairs digit_pairs;
 
 // Nearly all times are between a ten-thousandth and a million milliseconds. Those are scaled to a number of six digits.
 // The scales are exact and the product is rounded once, so it never crosses the middle between two numbers, but it may
-// come to lie on it: then, and outside that range, the exact and slower way is taken.
+// lie on it. Then, and outside that range, the exact and slower conversion is used.
 char* write_six_digits(char* out, double value) {
   constexpr double scales[] = {1e5, 1e4, 1e3, 1e2, 1e1, 1e0};  // by the digits before the point, less one
   if (!(value >= 1e-4 && value < 999999.0)) {

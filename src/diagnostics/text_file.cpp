@@ -1,6 +1,6 @@
-#include <diagnostics/text_file.h>
-
 #include <windows.h>
+
+#include <diagnostics/text_file.h>
 
 namespace kexlib::text_file {
 

@@ -1,7 +1,7 @@
-// A file in the platform's text form: each "\n" becomes CR LF on its way out.
+// A file in the platform's text form: each "\n" is written as CR LF.
 //
-// Straight on the system's file calls: one call a text, no buffer that would have to be flushed, and none of the
-// run-time library's locks, which at the end of a process may belong to a thread that is gone.
+// It calls the system's file functions directly: one call for each text, no buffer to flush, and no lock of the
+// run-time library, which at the end of a process may belong to a killed thread.
 #ifndef KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 #define KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 
@@ -15,15 +15,15 @@ using Handle = void*;  // of Win32; null for no file
 
 enum class Start { Truncated, AtEnd };
 
-// Opens or makes a file for writing, shared with other readers and writers; null if that cannot be.
+// Opens or creates a file for writing, shared with other readers and writers; null on failure.
 Handle open(const char* path, Start start);
 
-// What cannot be written is dropped.
+// Text that cannot be written is discarded.
 void write(Handle file, std::string_view text);
 
 void close(Handle file);
 
-// Writes into an open file, which stays the caller's.
+// Writes to an open file, which the caller owns.
 class Sink final : public ByteSink {
  public:
   explicit Sink(Handle file) : file_(file) {}

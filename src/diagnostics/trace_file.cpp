@@ -1,7 +1,6 @@
 #include <kexlib/diagnostics/trace_file.h>
 
 #include <windows.h>
-
 #include <shlobj.h>
 #include <shlwapi.h>
 
@@ -62,7 +61,7 @@ void CTraceToFile::OpenFile() {
     std::snprintf(path + length, sizeof path - length, "_%d.txt", n);
     if (!PathFileExistsA(path)) break;
   }
-  // At the end: should another process have made that file meanwhile, its lines stay.
+  // Appends: another process may have created the file meanwhile, and its lines are kept.
   file_ = text_file::open(path, text_file::Start::AtEnd);
 }
 

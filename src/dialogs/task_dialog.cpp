@@ -3,9 +3,10 @@
 #include <afxwin.h>
 #include <atlcomcli.h>
 #include <commctrl.h>
-#include <module/common_controls.h>
-#include <module/widened.h>
 #include <shellapi.h>
+
+#include <support/common_controls.h>
+#include <support/widened.h>
 
 #include <algorithm>
 #include <deque>
@@ -22,8 +23,7 @@ namespace {
 constexpr int first_button = 101;
 
 std::wstring wide(const char* text) {
-  ATL::CComBSTR copy;
-  copy.Attach(kexlib::module::widened(text));
+  const ATL::CComBSTR copy = kexlib::widened(text);
   return copy ? std::wstring(copy, copy.Length()) : std::wstring();
 }
 
@@ -47,8 +47,8 @@ PCWSTR platform_icon(kexTaskDialogIcon icon) {
 
 }  // namespace
 
-// An action may add texts, buttons and actions, and set another handler, while the dialog and the very function that
-// runs are in use: what is added moves nothing, and what is replaced lives on until it returns.
+// An action may add buttons and actions and replace the handler while they are in use: additions must not move
+// elements, and a replaced handler lives until it returns.
 struct kexTaskDialog::State {
   using Action = std::function<void(const kexTaskDialogActionContext&)>;
   using HyperlinkAction = std::function<void(const kexTaskDialogHyperlinkActionContext&)>;
@@ -83,13 +83,13 @@ void kexTaskDialog::State::clicked(const wchar_t* target) {
 HRESULT kexTaskDialog::State::pressed(int id) const {
   const auto found = actions.find(id);
   if (found == actions.end()) return S_OK;
-  const size_t count = found->second.size();  // one that is added meanwhile waits for the next time
+  const size_t count = found->second.size();  // an action added meanwhile runs at the next press
   for (size_t i = 0; i < count; ++i) found->second[i]({owner, id});
   return S_FALSE;
 }
 
-// An exception passes through here, on purpose. The system's frames do nothing for it: they would leave the dialog
-// behind, and its owner disabled.
+// By design an exception passes, so that callers may catch it if the system passes it on. The system's frames do not
+// clean up: they would leave the dialog on the screen and its owner disabled.
 HRESULT CALLBACK kexTaskDialog::State::notified(HWND shown, UINT notification, WPARAM wparam, LPARAM lparam,
                                                 LONG_PTR data) try {
   auto* state = reinterpret_cast<State*>(data);
@@ -132,33 +132,33 @@ bool kexTaskDialog::State::every_button_acts() const {
          std::all_of(buttons.begin(), buttons.end(), [&](const std::wstring&) { return actions.contains(id++); });
 }
 
-kexTaskDialog::kexTaskDialog() : m_state(std::make_unique<State>(this)) {}
+kexTaskDialog::kexTaskDialog() : state_(std::make_unique<State>(this)) {}
 
 kexTaskDialog::~kexTaskDialog() = default;
 
-void kexTaskDialog::set_title(const char* text) { m_state->title = wide(text); }
+void kexTaskDialog::set_title(const char* text) { state_->title = wide(text); }
 
-void kexTaskDialog::set_main_instruction(const char* text) { m_state->main_instruction = wide(text); }
+void kexTaskDialog::set_main_instruction(const char* text) { state_->main_instruction = wide(text); }
 
-void kexTaskDialog::set_message(const char* text) { m_state->message = wide(text); }
+void kexTaskDialog::set_message(const char* text) { state_->message = wide(text); }
 
-void kexTaskDialog::set_icon(kexTaskDialogIcon icon) { m_state->icon = icon; }
+void kexTaskDialog::set_icon(kexTaskDialogIcon icon) { state_->icon = icon; }
 
-void kexTaskDialog::set_parent(HWND parent) { m_state->parent = parent; }
+void kexTaskDialog::set_parent(HWND parent) { state_->parent = parent; }
 
 int kexTaskDialog::add_button(const char* text) {
-  m_state->buttons.push_back(wide(text));
-  return first_button + static_cast<int>(m_state->buttons.size()) - 1;
+  state_->buttons.push_back(wide(text));
+  return first_button + static_cast<int>(state_->buttons.size()) - 1;
 }
 
-void kexTaskDialog::set_default_button(int id) { m_state->default_button = id; }
+void kexTaskDialog::set_default_button(int id) { state_->default_button = id; }
 
 void kexTaskDialog::add_action(int id, std::function<void(const kexTaskDialogActionContext&)> action) {
-  m_state->actions[id].push_back(std::move(action));
+  state_->actions[id].push_back(std::move(action));
 }
 
 void kexTaskDialog::set_hyperlink_action(std::function<void(const kexTaskDialogHyperlinkActionContext&)> action) {
-  m_state->hyperlink_action = action ? std::make_shared<State::HyperlinkAction>(std::move(action)) : nullptr;
+  state_->hyperlink_action = action ? std::make_shared<State::HyperlinkAction>(std::move(action)) : nullptr;
 }
 
 void kexTaskDialog::open_url_or_file(const wchar_t* target) {
@@ -166,15 +166,15 @@ void kexTaskDialog::open_url_or_file(const wchar_t* target) {
 }
 
 int kexTaskDialog::raise() {
-  if (m_state->every_button_acts())
+  if (state_->every_button_acts())
     OutputDebugStringA("kexTaskDialog: no button closes this dialog, all have actions\n");
 
-  const std::vector<TASKDIALOG_BUTTON> buttons = m_state->platform_buttons();
-  const TASKDIALOGCONFIG config = m_state->configuration(buttons);
-  const kexlib::module::CommonControls6 common_controls;
+  const std::vector<TASKDIALOG_BUTTON> buttons = state_->platform_buttons();
+  const TASKDIALOGCONFIG config = state_->configuration(buttons);
+  const kexlib::CommonControls6 common_controls;
   const auto show = reinterpret_cast<decltype(&TaskDialogIndirect)>(
       reinterpret_cast<void*>(common_controls.find("TaskDialogIndirect")));
-  int pressed = 0;  // that it failed is seen by this alone
+  int pressed = 0;  // also the result if the dialog cannot be shown
   BOOL verified = FALSE;
   if (show) show(&config, &pressed, nullptr, &verified);
   return pressed;

@@ -2,29 +2,39 @@
 
 #include <afxwin.h>
 
-// The identifiers that every property sheet of the system has.
+// The identifiers of the system's property sheets.
 #define ID_WIZBACK 0x3023
 #define ID_WIZNEXT 0x3024
 #define ID_WIZFINISH 0x3025
 
-kexWizardPageInfoHolder::kexWizardPageInfoHolder(DWORD idd) : m_idd(idd) {}
+namespace kexlib {
+
+// For the query of a window's dialog template, and of the module that has it. Applications define their meaning; the
+// library only registers them. External linkage: the compiler would drop unused variables otherwise.
+extern const UINT dialog_messages[];
+const UINT dialog_messages[] = {RegisterWindowMessageA("MSG_QZ_GetDialogTemplateID"),
+                                RegisterWindowMessageA("MSG_QZ_GetDialogResLibrary")};
+
+}  // namespace kexlib
+
+kexWizardPageInfoHolder::kexWizardPageInfoHolder(DWORD idd) : idd_(idd) {}
 
 kexWizardPageInfoHolder::~kexWizardPageInfoHolder() = default;
 
-DWORD kexWizardPageInfoHolder::idd() const { return m_idd; }
+DWORD kexWizardPageInfoHolder::idd() const { return idd_; }
 
 kexWizardExchangeBase::kexWizardExchangeBase() = default;
 
 kexWizardExchangeBase::~kexWizardExchangeBase() = default;
 
 kexWizardDialog::kexWizardDialog(const CStringA& title, int start_page, HWND parent)
-    : CPropertySheetImpl(static_cast<LPCSTR>(nullptr), static_cast<UINT>(start_page), parent), m_title(title) {
+    : CPropertySheetImpl(static_cast<LPCSTR>(nullptr), static_cast<UINT>(start_page), parent), title_(title) {
   init();
 }
 
 kexWizardDialog::kexWizardDialog(UINT title_id, int start_page, HWND parent)
     : CPropertySheetImpl(static_cast<LPCSTR>(nullptr), static_cast<UINT>(start_page), parent) {
-  m_title.LoadString(title_id);
+  title_.LoadString(title_id);
   init();
 }
 
@@ -36,24 +46,24 @@ kexWizardDialog::~kexWizardDialog() = default;
 
 void kexWizardDialog::init() { m_psh.dwFlags |= PSH_WIZARD97 | PSH_NOAPPLYNOW | PSH_WIZARDHASFINISH; }
 
-// Counted whether the system takes it or not, on purpose.
+// Kept for compatibility: callers see a page that the system refused in the count.
 void kexWizardDialog::add_page(kexWizardPageInfoHolder& page) {
-  m_pages.push_back(&page);
+  pages_.push_back(&page);
   AddPage(page.psp());
-  ++m_pages_count;
+  ++pages_count_;
 }
 
 const kexWizardPageInfoHolder& kexWizardDialog::get_page(int index) const {
-  return *m_pages[static_cast<size_t>(index)];
+  return *pages_[static_cast<size_t>(index)];
 }
 
-int kexWizardDialog::get_pages_count() const { return m_pages_count; }
+int kexWizardDialog::get_pages_count() const { return pages_count_; }
 
 void kexWizardDialog::put_user_object(std::shared_ptr<kexWizardExchangeBase> object) {
-  m_user_object = std::move(object);
+  user_object_ = std::move(object);
 }
 
-void kexWizardDialog::get_user_object(std::shared_ptr<kexWizardExchangeBase>& out) { out = m_user_object; }
+void kexWizardDialog::get_user_object(std::shared_ptr<kexWizardExchangeBase>& out) { out = user_object_; }
 
 void kexWizardDialog::set_icon(HICON icon) {
   m_psh.dwFlags |= PSH_USEHICON;
@@ -66,7 +76,7 @@ BOOL kexWizardDialog::ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, 
   if (uMsg == WM_HELP) {
     OnHelp();
     lResult = 0;
-    return TRUE;  // without an application object too, on purpose
+    return TRUE;  // also without an application object: callers rely on the system showing no help
   }
   if (uMsg == WM_SHOWWINDOW && wParam == TRUE) Center();
   return CPropertySheetImpl::ProcessWindowMessage(hWnd, uMsg, wParam, lParam, lResult, dwMsgMapID);
@@ -74,22 +84,23 @@ BOOL kexWizardDialog::ProcessWindowMessage(HWND hWnd, UINT uMsg, WPARAM wParam, 
 
 void kexWizardDialog::OnSheetInitialized2() {}
 
-void kexWizardDialog::OnSheetInitialized() {
+// noexcept: an exception must not unwind the frames of PropertySheet.
+void kexWizardDialog::OnSheetInitialized() noexcept {
   if (!(GetExStyle() & WS_EX_CONTEXTHELP)) ModifyStyleEx(0, WS_EX_CONTEXTHELP);
   make_font();
-  SetTitle(m_title);
+  SetTitle(title_);
   lay_out_buttons();
   OnSheetInitialized2();
 }
 
 void kexWizardDialog::make_font() {
   constexpr int tenths_of_a_point = 120;
-  m_font = std::make_shared<WTL::CFont>();
-  m_font->CreatePointFont(tenths_of_a_point, "Arial");
-  SetFont(*m_font);
+  font_ = std::make_shared<WTL::CFont>();
+  font_->CreatePointFont(tenths_of_a_point, "Arial");
+  SetFont(*font_);
 }
 
-// From the right edge of where Back was, on purpose: the row moves to the right.
+// By design the row begins at the right edge of the original Back button: derived wizards widen the window for it.
 void kexWizardDialog::lay_out_buttons() {
   constexpr int gap = 6;
   const auto place = [this](int id) {
@@ -112,11 +123,11 @@ void kexWizardDialog::OnHelp() {
   AFX_MANAGE_STATE(AfxGetAppModuleState());
   CWinApp* app = AfxGetApp();
   const auto index = static_cast<size_t>(GetActiveIndex());
-  if (app && index < m_pages.size()) app->WinHelpInternal(m_pages[index]->idd() + base_of_dialogs, HELP_CONTEXT);
+  if (app && index < pages_.size()) app->WinHelpInternal(pages_[index]->idd() + base_of_dialogs, HELP_CONTEXT);
 }
 
 void kexWizardDialog::Center() {
-  if (m_centered) return;
+  if (centered_) return;
   CenterWindow();
-  m_centered = true;
+  centered_ = true;
 }

@@ -1,6 +1,7 @@
 #include <kexlib/imaging/buffer.h>
 
 #include <fstream>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -28,11 +29,12 @@ bool kexBuffer::fail() const { return stream_.fail(); }
 
 unsigned __int64 kexBuffer::size() const { return closed_ ? stream_.view().size() : 0; }
 
-void kexBuffer::write_to_file(const CString& path) const {
+void kexBuffer::write_to_file(const CString& path) const try {
   wait_closed();
   const std::string_view bytes = stream_.view();
-  std::ofstream file(path.GetString(), std::ios::binary | std::ios::trunc);
+  std::ofstream file(path.GetString(), std::ios::binary | std::ios::trunc);  // allocates a buffer
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+} catch (const std::bad_alloc&) {
 }
 
 void kexBuffer::serialize(CArchive& ar) {
@@ -46,7 +48,7 @@ void kexBuffer::serialize(CArchive& ar) {
   }
   DWORD length = 0;
   ar >> length;
-  std::vector<char> bytes(length);  // zeros, which stay where the archive ends early
+  std::vector<char> bytes(length);  // the zeros stay if the archive ends early
   ar.Read(bytes.data(), length);
   write(bytes.data(), length);
   close();

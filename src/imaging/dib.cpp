@@ -10,7 +10,7 @@ namespace {
 
 kexlib::Pixel system_pixel(int index) { return kexlib::pixel_of(GetSysColor(index)); }
 
-// A picture for the effects. GDI may hold back what was drawn: it is asked to be done first.
+// GDI batches drawing calls: it must finish them before the pixels are accessed.
 kexlib::PixelSpan span_of(const DWORD* bits, SIZE size) {
   static_assert(sizeof(DWORD) == sizeof(kexlib::Pixel));
   GdiFlush();
@@ -25,7 +25,7 @@ kexWTLDIB::kexWTLDIB() {
   m_old_bitmap = m_dc.GetCurrentBitmap();
 }
 
-// Memberwise on purpose: the handles are shared.
+// Memberwise by design: callers hand the handles on.
 kexWTLDIB& kexWTLDIB::operator=(const kexWTLDIB& other) = default;
 
 kexWTLDIB::~kexWTLDIB() {
@@ -87,9 +87,9 @@ int kexWTLDIB::set_bitmap(WTL::CBitmapT<true>* bitmap) {
     const DWORD error_before = GetLastError();
     SetLastError(ERROR_SUCCESS);
     GetDIBits(desktop, *bitmap, 0, static_cast<UINT>(m_size.cy), m_bits, &m_bmi, DIB_RGB_COLORS);
-    const bool copied = GetLastError() == ERROR_SUCCESS;  // what GetDIBits returns does not count, on purpose
+    const bool copied = GetLastError() == ERROR_SUCCESS;  // kept for compatibility: GetDIBits's result is ignored
     SetLastError(error_before);
-    if (desktop) DeleteDC(desktop);  // not ReleaseDC, on purpose
+    if (desktop) DeleteDC(desktop);  // not ReleaseDC: kept for compatibility
     if (copied) return 1;
   }
   destroy();
@@ -116,7 +116,7 @@ int kexWTLDIB::load_bitmap(UINT id, HINSTANCE instance) { return load_bitmap(MAK
 
 int kexWTLDIB::load_bitmap(const char* name, HINSTANCE instance) {
   WTL::CBitmap bitmap(LoadBitmapA(instance, name));
-  // A missing resource leaves the picture that was there, on purpose; a missing file does not.
+  // Kept for compatibility: callers keep the previous picture if the resource is missing, unlike LoadBitmapFromFile.
   return bitmap.IsNull() ? 0 : set_bitmap(&bitmap);
 }
 
@@ -181,7 +181,7 @@ void kexWTLDIB::merge(const kexWTLDIB& other) {
 void kexWTLDIB::draw_button_edge(int raised, COLORREF face) {
   constexpr kexlib::Pixel white = 0xFFFFFF, grey = 0x808080, black = 0x000000;
   const kexlib::Pixel inner = kexlib::pixel_of(face);
-  // The corner is black either way, on purpose.
+  // Kept for compatibility: callers see a black corner in both.
   const kexlib::EdgePixels raised_edge{white, inner, black, grey, white, black, black};
   const kexlib::EdgePixels sunken_edge{black, grey, white, inner, black, white, black};
   kexlib::draw_edge(span_of(m_bits, m_size), raised ? raised_edge : sunken_edge);

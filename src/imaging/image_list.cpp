@@ -1,6 +1,5 @@
-#include <kexlib/imaging/image_list.h>
-
 #include <kexlib/imaging/dib.h>
+#include <kexlib/imaging/image_list.h>
 
 #include <atlctrls.h>
 
@@ -8,7 +7,6 @@ int kexWTLImageList::m_DefaultSize = 16;
 
 kexWTLImageList::kexWTLImageList(int size, DWORD mask_color) : m_size(size), m_mask_color(mask_color) {}
 
-// The list outlives the object, on purpose.
 bool kexWTLImageList::Create() {
   constexpr int grow = 4;
   m_handle = ImageList_Create(m_size, m_size, ILC_COLOR32 | ILC_MASK, m_DefaultSize, grow);
@@ -33,9 +31,9 @@ bool kexWTLImageList::Add(UINT bitmap_id, HINSTANCE instance, kexImageType type)
   WTL::CWindowDC screen(nullptr);
   WTL::CBitmap bitmap;
   bitmap.CreateCompatibleBitmap(screen, m_size, m_size);
-  picture.get_bitmap(&bitmap);  // not for another size: the bitmap is added with what it holds then
+  picture.get_bitmap(&bitmap);  // fails if the size differs; the bitmap then keeps its undefined contents
   WTL::CImageList(m_handle).Add(bitmap, m_mask_color);
-  return true;  // whether the list took it or not, on purpose
+  return true;  // kept for compatibility: callers see only a failed load
 }
 
 int kexWTLImageList::GetImageCount() const { return WTL::CImageList(m_handle).GetImageCount(); }

@@ -1,7 +1,7 @@
 // Rows of pixels, four at a time with SSE2, which every x86-64 processor has.
-#include <imaging/pixel_effects.h>
-
 #include <emmintrin.h>
+
+#include <imaging/pixel_effects.h>
 
 #include <algorithm>
 #include <array>
@@ -25,7 +25,7 @@ __m128i select(__m128i mask, __m128i yes, __m128i no) {
   return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
 }
 
-// Pixels with the key's colour become `even` and `odd` by turns. Whether all had it.
+// Replaces pixels of the key's colour with `even` or `odd`, by their index. True if all pixels had the key's colour.
 bool replace(Pixel* pixels, std::size_t count, Pixel key, Pixel even, Pixel odd) {
   const __m128i keys = all_lanes(key), colors = all_lanes(color_bits);
   const __m128i pattern = _mm_unpacklo_epi32(all_lanes(even), all_lanes(odd));
@@ -77,12 +77,12 @@ __m128i luminances_of(__m128i four) {
   return _mm_srli_epi32(sums, 8);
 }
 
-// A pixel for each luminance, and room for the rest of the last four that are made.
+// A pixel for each luminance. ramp_part writes in fours, which needs room at the end.
 using Ramp = std::array<Pixel, 256 + lanes>;
 
 // from + (to - from) * step / steps for each channel, truncated towards zero, four steps at a time: up to three more
-// than `count` are made. Single precision is exact enough: the quotients are below 256 and, where they are not whole,
-// at least 1/256 away from the next whole number.
+// than `count` are made. Single precision is exact enough: the quotients are below 256 and, if they are not whole, at
+// least 1/256 away from the next whole number.
 void ramp_part(Pixel* entries, int count, Channels from, Channels to, int first_step, int steps) {
   const __m128 divisor = _mm_set1_ps(static_cast<float>(steps)), next_four = _mm_set1_ps(float{lanes});
   __m128 step = _mm_add_ps(_mm_set1_ps(static_cast<float>(first_step)), _mm_set_ps(3, 2, 1, 0));
@@ -108,7 +108,7 @@ Ramp make_ramp(Channels dark, Channels mid, Channels light, int middle) {
 }  // namespace
 
 void fill(PixelSpan picture, Pixel pixel) {
-  // The processor's own string store is level with memset on any size; a loop of stores is not.
+  // The processor's string store is as fast as memset at any size; a loop of stores is not.
 #if defined(__GNUC__)
   Pixel* to = picture.pixels;
   std::size_t count = picture.count();
@@ -139,7 +139,7 @@ void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, Co
   constexpr Channels grey{128, 128, 128};
   const Channels middle_color = pixel_of(mid) == 0 ? grey : channels_of(mid);
   const int middle = threshold ? threshold : luminance(middle_color);
-  if (middle == 0) return;  // almost black, and no ramp leads there
+  if (middle == 0) return;  // the ramp from dark to mid has no length
 
   const Ramp ramp = make_ramp(channels_of(dark), middle_color, channels_of(light), middle);
   const Pixel skipped = pixel_of(skip);
@@ -167,7 +167,7 @@ void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, Co
 }
 
 void stipple(PixelSpan picture, Pixel face, Pixel highlight) {
-  // The margins differ on purpose: two columns on either side, one row at the bottom, two at the top.
+  // The margins differ: kept for compatibility.
   constexpr int side = 2, bottom = 1, top = 2;
   if (picture.width <= 2 * side) return;
   const auto columns = static_cast<std::size_t>(picture.width - 2 * side);
@@ -179,7 +179,7 @@ void stipple(PixelSpan picture, Pixel face, Pixel highlight) {
 
 void shift_down_right(PixelSpan picture) {
   if (picture.width < 2 || picture.height < 2) return;
-  // From the bottom row up: each takes from the row above it before that one is changed.
+  // From the bottom up: each row is copied before it is overwritten.
   const std::size_t bytes = static_cast<std::size_t>(picture.width - 1) * sizeof(Pixel);
   for (int y = 0; y + 1 < picture.height; ++y) std::memcpy(picture.row(y) + 1, picture.row(y + 1), bytes);
 }
@@ -198,9 +198,9 @@ void merge(PixelSpan picture, const Pixel* other, Pixel face) {
       if (from[i] != face) to[i] = from[i];
   };
 
-  // The picture is walked as if its width and height were each other's, on purpose: i * width + j, i up to the width
-  // and j up to the height. In a wide picture that is a square at the lower left and then what lies behind the end; in
-  // a high one the runs overlap, and all but the end of the picture is merged.
+  // Kept for compatibility: the index is i * width + j, with i below the width and j below the height, as if the two
+  // were exchanged. In a wide picture this is a square of height x height pixels at the left, and then indices past the
+  // end, which are skipped. In a high one the runs overlap and cover the first (width - 1) * width + height pixels.
   const auto width = static_cast<std::size_t>(picture.width), height = static_cast<std::size_t>(picture.height);
   if (width > height)
     for (std::size_t y = 0; y < height; ++y) merge_pixels(y * width, height);
@@ -213,7 +213,7 @@ void draw_edge(PixelSpan picture, const EdgePixels& edge) {
   const auto put = [&](int x, int y, Pixel pixel) {
     if (x >= 0 && x <= right && y >= 0 && y <= top) picture.row(y)[x] = pixel;
   };
-  // Where two sides meet, the later one wins.
+  // If two sides overlap, the later one is visible.
   for (int y = 1; y <= top; ++y) {
     put(0, y, edge.left_outer);
     put(1, y, edge.left_inner);

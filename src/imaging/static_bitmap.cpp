@@ -5,7 +5,7 @@
 
 template <class Static>
 wbzStaticBitmapTemplate<Static>::~wbzStaticBitmapTemplate() {
-  // A copy that the control still shows is left to it, on purpose.
+  // Not a copy: the control may outlive this object and still paint it.
   if (owned_) DeleteObject(bitmap_);
 }
 

@@ -2,12 +2,12 @@
 
 namespace {
 
-// QS_ALLINPUT as it was before touch and pen: what newer headers add, older systems refuse.
+// QS_ALLINPUT without touch and pen: older systems reject the bits that newer headers add.
 constexpr DWORD any_message =
     QS_KEY | QS_MOUSE | QS_POSTMESSAGE | QS_TIMER | QS_PAINT | QS_SENDMESSAGE | QS_HOTKEY | QS_RAWINPUT;
 static_assert(any_message == 0x04FF);
 
-// Mouse input outside of client areas is left through: a window may be moved while it waits.
+// Mouse input outside client areas passes: users may move a window while it waits.
 bool is_user_input(UINT message) {
   return message == WM_SETCURSOR || (message >= WM_KEYFIRST && message <= WM_UNICHAR) ||
          (message >= WM_MOUSEFIRST && message <= WM_MOUSEHWHEEL);
@@ -27,7 +27,8 @@ int SafeWaitServiceMessageQueue(int dropUserInput, MSG* quitMessage) {
   } else if (quitMessage) {
     *quitMessage = message;
   } else {
-    // Meant, although the next look finds it again: the quit has to outlive a wait that nobody can end for it.
+    // By design, although the next poll finds it again: callers rely on their own loop receiving the quit after the
+    // wait.
     PostQuitMessage(static_cast<int>(message.wParam));
   }
   return 1;
@@ -36,7 +37,7 @@ int SafeWaitServiceMessageQueue(int dropUserInput, MSG* quitMessage) {
 DWORD SafeWaitWithMessageLoop(DWORD count, const HANDLE* handles, DWORD timeoutMs, BOOL dropUserInput,
                               MSG* quitMessage) {
   const DWORD start = GetTickCount();
-  // Unsigned, so the tick counter may pass its end.
+  // Unsigned, so the result is right when the tick counter wraps.
   const auto time_left = [=]() -> DWORD {
     if (timeoutMs == INFINITE) return INFINITE;
     const DWORD elapsed = GetTickCount() - start;
@@ -55,7 +56,7 @@ DWORD SafeWaitWithMessageLoop(DWORD count, const HANDLE* handles, DWORD timeoutM
       continue;
     }
 
-    // The queue is empty now, so any message to come is new and ends the sleep: one that was seen but left would not.
+    // The queue must be empty here: a message that was seen and left in the queue does not end the sleep.
     const DWORD left = time_left();
     if (left == 0) return WAIT_TIMEOUT;
     const DWORD woken = MsgWaitForMultipleObjects(count, handles, FALSE, left, any_message);

@@ -1,6 +1,8 @@
+#include <kexlib/messageloop/thread_message_hook.h>
+
 #include <atlbase.h>
 
-#include <kexlib/messageloop/thread_message_hook.h>
+#include <atomic>
 
 namespace {
 
@@ -17,6 +19,9 @@ class Locked {
 
 }  // namespace
 
+// The hook procedure reads it without a lock, on the hooked thread: hence std::atomic_ref below.
+constinit CThreadMessageHook* CThreadMessageHook::s_hooked_instance = nullptr;
+
 CThreadMessageHook::CThreadMessageHook(int installNow, DWORD threadId) : thread_id_(threadId) {
   if (!InitializeCriticalSectionEx(&lock_, 0, 0)) AtlThrow(AtlHresultFromLastError());
   if (installNow) SetHook();
@@ -24,17 +29,21 @@ CThreadMessageHook::CThreadMessageHook(int installNow, DWORD threadId) : thread_
 
 CThreadMessageHook::~CThreadMessageHook() {
   RemoveHook();
+  // RemoveHook fails after the end of the hooked thread. The hook of another object must not find this one then.
+  CThreadMessageHook* self = this;
+  std::atomic_ref(s_hooked_instance).compare_exchange_strong(self, nullptr);
   DeleteCriticalSection(&lock_);
 }
 
 long CThreadMessageHook::SetHook() {
   Locked locked(lock_);
   if (hook_) return E_FAIL;
-  // Before the hook is there, which may be called at once. Another object's instance is taken over, and not given back.
-  s_hooked_instance = this;
+  // Before the hook is installed, since its procedure may be called at once. The instance of another object is replaced
+  // and not restored: one object at a time.
+  std::atomic_ref(s_hooked_instance).store(this);
   hook_ = SetWindowsHookExA(WH_GETMESSAGE, static_callback_function, nullptr, thread_id_);
   if (hook_) return S_OK;
-  s_hooked_instance = nullptr;
+  std::atomic_ref(s_hooked_instance).store(nullptr);
   return AtlHresultFromLastError();
 }
 
@@ -43,8 +52,8 @@ long CThreadMessageHook::RemoveHook() {
   if (!hook_) return S_OK;
   if (!UnhookWindowsHookEx(hook_)) return AtlHresultFromLastError();
   hook_ = nullptr;
-  // Even where it is another object's by now: one object at a time.
-  s_hooked_instance = nullptr;
+  // Also if another object has replaced this one: one object at a time.
+  std::atomic_ref(s_hooked_instance).store(nullptr);
   return S_OK;
 }
 
@@ -71,14 +80,21 @@ int CThreadMessageHook::is_registered_message(UINT message) {
 
 void CThreadMessageHook::on_message_removal(MSG* msg) {
   Locked locked(lock_);
+  // UnhookWindowsHookEx does not wait for a procedure that runs on another thread: the hook may have been removed while
+  // this thread was on its way to the lock.
+  if (!hook_) return;
   if (!msg->hwnd && is_registered_message(msg->message)) OnHookedMessage(msg);
 }
 
-// noexcept: an exception must not unwind the system's code, and what would become of it there differs.
+// noexcept: an exception must not unwind the system's frames; the outcome would depend on the version of Windows.
 LRESULT CALLBACK CThreadMessageHook::static_callback_function(int code, WPARAM wParam, LPARAM lParam) noexcept {
-  // Equal, although Windows may add PM_NOYIELD, and whatever the code: both are meant.
-  if (wParam == PM_REMOVE && s_hooked_instance) s_hooked_instance->on_message_removal(reinterpret_cast<MSG*>(lParam));
-  // The handler may have unhooked the object.
-  if (!s_hooked_instance) return 0;
-  return CallNextHookEx(s_hooked_instance->hook_, code, wParam, lParam);
+  // Read once for each use: another thread may clear it in between.
+  CThreadMessageHook* hooked = std::atomic_ref(s_hooked_instance).load();
+  // By design the hook code is ignored, and PM_REMOVE | PM_NOYIELD does not count: callers see removal by PM_REMOVE
+  // only.
+  if (wParam == PM_REMOVE && hooked) {
+    hooked->on_message_removal(reinterpret_cast<MSG*>(lParam));
+    hooked = std::atomic_ref(s_hooked_instance).load();  // the handler may have removed the hook
+  }
+  return hooked ? CallNextHookEx(hooked->hook_, code, wParam, lParam) : 0;
 }

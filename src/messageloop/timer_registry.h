@@ -7,18 +7,18 @@ class CATLWindowLessTimer;
 
 namespace kexlib {
 
-// The process's windowless timers: which object has the timer that the system calls for.
+// The process's windowless timers: maps the ids of the system's timers to objects.
 class TimerRegistry {
  public:
-  // Throws where the lock cannot be made, as AtlThrow does.
+  // Throws as AtlThrow does if the lock cannot be initialized.
   TimerRegistry();
-  // Leaves everything as it is where the process ends: a thread that is gone may hold the lock, or the heap's.
+  // Does nothing at the end of the process: an ended thread may own this lock or that of the heap.
   ~TimerRegistry();
 
   void add(CATLWindowLessTimer* timer);
   void remove(const CATLWindowLessTimer* timer);
 
-  // What the system calls for each of them.
+  // The timer procedure of all of them.
   static void CALLBACK TimerRegistryProc(HWND window, UINT message, UINT_PTR id, DWORD time) noexcept;
 
  private:
@@ -33,6 +33,8 @@ class TimerRegistry {
   CComCriticalSection lock_;  // guards the list, and is held while a tick runs
   Node* newest_ = nullptr;
 };
+
+extern TimerRegistry timers;
 
 }  // namespace kexlib
 

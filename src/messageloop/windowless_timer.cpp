@@ -1,7 +1,7 @@
 #include <kexlib/messageloop/windowless_timer.h>
 
 #include <messageloop/timer_registry.h>
-#include <module/process_state.h>
+#include <module/process_end.h>
 
 #include <algorithm>
 #include <utility>
@@ -14,7 +14,7 @@ TimerRegistry::TimerRegistry() {
 }
 
 TimerRegistry::~TimerRegistry() {
-  if (module::process_is_ending()) return;
+  if (process_is_ending()) return;
   while (newest_) delete std::exchange(newest_, newest_->next);
   lock_.Term();
 }
@@ -34,21 +34,21 @@ void TimerRegistry::remove(const CATLWindowLessTimer* timer) {
 }
 
 void TimerRegistry::tick(HWND window, UINT message, UINT_PTR id, DWORD time) {
-  // Held during the tick, which is meant: no timer of another thread ticks, starts or stops meanwhile.
+  // Held during the tick by design: callers rely on no timer of another thread ticking, starting or stopping meanwhile.
   CComCritSecLock<CComCriticalSection> locked(lock_);
   const DWORD thread = GetCurrentThreadId();
   for (const Node* node = newest_; node; node = node->next) {
-    // Not every system gives out ids that differ between threads.
+    // On some systems ids are unique within one thread only.
     if (node->thread != thread || node->timer->timer_id_ != id) continue;
     node->timer->TimerProc(window, message, id, time);
     return;
   }
-  // The tick of a timer that was stopped while it was under way.
+  // Not found: the timer was stopped after its message had left the queue.
 }
 
-// noexcept: what becomes of an exception in a timer's callback depends on a flag of the process, and the lock with it.
+// noexcept: depending on a flag of the process, the system would discard an exception, and the lock would stay held.
 void CALLBACK TimerRegistry::TimerRegistryProc(HWND window, UINT message, UINT_PTR id, DWORD time) noexcept {
-  module::timers.tick(window, message, id, time);
+  timers.tick(window, message, id, time);
 }
 
 }  // namespace kexlib
@@ -61,7 +61,7 @@ CATLWindowLessTimer::CATLWindowLessTimer(const CATLWindowLessTimer&) = default;
 
 CATLWindowLessTimer& CATLWindowLessTimer::operator=(const CATLWindowLessTimer&) = default;
 
-// Does not stop the timer, which is meant: derived classes do, while OnTimerTick still is there.
+// By design it does not stop the timer: derived classes do, while OnTimerTick still exists.
 CATLWindowLessTimer::~CATLWindowLessTimer() = default;
 
 short CATLWindowLessTimer::GetEnabled() const { return timer_id_ ? 1 : 0; }
@@ -72,7 +72,7 @@ long CATLWindowLessTimer::GetInterval() const { return interval_; }
 
 void CATLWindowLessTimer::SetInterval(long ms) {
   constexpr long shortest = 50;
-  const bool starts_afresh = timer_id_ && ms != interval_;  // ms as it came: 10 on a timer of 50 counts as a change
+  const bool starts_afresh = timer_id_ && ms != interval_;  // ms as given: 10 on a timer of 50 is a change
   if (starts_afresh) _Stop();
   interval_ = std::max(ms, shortest);
   if (starts_afresh) _Start();
@@ -95,14 +95,14 @@ void CATLWindowLessTimer::FinalRelease() { _Stop(); }
 
 void CATLWindowLessTimer::_Start() {
   if (timer_id_) return;
-  // Stays there where the timer is refused; nobody looks for it then.
-  kexlib::module::timers.add(this);
+  // Kept for compatibility: if the timer is refused, callers see the object stay registered.
+  kexlib::timers.add(this);
   timer_id_ = SetTimer(nullptr, 0, static_cast<UINT>(interval_), &TimerRegistry::TimerRegistryProc);
 }
 
 void CATLWindowLessTimer::_Stop() {
   if (!timer_id_) return;
-  kexlib::module::timers.remove(this);
+  kexlib::timers.remove(this);
   KillTimer(nullptr, timer_id_);
   timer_id_ = 0;
 }
@@ -111,7 +111,7 @@ void CATLWindowLessTimer::TimerProc(HWND, UINT, UINT_PTR id, DWORD) {
   if (timer_id_ != id || in_tick_) return;  // a tick during the tick, in a nested loop, is dropped
   in_tick_ = 1;
   if (suspended_) {
-    // Not stopped, though it may be for one tick only: it ticks again after the one that is held back. Meant.
+    // By design a timer that does not repeat is not stopped here: callers see it tick again after the held tick.
     tick_pending_ = 1;
   } else {
     if (!repeatable_) _Stop();

@@ -1,42 +1,51 @@
-// Load and unload of kexlib.dll.
+// Load and unload of kexlib.dll: the objects that are created when the library is loaded and whose order matters.
 //
-// The objects below are made from top to bottom when the library is loaded and released from bottom to top when it is
-// unloaded: at FreeLibrary, and at the end of the process however it comes, but for TerminateProcess. Static
-// constructors of modules that are linked to this one may use them all; those of this one may use what is constinit.
+// They are created from top to bottom and released from bottom to top, at FreeLibrary and at the end of the process
+// (except by TerminateProcess). An object that only one unit uses, and that needs no order, is defined in that unit's
+// source.
 #include <kexlib/diagnostics/trace_file.h>
-#include <kexlib/messageloop/thread_message_hook.h>
-#include <module/process_state.h>
 
-namespace kexlib::module {
+#include <windows.h>
+
+#include <diagnostics/profiler_state.h>
+#include <messageloop/timer_registry.h>
+#include <module/process_end.h>
+#include <windowtools/hwnd_table_state.h>
+
+namespace kexlib {
+
+// Created first and released last, so that the release of everything else may still be profiled. Constinit: static
+// constructors of modules that link to this one may profile, in whatever order the loader runs them. If profiling is on
+// at the end, "profiler.js" is written; the memory is freed unless the process ends.
+constinit ProfilerState profiler;
+
+}  // namespace kexlib
+
+// Next, for the same reasons: static constructors may trace. Writes the footer of a trace file that is open.
+constinit CTraceToFile g_traceToFile;
+
+namespace kexlib {
+
+// Before the timers, whose construction can fail: when it does, this has nothing to undo. Removes the hook from its
+// thread, which would otherwise call into the freed library; at the end of the process the system does that.
+constinit HwndTableState hwnd_table;
+
+// Last, because it alone runs code at load: it initializes the lock that all timers share, and throws if it cannot. At
+// the end of the process lock and list are not accessed, since an ended thread may own the lock.
+TimerRegistry timers;
+
 namespace {
 
 bool ending = false;
 
 }  // namespace
 
-constinit ProfilerState profiler;  // unloaded while on: writes "profiler.js"
-constinit NumberTexts tip_numbers;
-constinit const char digit_font_name[] = "Tahoma";
+bool process_is_ending() { return ending; }
 
-constinit HwndTableState hwnd_table;  // unloaded: removes the hook
-constinit OwnManifest own_manifest;
+}  // namespace kexlib
 
-const DialogMessages dialog_messages{RegisterWindowMessageA("MSG_QZ_GetDialogTemplateID"),
-                                     RegisterWindowMessageA("MSG_QZ_GetDialogResLibrary")};
-
-TimerRegistry timers;  // the windowless timers, with the lock that they share
-
-}  // namespace kexlib::module
-
-constinit CTraceToFile g_traceToFile;  // unloaded while open: writes its footer
-
-constinit CThreadMessageHook* CThreadMessageHook::s_hooked_instance = nullptr;
-
-bool kexlib::module::process_is_ending() { return ending; }
-
-// Runs before the objects are released.
+// Called before the objects above are released.
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
-  if (reason == DLL_PROCESS_DETACH) kexlib::module::ending = process_ends != nullptr;
-  if (kexlib::module::ending) kexlib::module::tip_numbers.abandon();
+  if (reason == DLL_PROCESS_DETACH) kexlib::ending = process_ends != nullptr;
   return TRUE;
 }

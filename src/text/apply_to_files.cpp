@@ -2,25 +2,22 @@
 
 #include <afx.h>
 #include <atlbase.h>
-
 #include <shlobj.h>
 #include <shlwapi.h>
 
-#include <module/widened.h>
+#include <support/widened.h>
 
 using namespace kexlib;
 
 namespace {
 
-// The file that a shortcut stands for; empty where that cannot be told.
+// The target of a shortcut; empty on failure.
 CString shortcut_target(const char* path) {
   CComPtr<IShellLinkA> link;
   CComPtr<IPersistFile> file;
   if (FAILED(link.CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER))) return {};
   if (FAILED(link.QueryInterface(&file))) return {};
-  CComBSTR wide_path;
-  wide_path.Attach(module::widened(path));
-  if (FAILED(file->Load(wide_path, STGM_READ))) return {};
+  if (FAILED(file->Load(widened(path), STGM_READ))) return {};
   char target[MAX_PATH] = "";
   if (FAILED(link->GetPath(target, MAX_PATH, nullptr, SLGP_UNCPRIORITY))) return {};
   return target;
@@ -40,7 +37,7 @@ long kexApplyToFiles::Apply(const char* directory, const char* pattern, int foll
   return pattern && is_folder(directory) ? walk(directory, pattern, followShortcuts) : E_INVALIDARG;
 }
 
-// One search a folder, and no other question to the file system: what an entry is, the search has said.
+// One search per folder and no other access to the file system: the search already returns the attributes.
 long kexApplyToFiles::walk(const char* directory, const char* pattern, int followShortcuts) {
   stop = 0;
   char mask[MAX_PATH];
@@ -50,7 +47,7 @@ long kexApplyToFiles::walk(const char* directory, const char* pattern, int follo
   CFileFind find;
   if (!find.FindFile(mask)) {
     const HRESULT failure = AtlHresultFromLastError();
-    return is_folder(directory) ? failure : E_INVALIDARG;  // it may have vanished since it was met
+    return is_folder(directory) ? failure : E_INVALIDARG;  // it may have been deleted since it was found
   }
   BOOL more;
   do {

@@ -1,4 +1,4 @@
-#include <module/fixed_text.h>
+#include <support/fixed_text.h>
 #include <text/number_texts.h>
 
 #include <bit>
@@ -9,7 +9,7 @@ namespace kexlib {
 
 namespace {
 
-// Of the bits, for it is asked for twice a tip name. Adding 0 makes -0 the same number as 0.
+// Hashes the bits, which is fast: a tip name looks up two numbers. Adding 0 turns -0 into 0.
 struct Hash {
   std::size_t operator()(double number) const {
     return static_cast<std::size_t>((std::bit_cast<std::uint64_t>(number + 0.0) * 0x9E3779B97F4A7C15u) >> 32);
@@ -26,7 +26,7 @@ const CStringA& NumberTexts::text(double number) {
   if (!texts_) texts_ = new Texts;
   const auto known = texts_->find(number);
   if (known != texts_->end()) return known->second;
-  return texts_->emplace(number, module::fixed_text(number, 1)).first->second;
+  return texts_->emplace(number, fixed_text(number, 1)).first->second;
 }
 
 std::size_t NumberTexts::count() const { return texts_ ? texts_->size() : 0; }

@@ -7,10 +7,9 @@
 
 namespace kexlib {
 
-// Numbers with one decimal as text, each made once and kept: the ones of tip names are few and come again and again.
+// A cache of numbers as text with one decimal. Tip names repeat a few numbers.
 //
-// 0 and -0 are one number; the first that comes is the one that is kept. A NaN equals nothing, so each one is kept
-// anew.
+// 0 and -0 are one key; the first one added determines the text. A NaN equals nothing, so each call adds an entry.
 class NumberTexts {
  public:
   constexpr NumberTexts() = default;
@@ -19,13 +18,13 @@ class NumberTexts {
   ~NumberTexts();
 
   const CStringA& text(double number);
-  // Forgets them without giving their memory back: the end of a process must not touch the heap.
+  // Does not free the texts: the heap must not be accessed at the end of a process.
   void abandon() { texts_ = nullptr; }
   std::size_t count() const;
 
  private:
   struct Texts;
-  Texts* texts_ = nullptr;  // made with the first number
+  Texts* texts_ = nullptr;  // created with the first number
 };
 
 }  // namespace kexlib

@@ -1,15 +1,15 @@
 #include <kexlib/text/test_object_id.h>
 
-#include <module/widened.h>
+#include <support/variant_copy.h>
+#include <support/widened.h>
 
 using namespace kexlib;
 
 namespace {
 
 void copy(VARIANT& target, const VARIANT& source) {
-  const HRESULT result = VariantCopy(&target, const_cast<VARIANT*>(&source));
+  const HRESULT result = copy_variant(target, source);
   if (SUCCEEDED(result)) return;
-  VariantClear(&target);
   target.vt = VT_ERROR;
   target.scode = result;
   AtlThrow(result);
@@ -19,7 +19,7 @@ void copy(VARIANT& target, const VARIANT& source) {
 
 kexTestObjectID::kexTestObjectID() : kexTestObjectID(nullptr) {}
 
-kexTestObjectID::kexTestObjectID(const char* text) : id{}, special(module::widened(text)) {}
+kexTestObjectID::kexTestObjectID(const char* text) : id{}, special(widened(text).Detach()) {}
 
 kexTestObjectID::~kexTestObjectID() {
   SysFreeString(special);

@@ -1,11 +1,11 @@
 #include <kexlib/text/text_helpers.h>
 
+#include <atlbase.h>
 #include <emmintrin.h>
 #include <mbctype.h>
 #include <mbstring.h>
 
-#include <atlbase.h>
-#include <module/widened.h>
+#include <support/widened.h>
 
 #include <cstdlib>
 #include <string_view>
@@ -19,7 +19,7 @@ constexpr std::string_view not_in_names = "*?\"<>|/\\:";
 
 bool contains(std::string_view characters, char character) { return characters.find(character) != characters.npos; }
 
-// The bytes of a block that are among the characters: all ones; the others zero.
+// A mask: 0xFF for each byte of a block that is among the characters, 0 for the others.
 __m128i among(std::string_view characters, __m128i block) {
   __m128i found = _mm_setzero_si128();
   for (const char each : characters) found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(each)));
@@ -30,14 +30,14 @@ constexpr int block_size = sizeof(__m128i);
 
 __m128i block_at(const char* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
 
-// Where the first block with one of the characters begins, or the rest that is no whole block.
+// The start of the first block with one of the characters, or of the incomplete block at the end.
 int first_block(const char* text, int length, std::string_view characters) {
   int i = 0;
   while (i + block_size <= length && !_mm_movemask_epi8(among(characters, block_at(text + i)))) i += block_size;
   return i;
 }
 
-// Sixteen characters at a time, whether there are any to replace or not: the time depends on the length alone.
+// Sixteen characters at a time, without branches: the time depends on the length only.
 void replace_bytes(char* text, int length, std::string_view characters, char replacement) {
   const __m128i replacements = _mm_set1_epi8(replacement);
   int i = 0;
@@ -68,7 +68,7 @@ void replace(CString& text, std::string_view characters, char replacement) {
   const int length = text.GetLength();
   if (has_double_bytes(static_cast<UINT>(_getmbcp())))
     return replace_characters(text.GetBuffer(), length, characters, replacement);
-  // What is clean is not written, and stays shared with its copies.
+  // A text without forbidden characters is not written, so it stays shared with its copies.
   const int start = first_block(text, length, characters);
   if (std::string_view(text.GetString() + start, static_cast<std::size_t>(length - start)).find_first_of(characters) ==
       std::string_view::npos)
@@ -76,7 +76,7 @@ void replace(CString& text, std::string_view characters, char replacement) {
   replace_bytes(text.GetBuffer() + start, length - start, characters, replacement);
 }
 
-// What a text refers to, and what it says itself.
+// The resource that a text refers to, and the text after the reference.
 struct Reference {
   long offset = -1;
   CString own_text;
@@ -92,7 +92,7 @@ Reference read_reference(const CString& text) {
 }
 
 bool is_reference_to_variant(VARTYPE type) {
-  // Some other types have these bits too; a copy that is no reference does them no harm.
+  // By design other types that contain these bits count too: callers see the result of VariantCopyInd.
   constexpr VARTYPE bits = VT_BYREF | VT_VARIANT;
   return (type & bits) == bits;
 }
@@ -110,16 +110,18 @@ long kexLocalizeString(HINSTANCE resources, UINT baseId, VARIANT value, wchar_t*
   if (is_reference_to_variant(value.vt)) {
     CComVariant copy;
     const HRESULT copied = VariantCopyInd(&copy, &value);
-    return FAILED(copied) ? copied : kexLocalizeString(resources, baseId, copy, result);
+    if (SUCCEEDED(copied)) return kexLocalizeString(resources, baseId, copy, result);
+    VariantInit(&copy);  // a failure may leave a shallow copy, which must not be cleared
+    return copied;
   }
 
   Reference reference{-1, "** Error **"};
   if (value.vt == VT_BSTR) reference = read_reference(CString(value.bstrVal));
   CString loaded;
   if (reference.offset >= 0 && loaded.LoadString(resources, baseId + static_cast<UINT>(reference.offset))) {
-    *result = module::widened(loaded);
+    *result = widened(loaded).Detach();
     return S_OK;
   }
-  *result = module::widened(reference.own_text);
+  *result = widened(reference.own_text).Detach();
   return S_FALSE;
 }

@@ -1,13 +1,27 @@
 #include <kexlib/text/tip_name.h>
 
-#include <module/fixed_text.h>
-#include <module/process_state.h>
+#include <module/process_end.h>
+#include <support/fixed_text.h>
+#include <text/number_texts.h>
 
 #include <charconv>
 
 using namespace kexlib;
 
 namespace {
+
+// The texts of A and B. They live as long as the library.
+struct TipNumbers {
+  constexpr TipNumbers() = default;
+  TipNumbers(const TipNumbers&) = delete;
+  TipNumbers& operator=(const TipNumbers&) = delete;
+  ~TipNumbers() {
+    if (process_is_ending()) texts.abandon();
+  }
+
+  NumberTexts texts;
+};
+constinit TipNumbers tip_numbers;
 
 // A text that is known when this is compiled, with its length.
 template <std::size_t size>
@@ -18,7 +32,7 @@ void append(CStringA& text, const char (&literal)[size]) {
 void append_narrowed(CStringA& text, const CComBSTR& wide) {
   if (!wide) return;
   const int start = text.GetLength();
-  // Characters of ASCII are the same in every code page that a thread can have; the system takes its time for them.
+  // ASCII characters are the same in every ANSI code page. Copying them is faster than a system call.
   char* const narrow = text.GetBuffer(start + static_cast<int>(wide.Length())) + start;
   int done = 0;
   for (; wide.m_str[done] && wide.m_str[done] < 0x80; ++done) narrow[done] = static_cast<char>(wide.m_str[done]);
@@ -42,18 +56,18 @@ void append_names(CStringA& text, const CComBSTR& name, const CComBSTR& subName)
 
 void append_a_and_b(CStringA& text, double a, double b) {
   append(text, "[ A=");
-  text += module::tip_numbers.text(a);
+  text += tip_numbers.texts.text(a);
   append(text, " B=");
-  text += module::tip_numbers.text(b);
+  text += tip_numbers.texts.text(b);
   append(text, " ]");
 }
 
 void append_d(CStringA& text, double d, const CComBSTR& unit) {
   append(text, " [ D ");
-  text += module::fixed_text(d, 4);
+  text += fixed_text(d, 4);
   append(text, " ");
   if (!unit)
-    append(text, "(null)");  // as printf says of no text: that is meant
+    append(text, "(null)");  // kept for compatibility: callers see what printf prints
   else
     append_narrowed(text, unit);
   append(text, " ]");
@@ -68,7 +82,7 @@ CStringA atl_smart_tip_name_from_parts(CComBSTR& name, long number, CComBSTR& su
   text.GetBuffer(120);  // room for most
   if (showNames) append_names(text, name, subName);
   if (showNumber) {
-    append(text, " - ");  // also where no name stands before it: that is meant
+    append(text, " - ");  // by design also without a name: callers append it to their own heading
     append_number(text, number);
   }
   append(text, " ");

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Null where there is no such room.
+// Null if there is not enough memory.
 char* buffer_of(CStringA& text, int room) {
   try {
     return text.GetBuffer(room);
@@ -16,16 +16,16 @@ char* buffer_of(CStringA& text, int room) {
   }
 }
 
-// The length that the control tells, and a text in the buffer that ends, at its end if not before. The buffer has room
-// for the terminator beyond `room`.
+// Returns the length that the control reports. The control need not terminate the text: the buffer has one character
+// more than `room` for that.
 int read(const WTL::CListViewCtrlT<ATL::CWindow>& list, int item, int subitem, char* buffer, int room) {
-  buffer[0] = 0;  // for a window that does not answer
+  buffer[0] = 0;  // in case the window does not reply
   const int length = list.GetItemText(item, subitem, buffer, room);
   buffer[room] = 0;
   return length;
 }
 
-// A text that fills the buffer may have been cut.
+// A text that fills the buffer may have been truncated.
 bool is_whole(int length, int room) { return length < room - 1; }
 
 }  // namespace
@@ -37,7 +37,7 @@ void kexWTLComboBoxUtils::populate(const std::vector<CStringA>& items) {
 
 CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
   constexpr int short_room = 256;
-  char short_text[short_room + 1];  // no more than one allocation for most texts, and just as large as they are
+  char short_text[short_room + 1];  // most texts then need one allocation of their exact size
   const bool is_short = is_whole(read(list_, item, subitem, short_text, short_room), short_room);
   CStringA text(short_text, static_cast<int>(std::strlen(short_text)));
   if (is_short) return text;
@@ -49,8 +49,8 @@ CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
 
 std::vector<int> kexWTLListViewCtrlUtils::get_selection() {
   std::vector<int> rows;
-  if (!list_.IsWindow()) return rows;  // it would be answered 0, which is a row
-  // Each row comes after the one before: a window that is destroyed meanwhile answers 0 for ever.
+  if (!list_.IsWindow()) return rows;  // the result would be 0, which is a row
+  // A window that is destroyed meanwhile returns 0 each time.
   for (int last = -1, row; (row = list_.GetNextItem(last, LVNI_SELECTED)) > last; last = row) rows.push_back(row);
   return rows;
 }

@@ -22,8 +22,7 @@ RECT window_rect(const CWindow& window) {
   return rect;
 }
 
-// The widest item, but of nothing: the texts are not fetched, and the list is as wide as its borders ask for. That is
-// meant.
+// Kept for compatibility: the texts are not fetched, so that callers see a width that depends on the borders only.
 int widest_text(const ComboBox& combo, HDC dc) {
   int widest = 0;
   for (int item = 0; item < combo.GetCount(); ++item) {
@@ -53,7 +52,7 @@ BOOL CALLBACK show_if_contained(HWND child, LPARAM parameter) {
 }  // namespace
 
 void kexGUITools::ddx_check(CDataExchange* dx, int control_id, bool& value) {
-  // By its byte: a bool that came from elsewhere may be true with another byte than 1, which a check box does not know.
+  // Read as a byte: a bool of foreign code may be true with another value than 1, which a check box does not accept.
   int state = reinterpret_cast<const unsigned char&>(value) != 0;
   DDX_Check(dx, control_id, state);
   value = state != 0;
@@ -78,7 +77,7 @@ int kexGUITools::get_dropdown_width(ComboBox& combo) {
   combo.ReleaseDC(dc);
   int width = widest + 2 * GetSystemMetrics(SM_CXEDGE) + 2;
   if (combo.GetCount() > most_items_shown) width += GetSystemMetrics(SM_CXVSCROLL);
-  // Neither is this function's to delete, and the system refuses, or does not mind: both calls are meant.
+  // Kept for compatibility: code that hooks these calls sees them. The system refuses or ignores both.
   if (previous) DeleteObject(previous);
   DeleteDC(dc);
   return width;
@@ -115,7 +114,7 @@ void kexGUITools::rearrange_buttons_on_toolbar(const std::vector<CWindow*>& butt
   for (CWindow* const button : buttons) {
     if (!button || !button->IsWindowVisible()) continue;
     RECT rect = window_rect(*button);
-    button->ScreenToClient(&rect);  // in its own client area, not its parent's: that is meant
+    button->ScreenToClient(&rect);  // by design relative to its client area: callers pass y_shift for the parent's
     button->SetWindowPos(nullptr, x, rect.top + y_shift, width_of(rect), height_of(rect), SWP_NOZORDER);
     x += width_of(rect) + gap;
   }
@@ -131,7 +130,7 @@ void kexGUITools::set_column_fmt(ListView& list, int column, int fmt) {
 
 void kexGUITools::show_contained_controls(HWND parent, HWND frame, int show_command) {
   Contained contained{{}, show_command};
-  // The descendants of null would be the windows of all programs.
+  // With a null parent the windows of all programs would be enumerated.
   if (!parent || !GetWindowRect(frame, &contained.frame)) return;
   EnumChildWindows(parent, &show_if_contained, reinterpret_cast<LPARAM>(&contained));
 }

@@ -1,6 +1,7 @@
 #include <kexlib/windowtools/hwnd_table.h>
 
-#include <module/process_state.h>
+#include <module/process_end.h>
+#include <windowtools/hwnd_table_state.h>
 
 #include <algorithm>
 #include <cstring>
@@ -18,8 +19,8 @@ struct Hash {
   std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
 };
 
-// The windows of a name, in the order of registration. Most names have one, which is at hand without another look into
-// memory.
+// The windows of a name, in the order of registration. The first is stored apart: most names have no other, and need no
+// vector then.
 struct Named {
   HWND first;
   std::vector<HWND> others;
@@ -38,15 +39,15 @@ bool is_mdi_client(HWND window) {
   return GetClassNameA(window, name, sizeof name) && std::strcmp(name, "MDIClient") == 0;
 }
 
-// The MDI child frame that a window lies in, or is; null outside an MDI client.
+// The MDI child frame that contains a window, or is the window; null outside an MDI client.
 HWND mdi_child_frame(HWND window) {
   for (HWND parent = GetParent(window); parent; window = parent, parent = GetParent(parent))
     if (is_mdi_client(parent)) return window;
   return nullptr;
 }
 
-// Whether a window may be found now: outside an MDI client always, inside only in the active child. A child frame is no
-// descendant of itself and not found: that is meant.
+// Whether a window may be found now: outside an MDI client always, inside only in the active child. By design a child
+// frame is not found: callers look for windows inside frames.
 bool is_in_front(HWND window) {
   HWND client = window;
   while (client && !is_mdi_client(client)) client = GetParent(client);
@@ -60,9 +61,9 @@ bool can_be_given(HWND window) { return IsWindow(window) && IsWindowVisible(wind
 // noexcept: an exception must not unwind the system's code.
 LRESULT CALLBACK watch_destruction(int code, WPARAM wParam, LPARAM lParam) noexcept {
   const auto* const sent = reinterpret_cast<const CWPSTRUCT*>(lParam);
-  // The table is made where it is gone: that is meant.
+  // Kept for compatibility: callers that deleted the table see an empty one.
   if (code >= 0 && sent->message == WM_DESTROY) kexHWNDTable::singleton().unreg_window(sent->hwnd);
-  return CallNextHookEx(module::hwnd_table.hook, code, wParam, lParam);
+  return CallNextHookEx(hwnd_table.hook, code, wParam, lParam);
 }
 
 }  // namespace
@@ -111,7 +112,7 @@ struct kexHWNDTable::Entries {
 };
 
 HwndTableState::~HwndTableState() {
-  if (!module::process_is_ending()) kexHWNDTable::delete_singleton();
+  if (!process_is_ending()) kexHWNDTable::delete_singleton();
 }
 
 kexHWNDTable::kexHWNDTable() : entries_(new Entries) {}
@@ -131,8 +132,8 @@ kexHWNDTable::kexHWNDTable(bzCopy, const kexHWNDTable& other) : kexHWNDTable(oth
 kexHWNDTable::~kexHWNDTable() { delete entries_; }
 
 kexHWNDTable& kexHWNDTable::singleton() {
-  if (!module::hwnd_table.table) module::hwnd_table.table = new kexHWNDTable;
-  return *module::hwnd_table.table;
+  if (!hwnd_table.table) hwnd_table.table = new kexHWNDTable;
+  return *hwnd_table.table;
 }
 
 kexHWNDTable* kexHWNDTable::access_singleton(bzSingletonAccessAction action) {
@@ -142,8 +143,8 @@ kexHWNDTable* kexHWNDTable::access_singleton(bzSingletonAccessAction action) {
 }
 
 void kexHWNDTable::delete_singleton() {
-  HwndTableState& state = module::hwnd_table;
-  // Where its thread has ended, the system refuses: it is gone already.
+  HwndTableState& state = hwnd_table;
+  // The system refuses if the hook's thread has ended: the hook is removed already.
   if (state.hook) UnhookWindowsHookEx(state.hook);
   state.hook = nullptr;
   delete state.table;
@@ -152,10 +153,10 @@ void kexHWNDTable::delete_singleton() {
 
 void kexHWNDTable::reg_window(HWND window, const char* name, unsigned long idd) {
   const Entry* const known = entries_->of(window);
-  // Without a look at the hook: that is meant.
+  // Kept for compatibility: callers see that this does not install the hook.
   if (known && known->name->first == text_of(name)) return;
   if (!known && !check_name(name, window)) entries_->add(window, text_of(name), idd);
-  HHOOK& hook = module::hwnd_table.hook;
+  HHOOK& hook = hwnd_table.hook;
   if (!hook)
     hook = SetWindowsHookExA(WH_CALLWNDPROC, &watch_destruction, GetModuleHandleA("kexlib.dll"), GetCurrentThreadId());
 }
@@ -165,7 +166,7 @@ void kexHWNDTable::unreg_window(HWND window) { entries_->remove(window); }
 HWND kexHWNDTable::get_handle(const char* name) const {
   const Named* const named = entries_->named(text_of(name));
   if (!named) return nullptr;
-  const Named windows = *named;  // they may come and go while the system is asked about them
+  const Named windows = *named;  // a window that is queried may register or unregister others
   if (can_be_given(windows.first)) return windows.first;
   for (HWND window : windows.others)
     if (can_be_given(window)) return window;
@@ -187,7 +188,7 @@ int kexHWNDTable::check_name(const char* name, HWND window) {
   if (!named) return 0;
   const HWND frame = mdi_child_frame(window);
   if (!frame) return 1;
-  // Not where the frame itself has the name: that is meant.
+  // Kept for compatibility: callers may give a window the name of the frame around it.
   const auto is_inside = [frame](HWND other) { return IsChild(frame, other) != FALSE; };
   return is_inside(named->first) || std::any_of(named->others.begin(), named->others.end(), is_inside);
 }

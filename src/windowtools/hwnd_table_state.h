@@ -12,12 +12,14 @@ struct HwndTableState {
   constexpr HwndTableState() = default;
   HwndTableState(const HwndTableState&) = delete;
   HwndTableState& operator=(const HwndTableState&) = delete;
-  // As delete_singleton; but at the end of the process both go with it.
+  // As delete_singleton, unless the process ends: then the system cleans up.
   ~HwndTableState();
 
   kexHWNDTable* table = nullptr;
   HHOOK hook = nullptr;
 };
+
+extern HwndTableState hwnd_table;
 
 }  // namespace kexlib
 

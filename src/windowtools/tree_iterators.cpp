@@ -23,7 +23,7 @@ kexTreeIterator& kexTreeIterator::operator++() {
 }
 
 bool kexTreeIterator::operator==(const kexTreeIterator& other) const {
-  // The ends before the policies, so that a loop stops at the end of any policy: that is meant.
+  // By design the ends are compared before the policies: a loop stops at the end of any policy.
   if (!item_ && !other.item_) return true;
   return item_ == other.item_ && next_ == other.next_;
 }

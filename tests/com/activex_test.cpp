@@ -3,17 +3,18 @@
 
 #include <kexlib/com/activex.h>
 
+#include <afx.h>
+
+#include <com/faulting_server.h>
+#include <com/resources.h>
+#include <support/child_process.h>
 #include <support/import_override.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/resource_counts.h>
 #include <support/test_control.h>
 
-#include <afx.h>
-
 #include <string>
-
-#include "resources.h"
 
 namespace {
 
@@ -103,13 +104,13 @@ TEST_F(ActiveX, GivesOneReferenceToTheCaller) {
   control.Release();
   EXPECT_EQ(class_.made->references(), held - 1);
   CComPtr<IUnknown> kept = static_cast<IOleObject*>(class_.made);
-  DestroyWindow(dialog_);  // the host goes with the dialog, and the control with the host
+  DestroyWindow(dialog_);  // destroys the host, and with it the control
   dialog_ = nullptr;
   EXPECT_TRUE(class_.made->closed);
   EXPECT_EQ(class_.made->references(), 1u);
 }
 
-// A ProgID in the registry of the tests' own prefix, for as long as it lives.
+// Registers a ProgID in the tests' Wine prefix while the object exists.
 class ProgId {
  public:
   ProgId() {
@@ -143,7 +144,7 @@ TEST_F(ActiveX, IsNullWhereThereIsNoSuchClass) {
   for (const char* name : {"{00000000-0000-0000-0000-00000000ABCD}", "No.Such.Control", "{broken"}) {
     host_ = dialog_;
     EXPECT_EQ(CreateControl(dialog_, &host_, IDC_PLACEHOLDER, name).p, nullptr) << name;
-    EXPECT_EQ(host_.m_hWnd, nullptr) << name;  // whatever it was before
+    EXPECT_EQ(host_.m_hWnd, nullptr) << name;  // whatever its previous value
   }
   EXPECT_FALSE(IsWindowVisible(placeholder_));
 }
@@ -176,7 +177,7 @@ TEST_F(ActiveX, LeavesNothingBehind) {
   EXPECT_EQ(ResourceCounts(), before);
 }
 
-// COM's exception handling, which this process keeps as it is: what would change it is recorded.
+// COM's exception handling. The calls that would change it are recorded, not executed.
 
 struct Security {
   int calls;
@@ -291,6 +292,32 @@ TEST(ComExceptionHandlerOfTheSystem, IsSwitchedOffTwice) {
   EXPECT_EQ(kexDisableComExceptionHandler(), S_OK);
   EXPECT_EQ(kexDisableComExceptionHandler(), S_OK);
   CoUninitialize();
+}
+
+// The effect of a fault in a server, with COM's exception handling at its default and disabled.
+
+unsigned result_of(const std::string& call, const std::string& fault, const std::string& handling) {
+  return run_program("faulting_server.exe", call + " " + fault + " " + handling);
+}
+
+// COM is not involved in a call within the apartment.
+TEST(FaultingServerInChildProcess, IsNotContainedWithinTheApartment) {
+  for (const char* handling : {"default", "disabled"}) {
+    EXPECT_EQ(result_of("direct", "violation", handling), unhandled_violation) << handling;
+    EXPECT_EQ(result_of("direct", "exception", handling), reached_the_caller) << handling;
+  }
+}
+
+TEST(FaultingServerInChildProcess, FailsTheCallFromAnotherApartmentByDefault) {
+  EXPECT_EQ(result_of("marshalled", "violation", "default"), became_a_failure);
+  EXPECT_EQ(result_of("marshalled", "exception", "default"), became_a_failure);
+}
+
+// Wine accepts the option and ignores it.
+TEST(FaultingServerInChildProcess, EndsTheProcessByAFatalExceptionOnlyOnceHandlingIsDisabled) {
+  const bool in_wine = GetProcAddress(GetModuleHandleA("ntdll.dll"), "wine_get_version") != nullptr;
+  EXPECT_EQ(result_of("marshalled", "violation", "disabled"), in_wine ? became_a_failure : unhandled_violation);
+  EXPECT_EQ(result_of("marshalled", "exception", "disabled"), became_a_failure);
 }
 
 }  // namespace

@@ -1,43 +1,24 @@
-// The digit control's members: each goes to the control with its identifier and its automation type.
+// The digit control's members: each calls the control with its identifier and its automation type.
 #include <gtest/gtest.h>
 
-#include <kexlib/com/activex.h>
 #include <kexlib/com/digit_control.h>
-#include <kexlib/com/registration_free.h>
-
-#include <support/expect_flat.h>
-#include <support/files.h>
-#include <support/message_pump.h>
-#include <support/picture.h>
-#include <support/test_control.h>
 
 #include <afx.h>
-#include <digits.h>
 
-#include <cmath>
+#include <com/digit_control_fixture.h>
+#include <support/test_control.h>
+
 #include <functional>
-#include <limits>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
 
-#include "resources.h"
-
 namespace {
 
-constexpr CLSID digit_class = {0x107BD0EE, 0x6861, 0x11CF, {0xB2, 0x8B, 0x00, 0x00, 0xC0, 0xC1, 0x4E, 0xA0}};
-constexpr DWORD style = WS_CHILD | WS_VISIBLE;
-constexpr RECT place{10, 20, 130, 100};
+using namespace digit_control;
 
-CY money(LONGLONG ten_thousandths) {
-  CY value;
-  value.int64 = ten_thousandths;
-  return value;
-}
-const CY some_money = money(123456);
-
-// What a member gave, as a variant of the type that it has in C++.
+// The result of a member, as a variant of its C++ type.
 template <class Value>
 CComVariant as_variant(Value value) {
   CComVariant result;
@@ -145,7 +126,7 @@ const Property<kexOleFont> font_properties[] = {
      [](kexOleFont& f) { f.SetCharset(-7); }},
 };
 
-// What the control answers, what the member makes of it, and what it sends.
+// The control's answer, the member's result, and the value that is sent.
 struct Values {
   VARTYPE type;
   const char* answer;
@@ -197,7 +178,7 @@ class DigitControl : public testing::Test {
     EXPECT_EQ(RecordingDispatch::alive, 0);
   }
 
-  // What reached the control since it was asked last: exactly one call.
+  // The call that reached the control since the previous query: exactly one.
   DispatchCall sent() {
     EXPECT_EQ(class_.made->calls.size(), 1u);
     const DispatchCall call = class_.made->calls.empty() ? DispatchCall{} : class_.made->calls[0];
@@ -267,7 +248,7 @@ TEST_F(DigitControl, CallsEachMethodWithItsArguments) {
   expect_sent(24, DISPATCH_METHOD, true, {{VT_I4, "70000"}});
 }
 
-// The height goes as a 16-bit number: that is meant.
+// By design the height is passed as a 16-bit integer: the control declares the parameter so.
 TEST_F(DigitControl, SendsTheLowBitsOfTheHeightOnlyForTheSecondOptimalWidth) {
   class_.made->answer = variant(VT_I2, "321");
   EXPECT_EQ(digits_.GetOptimalWidth2(70000, some_money), 321);
@@ -315,13 +296,13 @@ TEST_F(DigitControl, ThrowsWhereAResultIsOfAnotherKind) {
   EXPECT_THROW(digits_.GetUpperBound(), COleException*);
 }
 
-// Out of line: the compiler takes a first release for the last one otherwise.
+// Not inlined: otherwise the compiler mistakes a first release for the last one.
 [[gnu::noinline]] void release(IUnknown* object) { object->Release(); }
 
 TEST_F(DigitControl, GivesItsFontWithOneReferenceThatGoesWithTheResult) {
   auto* font = new RecordingDispatch;
   class_.made->answer = static_cast<IDispatch*>(font);
-  EXPECT_EQ(font->references(), 2u);  // the test's, and the answer's
+  EXPECT_EQ(font->references(), 2u);  // of the test and of the answer
   {
     kexOleFont got = digits_.GetFont();
     EXPECT_EQ(static_cast<IDispatch*>(got), font);
@@ -442,525 +423,6 @@ TEST(OleFont, SendsEachPropertyWithItsIdentifierAndType) {
   }
   EXPECT_EQ(RecordingDispatch::alive, 0);
   EXPECT_EQ(sizeof(kexOleFont), sizeof(COleDispatchDriver));
-}
-
-// A control that draws: examples/components/digit_control, which is never registered.
-
-std::string components() { return (program_folder() / "components").string(); }
-std::string drawing_manifest() { return components() + "\\digit_control.manifest"; }
-
-// While it lives, the manifest is in force on this thread.
-class Manifest {
- public:
-  Manifest() {
-    const std::string path = drawing_manifest();
-    ACTCTXA wanted = {};
-    wanted.cbSize = sizeof wanted;
-    wanted.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
-    wanted.lpSource = path.c_str();
-    const std::string folder = components();
-    wanted.lpAssemblyDirectory = folder.c_str();
-    context_ = CreateActCtxA(&wanted);
-    EXPECT_NE(context_, INVALID_HANDLE_VALUE);
-    EXPECT_TRUE(ActivateActCtx(context_, &cookie_));
-  }
-  Manifest(const Manifest&) = delete;
-  Manifest& operator=(const Manifest&) = delete;
-  ~Manifest() {
-    DeactivateActCtx(0, cookie_);
-    ReleaseActCtx(context_);
-  }
-
- private:
-  HANDLE context_;
-  ULONG_PTR cookie_ = 0;
-};
-
-constexpr COLORREF back = RGB(250, 250, 240), fore = RGB(0, 128, 0), mask = RGB(220, 220, 220),
-                   overflow = RGB(200, 0, 0), underflow = RGB(0, 0, 200);
-
-class DrawnDigitsOnScreen : public testing::Test {
- protected:
-  DrawnDigitsOnScreen() {
-    EXPECT_EQ(OleInitialize(nullptr), S_OK);
-    dialog_.Attach(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(IDD_HOST), nullptr, nullptr, 0));
-    GetWindowRect(GetDlgItem(dialog_.m_hWnd, IDC_PLACEHOLDER), &place_);
-    MapWindowPoints(nullptr, dialog_.m_hWnd, reinterpret_cast<POINT*>(&place_), 2);
-    place_.right = place_.left + 280;
-    place_.bottom = place_.top + 90;
-    EXPECT_TRUE(create(digits_, place_));
-    colour(digits_);
-  }
-  ~DrawnDigitsOnScreen() override {
-    digits_.DestroyWindow();
-    dialog_.DestroyWindow();
-    OleUninitialize();
-  }
-
-  BOOL create(kexDigitOCX& control, const RECT& where, CFile* state = nullptr) {
-    const Manifest known;
-    return control.Create(nullptr, style, where, &dialog_, 0, state, FALSE, nullptr);
-  }
-  static void colour(kexDigitOCX& control) {
-    control.SetBackColor(back);
-    control.SetForeColor(fore);
-    control.SetMaskColor(mask);
-    control.SetOverflowColor(overflow);
-    control.SetUnderflowColor(underflow);
-  }
-  static HWND window_of(kexDigitOCX& control) { return ::GetWindow(control.m_hWnd, GW_CHILD); }
-  static Picture shown(kexDigitOCX& control) {
-    UpdateWindow(window_of(control));
-    return Picture(window_of(control));
-  }
-  // How many pixels of a picture of the control are of a colour.
-  static int count(kexDigitOCX& control, COLORREF color) {
-    RECT size;
-    GetClientRect(window_of(control), &size);
-    const Picture picture = shown(control);
-    int found = 0;
-    for (int y = 0; y < size.bottom; ++y)
-      for (int x = 0; x < size.right; ++x) found += picture.at(x, y) == color;
-    return found;
-  }
-  SIZEL extent() {
-    SIZEL size = {};
-    CComQIPtr<IOleObject> object(digits_.GetControlUnknown());
-    EXPECT_EQ(object->GetExtent(DVASPECT_CONTENT, &size), S_OK);
-    return size;
-  }
-  static void set_font_size(kexDigitOCX& control, LONGLONG points) {
-    kexOleFont font = control.GetFont();
-    font.SetSize(money(points * 10000));
-  }
-
-  CWnd dialog_;
-  RECT place_;
-  kexDigitOCX digits_;
-};
-
-TEST_F(DrawnDigitsOnScreen, AreMadeThroughTheManifestOnly) {
-  CComPtr<IUnknown> control;
-  EXPECT_EQ(reg_free_co_create(digit_class, components().c_str(), "", CLSCTX_INPROC_SERVER, &control),
-            REGDB_E_CLASSNOTREG);
-  ASSERT_EQ(
-      reg_free_co_create(digit_class, components().c_str(), drawing_manifest().c_str(), CLSCTX_INPROC_SERVER, &control),
-      S_OK);
-  CComQIPtr<IDigits> digits(control);
-  ASSERT_NE(digits.p, nullptr);
-  short lines = 0;
-  EXPECT_EQ(digits->get_NbLines(&lines), S_OK);
-  EXPECT_EQ(lines, 1);
-  digits.Release();
-  EXPECT_EQ(control.Detach()->Release(), 0u);
-}
-
-TEST_F(DrawnDigitsOnScreen, TakeThePlaceholdersPlaceInTheirOwnSize) {
-  const Manifest known;
-  CAxWindowT<CWindow> host;
-  const CComPtr<IUnknown> control =
-      CreateControl(dialog_.m_hWnd, &host, IDC_PLACEHOLDER, "{107BD0EE-6861-11CF-B28B-0000C0C14EA0}");
-  ASSERT_NE(control.p, nullptr);
-  // Six digits of 32 by 17 pixels with gaps of 4, the point of 6 and its gap, and margins of 8.
-  RECT size;
-  GetClientRect(host.m_hWnd, &size);
-  EXPECT_EQ(size.right, 6 * 17 + 5 * 4 + 6 + 4 + 2 * 8);
-  EXPECT_EQ(size.bottom, 32 + 2 * 8);
-  RECT inside;
-  GetClientRect(::GetWindow(host.m_hWnd, GW_CHILD), &inside);
-  EXPECT_TRUE(EqualRect(&inside, &size));
-  host.DestroyWindow();
-}
-
-TEST_F(DrawnDigitsOnScreen, AreMadeOfTheBarsOfTheirFigures) {
-  // One digit of 80 pixels in height and 44 in width, in the middle.
-  digits_.SetNbDigits(1);
-  digits_.SetPrecision(0);
-  set_font_size(digits_, 60);
-  RECT size;
-  GetClientRect(window_of(digits_), &size);
-  const int x = (size.right - (44 + 40)) / 2 + 20, y = (size.bottom - (80 + 40)) / 2 + 20;
-  const POINT bars[] = {{x + 22, y + 4}, {x + 40, y + 22}, {x + 40, y + 58}, {x + 22, y + 76},
-                        {x + 4, y + 58}, {x + 4, y + 22},  {x + 22, y + 40}};
-  const char* const lit[] = {"1111110", "0110000", "1101101", "1111001", "0110011",
-                             "1011011", "1011111", "1110000", "1111111", "1111011"};
-  for (int figure = 0; figure < 10; ++figure) {
-    digits_.SetValue(0, figure);
-    const Picture picture = shown(digits_);
-    for (int bar = 0; bar < 7; ++bar)
-      EXPECT_EQ(picture.at(bars[bar].x, bars[bar].y), lit[figure][bar] == '1' ? fore : mask) << figure << ' ' << bar;
-    EXPECT_EQ(picture.at(x + 22, y + 22), back);  // within the upper ring
-    EXPECT_EQ(picture.at(x - 8, y + 40), back);
-  }
-}
-
-TEST_F(DrawnDigitsOnScreen, HaveAColourForValuesBeyondTheirBounds) {
-  digits_.SetBounds(-10, 10);
-  EXPECT_EQ(digits_.GetUpperBound(), 10.0);
-  struct {
-    double value;
-    COLORREF color;
-  } const cases[] = {{-10, fore}, {10, fore}, {10.5, overflow}, {-10.5, underflow}};
-  for (const auto& each : cases) {
-    digits_.SetValue(0, each.value);
-    for (const COLORREF color : {fore, overflow, underflow})
-      EXPECT_EQ(count(digits_, color) > 100, color == each.color) << each.value << ' ' << color;
-  }
-}
-
-TEST_F(DrawnDigitsOnScreen, AreDashesWhereANumberHasNoRoom) {
-  digits_.SetNbDigits(3);
-  digits_.SetPrecision(0);
-  digits_.SetDisplayMask(0);
-  digits_.SetValue(0, 1000);
-  const Picture dashes = shown(digits_);
-  const int dash_pixels = count(digits_, fore);
-  EXPECT_GT(dash_pixels, 0);
-  for (const double other : {-100.0, 1e300, std::numeric_limits<double>::quiet_NaN(), HUGE_VAL}) {
-    digits_.SetValue(0, other);
-    if (other != HUGE_VAL) {  // beyond the bounds
-      EXPECT_TRUE(shown(digits_) == dashes) << other;
-    } else {
-      EXPECT_EQ(count(digits_, overflow), dash_pixels);
-    }
-  }
-  digits_.SetValue(0, 999);
-  EXPECT_FALSE(shown(digits_) == dashes);
-}
-
-TEST_F(DrawnDigitsOnScreen, ShowWhatTheirSwitchesSay) {
-  digits_.SetValue(0, 8.88);
-  EXPECT_GT(count(digits_, fore), 100);
-  EXPECT_GT(count(digits_, mask), 100);
-  digits_.SetDisplayMask(0);
-  EXPECT_EQ(count(digits_, mask), 0);
-  digits_.SetDisplay(0);
-  EXPECT_EQ(count(digits_, fore), 0);
-  digits_.SetDisplay(1);
-  digits_.SetEnabled(0);
-  EXPECT_EQ(count(digits_, fore), 0);
-  EXPECT_GT(count(digits_, RGB(125, 189, 120)), 100);  // half way to the background
-  EXPECT_FALSE(IsWindowEnabled(window_of(digits_)));
-}
-
-TEST_F(DrawnDigitsOnScreen, FlashUntilToldToStop) {
-  digits_.SetValue(0, 8.88);
-  digits_.SetFlashing(1);
-  EXPECT_TRUE(pump_until([&] { return count(digits_, fore) == 0; }));
-  EXPECT_TRUE(pump_until([&] { return count(digits_, fore) > 0; }));
-  EXPECT_TRUE(pump_until([&] { return count(digits_, fore) == 0; }));
-  digits_.SetFlashing(0);
-  EXPECT_GT(count(digits_, fore), 0);
-}
-
-TEST_F(DrawnDigitsOnScreen, FollowTheirFontWhoeverChangesIt) {
-  const SIZEL before = extent();
-  kexOleFont font = digits_.GetFont();
-  EXPECT_EQ(font.GetSize().int64, 240000);
-  font.SetSize(money(480000));
-  const SIZEL larger = extent();
-  EXPECT_GT(larger.cx, before.cx);
-  EXPECT_GT(larger.cy, before.cy);
-  font.SetName("Arial");
-  font.SetBold(1);
-  digits_.initialise();
-  EXPECT_EQ(font.GetName(), "Tahoma");
-  EXPECT_EQ(font.GetBold(), 0);
-  EXPECT_EQ(font.GetSize().int64, 480000);
-
-  // One of the caller's, which stays the caller's too.
-  FONTDESC wanted = {
-      sizeof(FONTDESC), const_cast<wchar_t*>(L"Arial"), money(240000), FW_NORMAL, 0, FALSE, FALSE, FALSE};
-  CComPtr<IFontDisp> own;
-  ASSERT_EQ(OleCreateFontIndirect(&wanted, IID_IFontDisp, reinterpret_cast<void**>(&own)), S_OK);
-  digits_.SetFont(own);
-  EXPECT_EQ(extent().cy, before.cy);
-  kexOleFont shared = digits_.GetFont();
-  shared.SetSize(money(360000));
-  CComQIPtr<IFont> same(own);
-  CY size = {};
-  EXPECT_EQ(same->get_Size(&size), S_OK);
-  EXPECT_EQ(size.int64, 360000);
-  EXPECT_GT(extent().cy, before.cy);
-}
-
-void expect_refused(const std::function<void()>& member, HRESULT reason, const char* text) {
-  try {
-    member();
-    FAIL() << "nothing was thrown";
-  } catch (COleDispatchException* exception) {
-    EXPECT_EQ(exception->m_scError, reason);
-    EXPECT_EQ(exception->m_strDescription, text);
-    exception->Delete();
-  }
-}
-
-TEST_F(DrawnDigitsOnScreen, RefuseLinesThatThereAreNot) {
-  digits_.SetNbLines(2);
-  digits_.SetValue(1, 1.5);
-  digits_.SetTitle(1, "Second");
-  EXPECT_EQ(digits_.GetValue(1), 1.5);
-  EXPECT_EQ(digits_.GetTitle(1), "Second");
-  for (const short line : std::initializer_list<short>{-32768, -1, 2, 32767}) {
-    const char* const no_line = "There is no such line.";
-    expect_refused([&] { digits_.GetValue(line); }, DISP_E_BADINDEX, no_line);
-    expect_refused([&] { digits_.SetValue(line, 1); }, DISP_E_BADINDEX, no_line);
-    expect_refused([&] { digits_.GetTitle(line); }, DISP_E_BADINDEX, no_line);
-    expect_refused([&] { digits_.SetTitle(line, "x"); }, DISP_E_BADINDEX, no_line);
-  }
-  digits_.SetNbLines(1);
-  expect_refused([&] { digits_.GetValue(1); }, DISP_E_BADINDEX, "There is no such line.");
-}
-
-TEST_F(DrawnDigitsOnScreen, RefuseWhatTheyCannotShowAndStayAsTheyAre) {
-  digits_.SetValue(0, 12.5);
-  const Picture before = shown(digits_);
-  const double none = std::numeric_limits<double>::quiet_NaN();
-  const std::function<void()> members[] = {[&] { digits_.SetNbDigits(0); },
-                                           [&] { digits_.SetNbDigits(33); },
-                                           [&] { digits_.SetNbLines(0); },
-                                           [&] { digits_.SetNbLines(65); },
-                                           [&] { digits_.SetPrecision(-1); },
-                                           [&] { digits_.SetPrecision(16); },
-                                           [&] { digits_.SetGap(-1); },
-                                           [&] { digits_.SetInterligne(201); },
-                                           [&] { digits_.SetType(2); },
-                                           [&] { digits_.SetAppearance(2); },
-                                           [&] { digits_.SetBorderStyle(-1); },
-                                           [&] { digits_.SetUpperBound(none); },
-                                           [&] { digits_.SetBounds(2, 1); },
-                                           [&] { digits_.SetBounds(none, 1); },
-                                           [&] { digits_.SetForeColor(0x40000001); },
-                                           [&] { digits_.GetOptimalWidth(0); },
-                                           [&] { digits_.GetOptimalWidth(-5); },
-                                           [&] { digits_.GetOptimalFontSize(0); },
-                                           [&] { digits_.GetOptimalWidth2(-1, some_money); },
-                                           [&] { digits_.GetOptimalWidth2(20, money(0)); },
-                                           [&] { digits_.SetText(std::string(1001, 't').c_str()); },
-                                           [&] { digits_.SetTitle(0, std::string(1001, 't').c_str()); }};
-  for (const auto& member : members) expect_refused(member, E_INVALIDARG, "This value cannot be shown.");
-  expect_refused([&] { digits_.SetFont(nullptr); }, E_INVALIDARG, "This is no font.");
-  EXPECT_TRUE(shown(digits_) == before);
-}
-
-TEST_F(DrawnDigitsOnScreen, SetTheValuesOfAsManyLinesAsThereAre) {
-  digits_.SetNbLines(3);
-  digits_.SetDelta(1, 2, 3, 4);
-  EXPECT_EQ(digits_.GetValue(2), 3.0);
-  digits_.SetPoint(5, 6, 7);
-  for (short line = 0; line < 3; ++line) EXPECT_EQ(digits_.GetValue(line), 5.0 + line);
-  digits_.SetNbLines(4);
-  EXPECT_EQ(digits_.GetValue(3), 0.0);
-  digits_.SetDelta(1, 2, 3, 4);
-  EXPECT_EQ(digits_.GetValue(3), 4.0);
-}
-
-TEST_F(DrawnDigitsOnScreen, ReckonTheSizesThatSuitThem) {
-  // 48 pixels are a margin of 8, a digit of 32 and a margin of 8.
-  EXPECT_EQ(digits_.GetOptimalFontSize(48).int64, 240000);
-  EXPECT_EQ(digits_.GetOptimalWidth(48), 148);
-  EXPECT_EQ(digits_.GetOptimalWidth2(48, money(480000)), 148);
-  EXPECT_LT(digits_.GetOptimalWidth2(48, money(120000)), 148);
-  // Sixteen bits of the height arrive.
-  EXPECT_EQ(digits_.GetOptimalWidth2(70000, money(1000 * 10000)), digits_.GetOptimalWidth2(4464, money(1000 * 10000)));
-  digits_.CalculateFontSizeToFit();
-  const LONGLONG fitting = digits_.GetFont().GetSize().int64;
-  EXPECT_EQ(fitting, 450000);  // 60 pixels: with its margins of 15 that is 90
-  digits_.SetNbDigits(12);
-  digits_.CalculateFontSizeToFit();
-  EXPECT_LT(digits_.GetFont().GetSize().int64, fitting);
-}
-
-TEST_F(DrawnDigitsOnScreen, KeepTheHostsSizeOrTheirOwn) {
-  CComQIPtr<IOleObject> object(digits_.GetControlUnknown());
-  const SIZEL own = extent();
-  digits_.SetDimAuto(0);
-  SIZEL wanted = {5000, 2500};
-  EXPECT_EQ(object->SetExtent(DVASPECT_CONTENT, &wanted), S_OK);
-  EXPECT_EQ(extent().cx, 5000);
-  EXPECT_EQ(extent().cy, 2500);
-  digits_.CalculateOptimizeSize();
-  EXPECT_EQ(extent().cx, own.cx);
-  EXPECT_EQ(object->SetExtent(DVASPECT_CONTENT, &wanted), S_OK);
-  digits_.SetDimAuto(1);
-  EXPECT_EQ(extent().cy, own.cy);
-  EXPECT_EQ(object->SetExtent(DVASPECT_ICON, &wanted), DV_E_DVASPECT);
-  EXPECT_EQ(object->GetExtent(DVASPECT_CONTENT, nullptr), E_POINTER);
-}
-
-// The control's state, as a file.
-void save(kexDigitOCX& control, CMemFile& file) {
-  CComQIPtr<IPersistStreamInit> state(control.GetControlUnknown());
-  CComPtr<IStream> stream;
-  ASSERT_EQ(CreateStreamOnHGlobal(nullptr, TRUE, &stream), S_OK);
-  EXPECT_EQ(state->IsDirty(), S_OK);
-  ASSERT_EQ(state->Save(stream, TRUE), S_OK);
-  EXPECT_EQ(state->IsDirty(), S_FALSE);
-  STATSTG about = {};
-  ASSERT_EQ(stream->Stat(&about, STATFLAG_NONAME), S_OK);
-  ASSERT_EQ(stream->Seek({}, STREAM_SEEK_SET, nullptr), S_OK);
-  std::vector<BYTE> bytes(about.cbSize.LowPart);
-  ASSERT_EQ(stream->Read(bytes.data(), about.cbSize.LowPart, nullptr), S_OK);
-  file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
-  file.SeekToBegin();
-}
-
-TEST_F(DrawnDigitsOnScreen, ComeBackFromTheirState) {
-  digits_.SetNbLines(2);
-  digits_.SetTitle(1, "Depth");
-  digits_.SetText("Heading");
-  digits_.SetValue(1, -7.25);
-  digits_.SetPrecision(1);
-  digits_.SetInternalBorder(1);
-  digits_.SetBounds(-5, 5);
-  set_font_size(digits_, 12);
-  digits_.GetFont().SetItalic(1);
-  CMemFile file;
-  save(digits_, file);
-  const Picture before = shown(digits_);
-  digits_.DestroyWindow();
-  kexDigitOCX other;
-  ASSERT_TRUE(create(other, place_, &file));
-  EXPECT_EQ(other.GetTitle(1), "Depth");
-  EXPECT_EQ(other.GetText(), "Heading");
-  EXPECT_EQ(other.GetValue(1), -7.25);
-  EXPECT_EQ(other.GetFont().GetItalic(), 1);
-  EXPECT_TRUE(shown(other) == before);
-  EXPECT_GT(count(other, underflow), 0);
-}
-
-TEST_F(DrawnDigitsOnScreen, AreNotMadeOfABrokenState) {
-  digits_.SetTitle(0, "Depth");
-  CMemFile file;
-  save(digits_, file);
-  const UINT whole = static_cast<UINT>(file.GetLength());
-  std::vector<BYTE> bytes(whole);
-  file.Read(bytes.data(), whole);
-  const auto is_made_of = [&](const std::vector<BYTE>& state) {
-    CMemFile broken;
-    broken.Write(state.data(), static_cast<UINT>(state.size()));
-    broken.SeekToBegin();
-    kexDigitOCX other;
-    return create(other, place_, &broken) != FALSE;
-  };
-  EXPECT_TRUE(is_made_of(bytes));
-  for (UINT length = 0; length < whole; ++length)
-    EXPECT_FALSE(is_made_of({bytes.begin(), bytes.begin() + length})) << length;
-  // Any byte may be anything: what is made of it can be shown.
-  for (UINT i = 0; i < whole; ++i)
-    for (const int flipped : {0xFF, 0x80}) {
-      std::vector<BYTE> other = bytes;
-      other[i] = static_cast<BYTE>(other[i] ^ flipped);
-      is_made_of(other);
-    }
-  // A value without a title, after the number of lines and the one with a title.
-  const size_t count = whole - (sizeof(double) + 4 + 5 * sizeof(wchar_t)) - 4;
-  for (const BYTE lines : std::initializer_list<BYTE>{64, 65}) {
-    std::vector<BYTE> many = bytes;
-    many[count] = lines;
-    many.resize(whole + (lines - 1u) * (sizeof(double) + 4));
-    EXPECT_EQ(is_made_of(many), lines == 64);
-  }
-  bytes[0] ^= 1;
-  EXPECT_FALSE(is_made_of(bytes));
-}
-
-TEST_F(DrawnDigitsOnScreen, DrawIntoAnyDeviceContext) {
-  digits_.SetValue(0, 8.88);
-  CComQIPtr<IViewObject2> view(digits_.GetControlUnknown());
-  const Picture picture(148, 48, RGB(1, 2, 3));
-  const RECTL bounds = {0, 0, 148, 48};
-  EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, picture.dc(), &bounds, nullptr, nullptr, 0),
-            S_OK);
-  EXPECT_EQ(picture.at(4, 4), back);
-  EXPECT_EQ(picture.at(110, 9), fore);
-  EXPECT_EQ(view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, picture.dc(), nullptr, nullptr, nullptr, 0),
-            E_POINTER);
-  EXPECT_EQ(view->Draw(DVASPECT_ICON, -1, nullptr, nullptr, nullptr, picture.dc(), &bounds, nullptr, nullptr, 0),
-            DV_E_DVASPECT);
-}
-
-void CALLBACK close_box(HWND, UINT, UINT_PTR timer, DWORD) {
-  const HWND box = FindWindowA("#32770", "Digit control");
-  if (!box) return;
-  KillTimer(nullptr, timer);
-  PostMessageA(box, WM_COMMAND, IDOK, 0);
-}
-
-TEST_F(DrawnDigitsOnScreen, TellAboutThemselves) {
-  SetTimer(nullptr, 0, 20, close_box);
-  digits_.AboutBox();
-  EXPECT_EQ(FindWindowA("#32770", "Digit control"), nullptr);
-}
-
-TEST_F(DrawnDigitsOnScreen, LookLikeDigits) {
-  digits_.SetBackColor(RGB(252, 252, 250));
-  digits_.SetForeColor(RGB(24, 40, 72));
-  digits_.SetNbLines(3);
-  digits_.SetText("Position (mm)");
-  const char* const titles[] = {"X", "Y", "Depth"};
-  for (short line = 0; line < 3; ++line) digits_.SetTitle(line, titles[line]);
-  digits_.SetBounds(-100, 100);
-  digits_.SetPoint(12.5, -98.76, 104.3);
-  digits_.SetInternalBorder(1);
-  MoveWindow(digits_.m_hWnd, 10, 50, 310, 180, TRUE);
-  digits_.CalculateFontSizeToFit();
-  EXPECT_TRUE(shown(digits_).save("digit_control"));
-  digits_.SetType(1);
-  digits_.SetDisplayMask(0);
-  digits_.SetAppearance(1);
-  EXPECT_TRUE(shown(digits_).save("digit_control_glyphs"));
-  digits_.SetType(0);
-  digits_.SetDisplayMask(1);
-  digits_.GetFont().SetItalic(1);
-  digits_.SetBackColor(RGB(16, 20, 16));
-  digits_.SetForeColor(RGB(90, 255, 130));
-  digits_.SetMaskColor(RGB(32, 44, 34));
-  digits_.SetOverflowColor(RGB(255, 96, 80));
-  digits_.SetInternalBorder(0);
-  EXPECT_TRUE(shown(digits_).save("digit_control_dark"));
-}
-
-TEST_F(DrawnDigitsOnScreen, LeaveNothingBehind) {
-  expect_flat(30, [&] {
-    kexDigitOCX other;
-    ASSERT_TRUE(create(other, place_));
-    other.initialise();
-    other.SetTitle(0, "Title");
-    other.SetValue(0, 1.5);
-    other.SetFlashing(1);
-    shown(other);
-    try {
-      other.SetValue(9, 1);
-    } catch (COleDispatchException* exception) {
-      exception->Delete();
-    }
-    CMemFile file;
-    save(other, file);
-    other.DestroyWindow();
-    ASSERT_TRUE(create(other, place_, &file));
-  });
-}
-
-TEST(DrawnDigits, GoWithTheirComponent) {
-  ASSERT_EQ(OleInitialize(nullptr), S_OK);
-  for (int round = 0; round < 3; ++round) {
-    CWnd frame;
-    frame.Attach(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 200, 100, nullptr, nullptr, nullptr, nullptr));
-    kexOleFont font;
-    {
-      const Manifest known;
-      kexDigitOCX digits;
-      ASSERT_TRUE(digits.Create(nullptr, style, place, &frame, 7, nullptr, 0, nullptr));
-      EXPECT_NE(GetModuleHandleA("digit_control.dll"), nullptr);
-      font = digits.GetFont();
-    }
-    frame.DestroyWindow();
-    CoFreeUnusedLibrariesEx(0, 0);
-    EXPECT_EQ(GetModuleHandleA("digit_control.dll"), nullptr);
-    font.SetBold(1);  // the font is the system's, and tells nobody any more
-  }
-  OleUninitialize();
 }
 
 }  // namespace

@@ -1,9 +1,10 @@
-// GUIDs: made when they are first read, read from text and written to it, and ordered by their bytes.
+// GUIDs: generated at the first read access, parsed from text and formatted as text, and ordered by their bytes.
 #include <gtest/gtest.h>
 
 #include <kexlib/com/guid.h>
 
 #include <afx.h>
+
 #include <support/import_override.h>
 #include <support/resource_counts.h>
 
@@ -134,7 +135,7 @@ TEST(Guid, IsGivenAsABstrToo) {
   EXPECT_EQ(text.Length(), 36u);
 }
 
-// There is no error, and the value is whatever the system's own parser leaves: that is meant.
+// By design no error is reported: callers keep the value that IIDFromString stores.
 TEST(Guid, KeepsWhatTheSystemLeavesOfTextThatIsNoGuid) {
   for (const char* text :
        {"", "{", "}", "no guid", "{6B29FC40-CA47-1067-B31D-00AA00C7A1E8", "6B29FC40-CA47-1067-B31D-00AA00C7A1E8}",
@@ -153,7 +154,7 @@ TEST(Guid, KeepsWhatTheSystemLeavesOfTextThatIsNoGuid) {
   }
 }
 
-// The closing brace is not supplied where there is an opening one: that is meant.
+// By design no closing brace is added to a text with an opening one: IIDFromString receives the text unchanged.
 TEST(Guid, DoesNotCompleteAnOpeningBrace) {
   kexGUID id(sample);
   id.set_str("{00000001-0002-0003-0405-060708090A0B");
@@ -239,7 +240,7 @@ TEST(LessGuid, SortsAsMemcmpDoes) {
     const std::uint64_t halves[2] = {random(), random()};
     std::memcpy(&id, halves, sizeof id);
   }
-  // Some that differ in one byte only.
+  // GUIDs that differ in one byte only.
   for (unsigned i = 0; i < 16; ++i) {
     GUID id = ids[0];
     ++reinterpret_cast<unsigned char*>(&id)[i];

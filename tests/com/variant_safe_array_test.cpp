@@ -1,12 +1,15 @@
-// Lists of VARIANTs: made, looked at, read and written, with references counted to the exact number.
+// Lists of VARIANTs: created, attached, read and written, with exact reference counts.
 #include <gtest/gtest.h>
 
 #include <kexlib/com/variant_safe_array.h>
 
 #include <afxdisp.h>
 #include <atlbase.h>
+
+#include <support/failing_record.h>
 #include <support/recording_dispatch.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <memory>
@@ -18,7 +21,7 @@ namespace {
 
 using Array = QuickVariantSafeArray;
 
-// Out of line: the compiler takes a first release for the last one otherwise.
+// Not inlined: otherwise the compiler mistakes a first release for the last one.
 [[gnu::noinline]] void release(IUnknown* object) { object->Release(); }
 
 VARIANT no_such_type() {
@@ -27,7 +30,7 @@ VARIANT no_such_type() {
   return value;
 }
 
-// A safe array of the test's own.
+// A safe array that the test creates.
 class Owned {
  public:
   Owned(VARTYPE type, LONG lower_bound, ULONG size) {
@@ -89,6 +92,20 @@ TEST(ComVariant, ThrowsWhereACopyFails) {
   EXPECT_EQ(good.vt, VT_EMPTY);
   EXPECT_THROW(kexComVariant{bad}, COleException*);
   bad.vt = VT_EMPTY;
+}
+
+TEST(ComVariant, LeavesARecordAloneThatCannotBeCopied) {
+  FailingRecord record;
+  {
+    kexComVariant source, target;
+    static_cast<VARIANT&>(source) = record.value();
+    EXPECT_THROW(target = source, COleException*);
+    EXPECT_EQ(target.vt, VT_EMPTY);
+    EXPECT_THROW(kexComVariant{source}, COleException*);
+    EXPECT_EQ(record.references(), 1u);
+    EXPECT_EQ(record.clears(), 0);
+  }
+  EXPECT_EQ(record.references(), 0u);
 }
 
 TEST(VariantSafeArray, HasNoArrayAtFirst) {
@@ -177,7 +194,7 @@ TEST(VariantSafeArray, RefusesArraysOfTwoDimensions) {
   SafeArrayDestroy(table);
 }
 
-// Nothing says that its elements are no VARIANTs, so it is taken; but nothing is read from elements of another size.
+// The array has no type, so it is accepted. Elements of another size than a VARIANT are not read.
 TEST(VariantSafeArray, TakesArraysThatDoNotKnowTheirType) {
   SAFEARRAY* nameless = nullptr;
   ASSERT_EQ(SafeArrayAllocDescriptor(1, &nameless), S_OK);
@@ -192,6 +209,83 @@ TEST(VariantSafeArray, TakesArraysThatDoNotKnowTheirType) {
   EXPECT_EQ(array.GetAt(0).vt, VT_EMPTY);
   array.Detach();
   SafeArrayDestroy(nameless);
+}
+
+// A VARIANT at the end of accessible memory: reading beyond it faults.
+class VariantAtTheEndOfAPage {
+ public:
+  VariantAtTheEndOfAPage() {
+    pages_ = static_cast<BYTE*>(VirtualAlloc(nullptr, 2 * page_size, MEM_RESERVE, PAGE_NOACCESS));
+    VirtualAlloc(pages_, page_size, MEM_COMMIT, PAGE_READWRITE);
+    value_ = new (pages_ + page_size - sizeof(VARIANT)) VARIANT{};
+    value_->vt = VT_I4;
+    value_->lVal = 7;
+  }
+  VariantAtTheEndOfAPage(const VariantAtTheEndOfAPage&) = delete;
+  VariantAtTheEndOfAPage& operator=(const VariantAtTheEndOfAPage&) = delete;
+  ~VariantAtTheEndOfAPage() { VirtualFree(pages_, 0, MEM_RELEASE); }
+  VARIANT& get() const { return *value_; }
+
+ private:
+  static constexpr SIZE_T page_size = 0x1000;
+  BYTE* pages_;
+  VARIANT* value_;
+};
+
+TEST(VariantSafeArray, StoresNothingInElementsOfAnotherSize) {
+  const VariantAtTheEndOfAPage value;
+  for (const ULONG size : {4ul, 16ul, 48ul, 4096ul}) {
+    SAFEARRAY* nameless = nullptr;
+    ASSERT_EQ(SafeArrayAllocDescriptor(1, &nameless), S_OK);
+    nameless->cbElements = size;
+    nameless->rgsabound[0] = {2, 0};
+    ASSERT_EQ(SafeArrayAllocData(nameless), S_OK);
+    auto* const bytes = static_cast<BYTE*>(nameless->pvData);
+    std::memset(bytes, 0xCC, 2 * size);
+    Array array(nameless);
+    ASSERT_EQ(static_cast<SAFEARRAY*>(array), nameless);
+    EXPECT_EQ(array.PutAt(0, value.get()), E_INVALIDARG) << size;
+    EXPECT_EQ(array.PutAt(1, value.get()), E_INVALIDARG) << size;
+    EXPECT_EQ(std::count(bytes, bytes + 2 * size, 0xCC), static_cast<std::ptrdiff_t>(2 * size));
+    // The elements cannot be accessed as VARIANTs either. A lock of the caller is kept.
+    EXPECT_EQ(SafeArrayLock(nameless), S_OK);
+    EXPECT_EQ(array.AccessData(), nullptr) << size;
+    EXPECT_EQ(nameless->cLocks, 1u);
+    array.UnaccessData();
+    EXPECT_EQ(nameless->cLocks, 1u);
+    EXPECT_EQ(SafeArrayUnlock(nameless), S_OK);
+    array.Detach();
+    SafeArrayDestroy(nameless);
+  }
+  // Elements of the size of a VARIANT are accepted as VARIANTs.
+  Array array(1);
+  EXPECT_EQ(array.PutAt(0, value.get()), S_OK);
+  EXPECT_EQ(array[0].lVal, 7);
+}
+
+TEST(VariantSafeArray, LeavesAnElementAloneThatCannotBeCopied) {
+  FailingRecord record;
+  {
+    Array array(1);
+    array.AccessData()[0] = record.value();
+    array.UnaccessData();
+    EXPECT_EQ(array.GetAt(0).vt, VT_EMPTY);
+    EXPECT_EQ(record.references(), 1u);
+    EXPECT_EQ(record.clears(), 0);
+  }
+  EXPECT_EQ(record.references(), 0u);
+}
+
+TEST(VariantSafeArray, HoldsNothingOfARecordThatCannotBeStored) {
+  FailingRecord record;
+  {
+    Array array(1);
+    VARIANT value = record.value();
+    EXPECT_EQ(array.PutAt(0, value), FailingRecord::failure);
+    EXPECT_EQ(array.GetAt(0).vt, VT_EMPTY);
+  }
+  EXPECT_EQ(record.references(), 1u);
+  EXPECT_EQ(record.clears(), 0);
 }
 
 TEST(VariantSafeArray, LeavesAnArrayAloneThatItLooksAt) {
@@ -210,7 +304,7 @@ TEST(VariantSafeArray, DestroysAnArrayThatItOwns) {
     Array array(1);
     CComVariant value(static_cast<IDispatch*>(object));
     array.PutAt(0, value);
-    release(object);  // the reference that PutAt takes on top
+    release(object);  // the additional reference of PutAt
     EXPECT_EQ(object->references(), 3u);
   }
   EXPECT_EQ(object->references(), 1u);
@@ -231,7 +325,7 @@ TEST(VariantSafeArray, OutlivesItsOwnerOnceItIsDetached) {
   EXPECT_EQ(SafeArrayDestroy(kept), S_OK);
 }
 
-// An array that was owned is not destroyed when another one is attached: that is meant.
+// By design an owned array is not destroyed when another one is attached: callers may still use it.
 TEST(VariantSafeArray, LetsGoOfTheArrayBeforeWithoutDestroyingIt) {
   const Owned other(VT_VARIANT, 0, 2);
   SAFEARRAY* before = nullptr;
@@ -245,7 +339,7 @@ TEST(VariantSafeArray, LetsGoOfTheArrayBeforeWithoutDestroyingIt) {
   EXPECT_EQ(SafeArrayDestroy(before), S_OK);
 }
 
-// One reference is the copy's, the other is on top of it: that is meant.
+// By design PutAt adds a reference besides that of the copy: callers release it, or transfer their own reference.
 TEST(VariantSafeArray, TakesTwoReferencesOfAnObjectThatIsStored) {
   for (const bool as_dispatch : {true, false}) {
     auto* object = new RecordingDispatch;
@@ -262,16 +356,16 @@ TEST(VariantSafeArray, TakesTwoReferencesOfAnObjectThatIsStored) {
         EXPECT_EQ(object->references(), 4u);
       }
       EXPECT_EQ(object->references(), 3u);
-      // Also where the store fails.
+      // Also if the store fails.
       EXPECT_EQ(array.PutAt(2, value), DISP_E_BADINDEX);
       EXPECT_EQ(object->references(), 4u);
-      // Others get none on top.
+      // Other values get no additional reference.
       CComVariant number(5), none(static_cast<IDispatch*>(nullptr));
       EXPECT_EQ(array.PutAt(1, number), S_OK);
       EXPECT_EQ(array.PutAt(1, none), S_OK);
       EXPECT_EQ(object->references(), 4u);
     }
-    EXPECT_EQ(object->references(), 3u);  // two on top, and the test's
+    EXPECT_EQ(object->references(), 3u);  // two additional ones, and that of the test
     release(object);
     release(object);
     release(object);
@@ -336,7 +430,7 @@ TEST(VariantSafeArray, GivesItsElementsInARow) {
   EXPECT_EQ(array[1].lVal, 9);
 }
 
-// It cannot be destroyed, and is lost without a word: that is the system's rule.
+// The system does not destroy a locked array.
 TEST(VariantSafeArray, LosesAnArrayThatIsStillAccessed) {
   auto* object = new RecordingDispatch;
   SAFEARRAY* lost = nullptr;

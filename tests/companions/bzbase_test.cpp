@@ -1,4 +1,4 @@
-// bzbase: the string that kexlib takes and extends, and the small types around it.
+// bzbase: the string that kexlib accepts and appends to, and the related small types.
 #include <gtest/gtest.h>
 
 #include <bzbase/copy.h>
@@ -35,7 +35,7 @@ TEST(BzString, AppendsTextsOneAfterTheOther) {
 }
 
 TEST(BzString, AppendsItself) {
-  bzString text("0123456789abcdef");  // more than fits a small buffer afterwards
+  bzString text("0123456789abcdef");  // the result exceeds a small buffer
   text << text << text;
   EXPECT_EQ(std::string(text.c_str()), "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef");
 }

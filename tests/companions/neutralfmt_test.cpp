@@ -1,4 +1,4 @@
-// NEUTRAL_FMT: vsprintf of the "C" locale, into a buffer that has an end.
+// NEUTRAL_FMT: vsprintf of the "C" locale, into a buffer of limited size.
 #include <gtest/gtest.h>
 
 #include <neutralfmt/vsprintf.h>
@@ -31,7 +31,7 @@ std::string text(const char* format, Arguments... arguments) {
   return buffer;
 }
 
-// The run-time library's, in the "C" locale.
+// The result of the run-time library in the "C" locale.
 template <typename... Arguments>
 std::string plain(const char* format, Arguments... arguments) {
   char buffer[2000];

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <pvwnd/window_dib.h>
-
 #include <support/resource_counts.h>
 
 #include <utility>

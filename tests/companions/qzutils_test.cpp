@@ -74,7 +74,7 @@ TEST(RoundTo, LeavesAloneWhatCannotBeRounded) {
   EXPECT_EQ(rounded(1e308, 2), 1e308);
   EXPECT_EQ(rounded(0.1, 17), 0.1);
   EXPECT_EQ(rounded(4503599627370497.0, 0), 4503599627370497.0);
-  EXPECT_EQ(rounded(1.7e308, -308), 1.7e308);  // 2e308 is no double
+  EXPECT_EQ(rounded(1.7e308, -308), 1.7e308);  // 2e308 exceeds every double
   EXPECT_EQ(rounded(0.1, 309), 0.1);
   EXPECT_EQ(rounded(0.1, std::numeric_limits<int>::max()), 0.1);
 }

@@ -1,11 +1,11 @@
-// rqgfx: images, DIB sections as images, and PNG that another decoder reads back.
+// rqgfx: images, copies of DIB sections, and PNG files, which another decoder reads.
 #include <gtest/gtest.h>
 
 #include <rqgfx/duct_image.h>
 #include <rqgfx/png_writer.h>
-
 #include <support/decoded_image.h>
 #include <support/files.h>
+#include <support/memory_shortage.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -121,7 +121,8 @@ TEST_F(Rqgfx, TheFileIsTheSameAsWhatTheSinkGets) {
   EXPECT_EQ(read_file("a.png"), bytes);
 }
 
-// The rows below the first tenth are painted over as soon as compressed bytes arrive: those rows cannot have been read.
+// The rows below the first tenth are overwritten when the first compressed bytes arrive. The result shows that they
+// were not read earlier.
 TEST_F(Rqgfx, TheFirstBytesComeBeforeATenthOfTheRowsIsRead) {
   constexpr size_t signature_and_header = 8 + 25;
   auto image = make_image(640, 1000, true, false);
@@ -170,6 +171,42 @@ TEST_F(Rqgfx, BadImagesAndPathsAreRefused) {
   auto image = make_image(2, 2, true, true);
   EXPECT_EQ(rqPNGWriterDuctImage::write_file(image.get(), bzString(""), -1, -1), 0);
   EXPECT_EQ(rqPNGWriterDuctImage::write_file(image.get(), bzString("no such folder\\a.png"), -1, -1), 0);
+}
+
+TEST_F(Rqgfx, ARefusedImageLeavesAnExistingFileAsItWas) {
+  write_file("a.png", "an older picture");
+  hnDuctImage nothing(0, 5, false);
+  EXPECT_EQ(rqPNGWriterDuctImage::write_file(nullptr, bzString("a.png"), -1, -1), 0);
+  EXPECT_EQ(read_file("a.png"), "an older picture");
+  EXPECT_EQ(rqPNGWriterDuctImage::write_file(&nothing, bzString("a.png"), -1, -1), 0);
+  EXPECT_EQ(read_file("a.png"), "an older picture");
+}
+
+TEST_F(Rqgfx, MemoryThatRunsOutIsAFailureAndNothingIsThrown) {
+  const auto image = make_image(40, 40, false, true);
+  const bzString path("a.png");
+  int successes = 0;
+  for (bool has_begun = true; has_begun; ++successes) {
+    int result = -1;
+    {
+      const MemoryShortage shortage(GetCurrentThreadId(), successes);
+      ASSERT_TRUE(shortage.made());
+      try {
+        result = rqPNGWriterDuctImage::write_file(image.get(), path, -1, -1);
+      } catch (...) {
+      }
+      has_begun = shortage.has_begun();
+    }
+    EXPECT_EQ(result, has_begun ? 0 : 1) << successes;
+  }
+  EXPECT_GT(successes, 2);
+  EXPECT_EQ(decode_image("a.png").pixels, pixels_of(*image));
+}
+
+TEST_F(Rqgfx, WhatTheSinkThrowsEndsTheEncoding) {
+  const auto image = make_image(40, 40, true, false);
+  const auto fail = [](void*, const unsigned char*, unsigned __int64) -> bool { throw 1; };
+  EXPECT_NO_THROW(EXPECT_EQ(rqPNGWriterDuctImage::write_file(image.get(), fail, nullptr, 1, 32), 0));
 }
 
 }  // namespace

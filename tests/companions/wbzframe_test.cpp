@@ -1,12 +1,12 @@
 // wbzframe: faces of push buttons with the visual styles on and off.
 #include <gtest/gtest.h>
 
-#include <wbzframe/themed_std_button.h>
+#include <windows.h>
+#include <uxtheme.h>
 
 #include <support/expect_flat.h>
 #include <support/picture.h>
-
-#include <uxtheme.h>
+#include <wbzframe/themed_std_button.h>
 
 #include <string>
 #include <utility>
@@ -16,7 +16,7 @@ namespace {
 constexpr COLORREF behind = RGB(255, 255, 200);
 constexpr wbzThemeStyle states[] = {wbzThemeNormal, wbzThemeDisabled, wbzThemeHot, wbzThemePressed};
 
-// A drawer that leaves a mark for each state, at a place of its own.
+// A drawer that draws a mark for each state at a separate position.
 class Marks : public wbzThemeDrawer {
  public:
   Marks(int place, bool can) : place_(place), can_(can) {}
@@ -46,7 +46,7 @@ class ThemedStdButton : public testing::Test {
     drawer_->draw(picture.dc(), RECT{2, 2, 38, 28}, style);
     return picture;
   }
-  // The four states beside each other.
+  // The four states side by side.
   void save_faces(const std::string& name) const {
     Picture sheet(4 * 44, 38, behind);
     for (int i = 0; i < 4; ++i) BitBlt(sheet.dc(), i * 44 + 2, 4, 40, 30, face(states[i]).dc(), 0, 0, SRCCOPY);

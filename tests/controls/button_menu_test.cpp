@@ -1,4 +1,4 @@
-// The button menu in a dialog that reflects its notifications: clicked with the mouse, chosen from with the keyboard.
+// The button menu in a dialog that reflects its notifications: clicks with the mouse, choices with the keyboard.
 #include <gtest/gtest.h>
 
 #include <kexlib/controls/button_menu.h>
@@ -9,6 +9,7 @@
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/user_input.h>
+#include <support/window_text.h>
 
 #include <functional>
 #include <string>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr UINT missing = 999;
 
-// Reflects, and notes what it is told: the button's notification codes, and commands of menus.
+// Reflects notifications, and records the button's notification codes and the commands of menus.
 class MenuDialog : public CDialogImpl<MenuDialog> {
  public:
   enum { IDD = IDD_BUTTONS };
@@ -47,11 +48,6 @@ class ButtonMenu : public testing::Test {
   void TearDown() override {
     if (dialog_.IsWindow()) dialog_.DestroyWindow();
   }
-  static std::string text_of(HWND window) {
-    char text[40] = "";
-    GetWindowTextA(window, text, sizeof text);
-    return text;
-  }
   LRESULT click_now() {
     BOOL handled = TRUE;
     return button_.OnClick(BN_CLICKED, IDC_MORE, more_, handled);
@@ -67,7 +63,7 @@ TEST_F(ButtonMenu, BecomesAnArrow) {
   ASSERT_TRUE(button_.SubclassWindow(more_));
   EXPECT_EQ(button_.m_hWnd, more_);
   EXPECT_FALSE(GetWindowLongA(more_, GWL_STYLE) & BS_ICON);
-  EXPECT_EQ(text_of(more_), "6");
+  EXPECT_EQ(window_text(more_), "6");
   LOGFONT font{};
   ASSERT_TRUE(CFontHandle(button_.GetFont()).GetLogFont(font));
   EXPECT_STREQ(font.lfFaceName, "Marlett");
@@ -84,7 +80,28 @@ TEST_F(ButtonMenu, LeavesWhatIsNoWindowAlone) {
   EXPECT_EQ(button_.m_hWnd, nullptr);
   ASSERT_TRUE(button_.SubclassWindow(more_));
   EXPECT_FALSE(button_.SubclassWindow(nullptr));
-  EXPECT_EQ(button_.m_hWnd, more_) << "the button of before is kept";
+  EXPECT_EQ(button_.m_hWnd, more_) << "the previous button is kept";
+}
+
+// The desktop window belongs to another process, so subclassing it fails.
+TEST_F(ButtonMenu, KeepsItsButtonWhereTheSystemRefusesAnother) {
+  ASSERT_TRUE(button_.SubclassWindow(more_));
+  EXPECT_FALSE(button_.SubclassWindow(GetDesktopWindow()));
+  EXPECT_EQ(button_.m_hWnd, more_);
+  EXPECT_NE(window_text(GetDesktopWindow()), "6");
+  button_.SetMenu(GetModuleHandle(nullptr), IDR_NO_SUBMENU);
+  SendMessageA(more_, BM_CLICK, 0, 0);
+  EXPECT_EQ(button_.GetCheck(), BST_CHECKED) << "a click still comes here";
+}
+
+TEST_F(ButtonMenu, KeepsItsButtonWhereSomebodyElseHasSubclassedIt) {
+  ASSERT_TRUE(button_.SubclassWindow(more_));
+  atlButtonMenu somebody_else;
+  ASSERT_TRUE(somebody_else.SubclassWindow(more_));
+  EXPECT_FALSE(button_.SubclassWindow(dialog_.GetDlgItem(IDC_LATER)));
+  EXPECT_EQ(button_.m_hWnd, more_);
+  EXPECT_NE(window_text(dialog_.GetDlgItem(IDC_LATER)), "6");
+  EXPECT_TRUE(somebody_else.UnsubclassWindow());
 }
 
 TEST_F(ButtonMenu, LetsGoOfOneButtonForAnother) {
@@ -92,12 +109,12 @@ TEST_F(ButtonMenu, LetsGoOfOneButtonForAnother) {
   ASSERT_TRUE(button_.SubclassWindow(more_));
   ASSERT_TRUE(button_.SubclassWindow(more_)) << "the same again";
   ASSERT_TRUE(button_.SubclassWindow(dialog_.GetDlgItem(IDC_LATER)));
-  EXPECT_EQ(text_of(dialog_.GetDlgItem(IDC_LATER)), "6");
+  EXPECT_EQ(window_text(dialog_.GetDlgItem(IDC_LATER)), "6");
   SendMessageA(more_, BM_CLICK, 0, 0);
   EXPECT_EQ(SendMessageA(more_, BM_GETCHECK, 0, 0), BST_UNCHECKED) << "it is a button as any other now";
 }
 
-// Counts the fonts that the library makes, and may refuse them.
+// Counts the fonts that the library creates, and can make the creation fail.
 int fonts_made = 0;
 bool fonts_refused = false;
 HFONT WINAPI make_font(const LOGFONTA* description) {
@@ -135,12 +152,32 @@ TEST_F(ArrowFont, GoesWithTheObject) {
   EXPECT_EQ(GetObjectType(font), 0u);
 }
 
+// Kept for compatibility: a copy shares the font. The first of the two that is destroyed deletes it.
+TEST_F(ArrowFont, IsSharedByCopies) {
+  ASSERT_TRUE(button_.SubclassWindow(more_));
+  const HFONT font = button_.GetFont();
+  {
+    atlButtonMenu copy(button_);
+    copy.m_hWnd = nullptr;
+    copy.m_pfnSuperWindowProc = DefWindowProc;
+    const HWND later = dialog_.GetDlgItem(IDC_LATER);
+    ASSERT_TRUE(copy.SubclassWindow(later));
+    EXPECT_EQ(copy.GetFont(), font);
+    EXPECT_TRUE(copy.UnsubclassWindow());
+    EXPECT_EQ(GetObjectType(font), DWORD{OBJ_FONT});
+  }
+  EXPECT_EQ(GetObjectType(font), 0u);
+  atlButtonMenu assigned;
+  assigned = button_;
+  EXPECT_EQ(fonts_made, 1);
+}
+
 TEST_F(ArrowFont, IsALetterWhereThereIsNone) {
   ASSERT_TRUE(override_.made());
   fonts_refused = true;
   const auto before = SendMessageA(more_, WM_GETFONT, 0, 0);
   ASSERT_TRUE(button_.SubclassWindow(more_));
-  EXPECT_EQ(text_of(more_), "v");
+  EXPECT_EQ(window_text(more_), "v");
   EXPECT_EQ(SendMessageA(more_, WM_GETFONT, 0, 0), before);
 }
 
@@ -168,7 +205,7 @@ TEST_F(ButtonMenu, WithoutAMenuDoesNothingAtAll) {
   EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED);
 }
 
-// The pressed look stays where there is no menu to show: that is meant.
+// Kept for compatibility: callers see the button stay checked if there is no menu to show.
 TEST_F(ButtonMenu, StaysPressedWithoutASubmenuOrAResource) {
   for (const UINT menu : {UINT{IDR_NO_SUBMENU}, missing}) {
     ASSERT_TRUE(button_.SubclassWindow(more_));
@@ -181,7 +218,7 @@ TEST_F(ButtonMenu, StaysPressedWithoutASubmenuOrAResource) {
   }
 }
 
-// ---- where the menu opens, with monitors of our own ----------------------------------------------------------------
+// ---- the position of the menu, with replaced monitors --------------------------------------------------------------
 
 struct Opened {
   int times, x, y, items, first_item;
@@ -203,7 +240,7 @@ BOOL WINAPI track(HMENU menu, UINT flags, int x, int y, int, HWND owner, const R
   return TRUE;
 }
 
-// A monitor whose work area is this one; points outside of it are on none.
+// The only monitor, with this work area; points outside of it are on no monitor.
 RECT work_area{};
 const auto our_monitor = reinterpret_cast<HMONITOR>(INT_PTR{77});
 HMONITOR WINAPI monitor_at(POINT point, DWORD otherwise) {
@@ -250,7 +287,7 @@ TEST_F(ButtonMenuPlace, IsBelowTheButtonForItsParent) {
   EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED);
 }
 
-// Also where the application had checked it: that is meant.
+// Kept for compatibility: callers see the button unchecked, even if they checked it before.
 TEST_F(ButtonMenuPlace, LeavesTheButtonUnchecked) {
   work_area = {-5000, -5000, 5000, 5000};
   button_.SetCheck(BST_CHECKED);
@@ -259,7 +296,7 @@ TEST_F(ButtonMenuPlace, LeavesTheButtonUnchecked) {
   EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED);
 }
 
-// Up and down it is never moved: that is meant.
+// Kept for compatibility: callers see the menu at the button's lower edge, even if that is below all monitors.
 TEST_F(ButtonMenuPlace, IsMovedSidewaysOntoTheNearestMonitor) {
   const LONG left = place().left, bottom = place().bottom;
   const struct {
@@ -271,7 +308,7 @@ TEST_F(ButtonMenuPlace, IsMovedSidewaysOntoTheNearestMonitor) {
       {{left - 500, bottom + 100, left + 500, bottom + 200}, left},  // below
       {{left - 500, bottom - 200, left + 500, bottom}, left},        // above, by one line
       {{left + 7, bottom - 200, left + 500, bottom - 100}, left + 7},
-      {{left, bottom, left + 1, bottom + 1}, left},  // just on it
+      {{left, bottom, left + 1, bottom + 1}, left},  // a monitor of one pixel at the menu
   };
   for (const auto& each : cases) {
     work_area = each.area;
@@ -299,7 +336,7 @@ TEST_F(ButtonMenuPlace, RoundsLeaveNothingBehind) {
 
 // ---- with the real mouse and keyboard ------------------------------------------------------------------------------
 
-// What to do once a menu is open; it is called by a timer, since the menu has a message loop of its own.
+// The action while a menu is open. A timer calls it, since the menu runs a separate message loop.
 std::function<void(HWND)> on_open;
 int ticks = 0;
 
@@ -330,7 +367,7 @@ class ButtonMenuOnScreen : public ButtonMenu {
     park_mouse();
     ButtonMenu::TearDown();
   }
-  // Clicks and lets things happen while the menu is open, and until the button is released again.
+  // Clicks, and processes messages while the menu is open and until the button is released.
   void click_and(std::function<void(HWND)> while_open) {
     bool seen = false;
     on_open = [&seen, while_open](HWND menu) {
@@ -389,7 +426,7 @@ TEST_F(ButtonMenuOnScreen, CanBeLookedAt) {
     RECT rect;
     dialog_.GetWindowRect(&rect);
     rect.bottom += 40;  // the menu reaches beyond it
-    // What was drawn reaches the screen while the menu waits for messages: look at the next tick.
+    // The drawing reaches the screen while the menu waits for messages, so check at the next tick.
     on_open = [rect](HWND) {
       const Picture picture(rect.right - rect.left, rect.bottom - rect.top, 0);
       const HDC screen = GetDC(nullptr);
@@ -410,7 +447,7 @@ TEST_F(ButtonMenuOnScreen, IgnoresTheOtherMouseButtons) {
   };
   click(more_, MOUSEEVENTF_RIGHTDOWN, MOUSEEVENTF_RIGHTUP);
   click(more_, MOUSEEVENTF_MIDDLEDOWN, MOUSEEVENTF_MIDDLEUP);
-  // A click on another button comes after these.
+  // A click on another button is processed after these messages.
   click(dialog_.GetDlgItem(IDC_LATER));
   ASSERT_TRUE(pump_until([&] { return dialog_.commands == std::vector<int>{IDC_LATER}; }));
   EXPECT_FALSE(menu_seen);

@@ -1,6 +1,7 @@
-// The numeric edit box: in a dialog, in a window of its own, and without any; typed into as a person types.
+// The numeric edit box: in a dialog, in a window that it creates, and without a window; with keyboard input.
 #include <gtest/gtest.h>
 
+#include <kexlib/controls/button_menu.h>
 #include <kexlib/controls/numeric_edit_box.h>
 
 #include <controls/resources.h>
@@ -9,6 +10,7 @@
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/user_input.h>
+#include <support/window_text.h>
 
 #include <cmath>
 #include <string>
@@ -32,13 +34,7 @@ kexNumericEditBox box_with(const char* separator) {
   return {};
 }
 
-std::string text_of(HWND window) {
-  char text[400] = "";
-  GetWindowTextA(window, text, sizeof text);
-  return text;
-}
-
-// Notes what its first field tells it.
+// Records the notifications of its first field.
 class LengthDialog : public CDialogImpl<LengthDialog> {
  public:
   enum { IDD = IDD_LENGTH };
@@ -47,8 +43,10 @@ class LengthDialog : public CDialogImpl<LengthDialog> {
   END_MSG_MAP()
   LRESULT OnLength(WORD code, WORD, HWND, BOOL&) {
     told.push_back(code);
+    if (fails && code == EN_CHANGE) throw 1;
     return 0;
   }
+  bool fails = false;
   std::vector<int> told;
 };
 
@@ -63,7 +61,7 @@ class NumericEditBox : public testing::Test {
     if (dialog_.IsWindow()) dialog_.DestroyWindow();
   }
 
-  std::string text() const { return text_of(edit_); }
+  std::string text() const { return window_text(edit_); }
 
   LengthDialog dialog_;
   HWND edit_ = nullptr;
@@ -99,9 +97,9 @@ TEST(NumericEditBoxWithoutAWindow, ShowsInItsFirstWindowWhatItWasToldBefore) {
   kexNumericEditBox box = box_with(",");
   box.set_value(1.5);
   ASSERT_TRUE(box.SubclassWindow(dialog.GetDlgItem(IDC_LENGTH)));
-  EXPECT_EQ(text_of(box), "") << "the first setter shows it";
+  EXPECT_EQ(window_text(box), "") << "the first setter shows it";
   box.set_decimal_places(2);
-  EXPECT_EQ(text_of(box), "1,50");
+  EXPECT_EQ(window_text(box), "1,50");
   dialog.DestroyWindow();
 }
 
@@ -114,7 +112,7 @@ TEST(NumericEditBoxCreated, TakesTheWindowThatItHoldsForItsParent) {
   ASSERT_TRUE(box.IsWindow());
   EXPECT_NE(box.m_hWnd, host.m_hWnd);
   EXPECT_EQ(::GetParent(box), host.m_hWnd);
-  EXPECT_EQ(text_of(box), "0.000");
+  EXPECT_EQ(window_text(box), "0.000");
   EXPECT_EQ(box.GetDlgCtrlID(), 0);
   EXPECT_EQ(box.GetStyle() & ~DWORD{WS_CLIPSIBLINGS}, DWORD{WS_CHILD | WS_VISIBLE});
   EXPECT_EQ(box.GetExStyle() & ~DWORD{WS_EX_NOPARENTNOTIFY}, DWORD{WS_EX_CLIENTEDGE});
@@ -137,7 +135,7 @@ TEST(NumericEditBoxCreated, ShowsTheNumberOfBefore) {
   box.set_decimal_places(1);
   box.Attach(host);
   box.Create(host);
-  EXPECT_EQ(text_of(box), "12::2");
+  EXPECT_EQ(window_text(box), "12::2");
   host.DestroyWindow();
 }
 
@@ -150,16 +148,16 @@ TEST(NumericEditBoxCreated, WithoutAParentThereIsNoWindow) {
   EXPECT_EQ(box.get_value(), 3.0);
 }
 
-// It is attached to the window that it takes for its own: that is why the host comes last.
+// The object writes to its attached window: attach the host immediately before Create.
 TEST(NumericEditBoxCreated, ASetterBeforeItWritesToTheHost) {
   LengthDialog host;
   ASSERT_TRUE(host.Create(nullptr));
   kexNumericEditBox box = box_with(".");
   box.Attach(host);
   box.set_value(2.0);
-  EXPECT_EQ(text_of(host), "2.000");
+  EXPECT_EQ(window_text(host), "2.000");
   box.Create(host);
-  EXPECT_EQ(text_of(box), "2.000");
+  EXPECT_EQ(window_text(box), "2.000");
   host.DestroyWindow();
 }
 
@@ -175,10 +173,83 @@ TEST(NumericEditBoxCreated, TwiceLeavesTheFirstEditControlToItself) {
   EXPECT_EQ(::GetParent(box), first);
   SetWindowTextA(first, "7x");
   SendMessageA(first, WM_KILLFOCUS, 0, 0);
-  EXPECT_EQ(text_of(first), "7x");
+  EXPECT_EQ(window_text(first), "7x");
   EXPECT_EQ(box.get_value(), 0.0);
   host.DestroyWindow();
   EXPECT_EQ(box.m_hWnd, nullptr);
+}
+
+// ---- another window for the same object -----------------------------------------------------------------------------
+
+TEST_F(NumericEditBox, LeavesItsEditControlForAnother) {
+  const HWND width = dialog_.GetDlgItem(IDC_WIDTH);
+  ASSERT_TRUE(box_.SubclassWindow(width));
+  EXPECT_EQ(box_.m_hWnd, width);
+  SetWindowTextA(edit_, "7x");
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(text(), "7x") << "it is an edit control as any other now";
+  SetWindowTextA(width, "8x");
+  SendMessageA(width, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(window_text(width), "8.000");
+}
+
+TEST_F(NumericEditBox, KeepsItsEditControlWhereTheSystemRefusesAnother) {
+  EXPECT_FALSE(box_.SubclassWindow(nullptr));
+  EXPECT_FALSE(box_.SubclassWindow(GetDesktopWindow()));
+  EXPECT_EQ(box_.m_hWnd, edit_);
+  SetWindowTextA(edit_, "7x");
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(text(), "7.000");
+}
+
+TEST_F(NumericEditBox, MayBeAttachedToAWindowBefore) {
+  kexNumericEditBox box;
+  box.Attach(dialog_.GetDlgItem(IDC_WIDTH));
+  EXPECT_FALSE(box.SubclassWindow(GetDesktopWindow()));
+  EXPECT_EQ(box.m_hWnd, dialog_.GetDlgItem(IDC_WIDTH));
+  EXPECT_TRUE(box.SubclassWindow(dialog_.GetDlgItem(IDC_WIDTH)));
+  EXPECT_TRUE(box.UnsubclassWindow());
+}
+
+// Another window procedure forwards the messages of the first edit control to this object.
+class NumericEditBoxSubclassedOver : public NumericEditBox {
+ protected:
+  void SetUp() override {
+    NumericEditBox::SetUp();
+    ASSERT_TRUE(somebody_else_.SubclassWindow(edit_));
+  }
+  void expect_nothing_changed() {
+    const HWND width = dialog_.GetDlgItem(IDC_WIDTH);
+    EXPECT_EQ(box_.m_hWnd, edit_);
+    SetWindowTextA(width, "of its own");
+    SetWindowTextA(edit_, "7x");
+    EXPECT_EQ(text(), "7x");
+    SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+    EXPECT_EQ(text(), "7.000");
+    EXPECT_EQ(box_.get_value(), 7.0);
+    EXPECT_EQ(window_text(width), "of its own");
+  }
+  atlButtonMenu somebody_else_;
+};
+
+TEST_F(NumericEditBoxSubclassedOver, TakesNoOther) {
+  EXPECT_FALSE(box_.SubclassWindow(dialog_.GetDlgItem(IDC_WIDTH)));
+  expect_nothing_changed();
+}
+
+TEST_F(NumericEditBoxSubclassedOver, CreatesNone) {
+  CWindow font_source(dialog_);
+  box_.Create(font_source);
+  EXPECT_EQ(GetWindow(edit_, GW_CHILD), nullptr);
+  expect_nothing_changed();
+}
+
+TEST_F(NumericEditBoxSubclassedOver, TakesAnotherWhenTheFirstIsFreeAgain) {
+  ASSERT_TRUE(somebody_else_.UnsubclassWindow());
+  ASSERT_TRUE(box_.SubclassWindow(dialog_.GetDlgItem(IDC_WIDTH)));
+  SetWindowTextA(edit_, "7x");
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(text(), "7x");
 }
 
 TEST_F(NumericEditBox, ShowsANumberAtOnce) {
@@ -194,7 +265,7 @@ TEST_F(NumericEditBox, ShowsANumberAtOnce) {
   EXPECT_EQ(text(), "-7");
 }
 
-// The text is not the number: setters write the number that was read last.
+// The text does not change the number: setters write the number that was last read.
 TEST_F(NumericEditBox, ASetterWritesOverWhatWasNotReadYet) {
   box_.set_value(1.0);
   SetWindowTextA(edit_, "12");
@@ -202,7 +273,7 @@ TEST_F(NumericEditBox, ASetterWritesOverWhatWasNotReadYet) {
   EXPECT_EQ(text(), "1.0");
 }
 
-// The number keeps its sign until the text is read: that is meant.
+// Kept for compatibility: callers may allow the sign again until the text is read.
 TEST_F(NumericEditBox, LosesTheSignOfTheTextAtOnceAndThatOfTheNumberWithTheNextRead) {
   box_.set_value(-1.5);
   box_.allow_negative_values(false);
@@ -239,7 +310,6 @@ TEST_F(NumericEditBox, TakesNumbersThatAreNone) {
   EXPECT_TRUE(std::isfinite(box_.get_value())) << "260 characters are read";
 }
 
-// No user can send messages of another map.
 TEST_F(NumericEditBox, ServesItsOwnMapOnly) {
   SetWindowTextA(edit_, "5x");
   LRESULT result = 17;
@@ -265,6 +335,12 @@ TEST_F(NumericEditBox, ACopyHasTheNumbersButNotTheMessages) {
   SetWindowTextA(edit_, "3x");
   SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
   EXPECT_EQ(text(), "3.000") << "the source is there still";
+}
+
+TEST_F(NumericEditBox, LetsTheEditControlDoItsOwnWorkWhenTheFocusLeaves) {
+  dialog_.told.clear();
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(dialog_.told, (std::vector<int>{EN_UPDATE, EN_CHANGE, EN_KILLFOCUS}));
 }
 
 TEST_F(NumericEditBox, GoesOnWithoutTheWindowThatIsDestroyed) {
@@ -297,6 +373,24 @@ TEST(NumericEditBoxRounds, LeaveNothingBehind) {
   host.DestroyWindow();
 }
 
+// The exception would unwind the edit control, which does not support exceptions.
+class NumericEditBoxInChildProcess : public NumericEditBox {
+ protected:
+  void SetUp() override {
+    NumericEditBox::SetUp();
+    dialog_.fails = true;
+  }
+  void TearDown() override {
+    dialog_.fails = false;  // destroying the dialog removes the focus
+    NumericEditBox::TearDown();
+  }
+};
+
+TEST_F(NumericEditBoxInChildProcess, AnExceptionOfTheParentEndsTheProgram) {
+  EXPECT_EXIT(box_.set_value(1.0), testing::ExitedWithCode(3), "terminate called");
+  EXPECT_EXIT(SendMessageA(edit_, WM_KILLFOCUS, 0, 0), testing::ExitedWithCode(3), "terminate called");
+}
+
 // ---- with the real keyboard ----------------------------------------------------------------------------------------
 
 class NumericEditBoxOnScreen : public NumericEditBox {
@@ -312,7 +406,7 @@ class NumericEditBoxOnScreen : public NumericEditBox {
 
   bool until(const std::function<bool()>& happened) const { return pump_dialog_until(dialog_, happened); }
 
-  // Types over what stands there and waits until it does.
+  // Replaces the text by typing, and waits until it is shown.
   std::string type(const std::string& typed) {
     SendMessageA(edit_, EM_SETSEL, 0, -1);
     press_key(VK_DELETE);

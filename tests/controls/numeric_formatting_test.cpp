@@ -6,6 +6,7 @@
 #include <controls/resources.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
+#include <support/window_text.h>
 
 #include <clocale>
 #include <cmath>
@@ -63,12 +64,6 @@ class EditControls : public testing::Test {
     return Numbers::getValue(&edit_, separator);
   }
 
-  static std::string text_of(HWND window) {
-    std::string text(static_cast<std::size_t>(GetWindowTextLengthA(window)) + 1, '\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextA(window, text.data(), static_cast<int>(text.size()))));
-    return text;
-  }
-
   HWND dialog_ = nullptr;
   Edit edit_;
   Edit lines_;
@@ -82,7 +77,7 @@ TEST(NumberFormatting, ConvertsBetweenInchesAndMillimetres) {
   EXPECT_EQ(formatting.with_units(25.4), "1.00");
 }
 
-// 1 / 25.4 and 1 * (1 / 25.4) differ in the last bit of many values, 7.62 among them.
+// Division by 25.4 and multiplication by 1 / 25.4 differ in the last bit for many values, such as 7.62.
 TEST(NumberFormatting, DividesToGetInches) {
   Formatting formatting(17, 0, KRV_Millimetres, KRV_Inches);
   int different = 0;
@@ -114,12 +109,12 @@ TEST(NumberFormatting, FormatsNeutralTextsWithTheirOwnDigitsAndTheSameRounding) 
   EXPECT_EQ(formatting.plain(0.5), "1");
 }
 
-// printf alone would give 0.12, 2 and 0.
+// printf alone would write 0.12, 2 and 0.
 TEST(NumberFormatting, RoundsHalvesAwayFromZeroBeforeItPrints) {
   EXPECT_EQ(with_digits(0.125, 2), "0.13");
   EXPECT_EQ(with_digits(2.5, 0), "3");
   EXPECT_EQ(with_digits(-0.5, 0), "-1");
-  EXPECT_EQ(with_digits(1.005, 2), "1.00");  // it is a little less
+  EXPECT_EQ(with_digits(1.005, 2), "1.00");  // the double is slightly less
 }
 
 TEST(NumberFormatting, PrintsEveryDoubleThereIs) {
@@ -143,13 +138,13 @@ TEST(NumberFormatting, PrintsAllDigitsThatAreAskedFor) {
   EXPECT_EQ(with_digits(2.0, 0), "2");
 }
 
-// Rounded to tens, and then printed with the six digits of printf.
+// Rounded to tens, then printed with the six decimals of printf.
 TEST(NumberFormatting, RoundsToTensWhereDigitsAreNegative) {
   EXPECT_EQ(with_digits(1234.5, -1), "1230.000000");
   EXPECT_EQ(with_digits(1250.0, -2), "1300.000000");
 }
 
-// The point is the run-time library's own, in "neutral" texts too: that is meant.
+// Kept for compatibility: "neutral" texts also have the decimal point of the run-time library. Only the digits differ.
 TEST(NumberFormatting, PrintsThePointOfTheLocaleThatIsSet) {
   NumericLocale locale("German");
   ASSERT_TRUE(locale.made());
@@ -209,7 +204,7 @@ TEST_F(EditControls, LoseTheSignUnlessNegativeNumbersAreAllowed) {
   EXPECT_EQ(Numbers::getValue(&edit_, false, "."), 2.5);
 }
 
-// Negative zero is not less than zero, and is left as it is: that is meant.
+// Kept for compatibility: callers see negative zero keep its sign, since it is not less than zero.
 TEST_F(EditControls, KeepANegativeZero) {
   SetWindowTextA(edit_, "-0");
   EXPECT_TRUE(std::signbit(Numbers::getValue(&edit_, false, ".")));
@@ -220,7 +215,7 @@ TEST_F(EditControls, AreReadUpTo260Characters) {
   const auto number = [](std::size_t length) { return "0." + std::string(length - 2, '1'); };
   EXPECT_EQ(read("7"), 7.0);
   for (const std::size_t length : {258u, 259u, 260u, 261u, 300u}) {
-    // A number whose every character counts: the last ones are an exponent.
+    // The last characters are an exponent: truncation would change the number.
     const std::string text = std::string(length - 3, '0') + "1e2";
     const double expected = length == 261 ? 1.0 : length > 261 ? 0.0 : 100.0;
     EXPECT_EQ(read(text), expected) << length;
@@ -243,11 +238,11 @@ TEST_F(EditControls, WithSeveralLinesAreReadInTheFirst) {
 
 TEST_F(EditControls, ShowTheTextThatIsReturned) {
   EXPECT_EQ(std::string(Numbers::putValue(&edit_, 3.14159, ",", 2)), "3,14");
-  EXPECT_EQ(text_of(edit_), "3,14");
+  EXPECT_EQ(window_text(edit_), "3,14");
   EXPECT_EQ(std::string(Numbers::putValue(&edit_, -2.0, false, ".", 1)), "2.0");
-  EXPECT_EQ(text_of(edit_), "2.0");
+  EXPECT_EQ(window_text(edit_), "2.0");
   EXPECT_EQ(std::string(Numbers::putValue(&edit_, -2.0, true, ".", 1)), "-2.0");
-  EXPECT_EQ(text_of(edit_), "-2.0");
+  EXPECT_EQ(window_text(edit_), "-2.0");
   Edit none;
   EXPECT_EQ(std::string(Numbers::putValue(&none, 1.0, ".", 1)), "1.0");
 }
@@ -302,10 +297,11 @@ TEST(PutValue, KeepsAllDigits) {
   EXPECT_EQ(put(2.0, ".", 0), "2");
   EXPECT_EQ(put(2.5, ".", 3), "2.500");
   EXPECT_EQ(put(0.1, ".", 30), "0.100000000000000005551115123126");
-  EXPECT_EQ(put(2.0, ".", -1), "2.000000");  // a negative precision is none
+  EXPECT_EQ(put(2.0, ".", -1), "2.000000");  // a negative precision is ignored
 }
 
-// There is no rounding before it prints: that is meant. Compare NumberFormatting.
+// By design the number is not rounded before it is printed: a control shows the text of printf. Compare
+// NumberFormatting.
 TEST(PutValue, PrintsTiesToEven) {
   EXPECT_EQ(put(0.125, ".", 2), "0.12");
   EXPECT_EQ(put(0.375, ".", 2), "0.38");
@@ -342,7 +338,7 @@ TEST(DecimalSeparator, IsTheUsers) {
   EXPECT_STREQ(Numbers::get_decimal_seperator(), text);
 }
 
-// What the system says, without changing the user's settings, which other programs read meanwhile.
+// Replaces the system's result. The user's settings are not changed, since other programs read them.
 class DecimalSeparatorOfTheSystem : public testing::Test {
  protected:
   static int WINAPI answer(LCID locale, LCTYPE type, LPSTR text, int size) {

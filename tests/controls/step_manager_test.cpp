@@ -1,250 +1,28 @@
-// Control groups and steps, on the controls of real windows.
+// Steps, on the controls of a real window and in a dialog.
 #include <gtest/gtest.h>
 
 #include <kexlib/controls/step_manager.h>
 
-#include <atlbase.h>
-
 #include <atlwin.h>
 
 #include <controls/resources.h>
+#include <controls/step_manager_fixture.h>
 #include <support/expect_flat.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/user_input.h>
 
-#include <memory>
-#include <new>
 #include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr unsigned first_display = 100;
-
-// A window with controls 1, 2, 3 ... and as many number displays from 100 on.
-class Controls {
- public:
-  explicit Controls(unsigned count) {
-    parent_ = CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 100, 100, nullptr, nullptr, nullptr, nullptr);
-    for (unsigned i = 0; i < count; ++i) make(i + 1), make(first_display + i);
-  }
-  Controls(const Controls&) = delete;
-  Controls& operator=(const Controls&) = delete;
-  ~Controls() { DestroyWindow(parent_); }
-
-  HWND parent() const { return parent_; }
-  HWND control(unsigned id) const { return GetDlgItem(parent_, static_cast<int>(id)); }
-  bool enabled(unsigned id) const { return IsWindowEnabled(control(id)); }
-  bool visible(unsigned id) const { return IsWindowVisible(control(id)); }
-  std::string text(unsigned id) const {
-    char text[40] = "";
-    GetWindowTextA(control(id), text, sizeof text);
-    return text;
-  }
-
- private:
-  void make(unsigned id) {
-    CreateWindowA("STATIC", "", WS_CHILD | WS_VISIBLE, 0, 0, 10, 10, parent_,
-                  reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
-  }
-  HWND parent_;
-};
-
-TEST(ControlGroup, BeginsEmptyEnabledAndVisible) {
-  const Controls controls(1);
-  const atlControlGroup group(controls.parent());
-  EXPECT_EQ(group.enabled(), 1);
-  EXPECT_EQ(group.visible(), 1);
-  EXPECT_EQ(group.parent(), controls.parent());
-  EXPECT_TRUE(group.control_ids().empty());
-  EXPECT_EQ(group.contains(1), 0);
-}
-
-TEST(ControlGroup, HoldsEachControlOnceInTheOrderOfTheIdentifiers) {
-  atlControlGroup group(nullptr);
-  for (const unsigned id : {3u, 1u, 0xFFFFFFFFu, 3u}) group.add_control(id);
-  EXPECT_EQ(group.control_ids(), (std::set<unsigned>{1, 3, 0xFFFFFFFF}));
-  EXPECT_EQ(group.contains(3), 1);
-  EXPECT_EQ(group.contains(2), 0);
-}
-
-TEST(ControlGroup, EnablesItsControlsAndNoOthers) {
-  const Controls controls(3);
-  atlControlGroup group(controls.parent());
-  group.add_control(1);
-  group.add_control(3);
-  group.set_enabled(0);
-  EXPECT_FALSE(controls.enabled(1));
-  EXPECT_TRUE(controls.enabled(2));
-  EXPECT_FALSE(controls.enabled(3));
-  EXPECT_EQ(group.enabled(), 0);
-  group.set_enabled(1);
-  EXPECT_TRUE(controls.enabled(1));
-  EXPECT_TRUE(controls.enabled(3));
-}
-
-TEST(ControlGroup, ShowsItsControlsAndNoOthers) {
-  const Controls controls(3);
-  atlControlGroup group(controls.parent());
-  group.add_control(2);
-  group.set_visible(0);
-  EXPECT_TRUE(controls.visible(1));
-  EXPECT_FALSE(controls.visible(2));
-  EXPECT_EQ(group.visible(), 0);
-  EXPECT_EQ(group.enabled(), 1);
-  group.set_visible(-1);
-  EXPECT_TRUE(controls.visible(2));
-  EXPECT_EQ(group.visible(), -1);
-}
-
-// What it is told is kept as it is, not made 1: that is meant.
-TEST(ControlGroup, RemembersWhatItWasTold) {
-  const Controls controls(1);
-  atlControlGroup group(controls.parent());
-  group.add_control(1);
-  group.set_enabled(2);
-  EXPECT_EQ(group.enabled(), 2);
-  EXPECT_TRUE(controls.enabled(1));
-}
-
-TEST(ControlGroup, LeavesAControlThatIsAddedLaterAsItIs) {
-  const Controls controls(1);
-  atlControlGroup group(controls.parent());
-  group.set_enabled(0);
-  group.add_control(1);
-  EXPECT_TRUE(controls.enabled(1));
-  EXPECT_EQ(group.enabled(), 0);
-}
-
-TEST(ControlGroup, PassesOverWhatIsNotThere) {
-  const Controls controls(2);
-  atlControlGroup group(controls.parent());
-  for (const unsigned id : {0u, 1u, 77u, 0xFFFFFFFFu}) group.add_control(id);
-  group.set_enabled(0);
-  EXPECT_FALSE(controls.enabled(1));
-  DestroyWindow(controls.control(1));
-  group.set_enabled(1);
-  group.set_visible(0);
-
-  atlControlGroup nowhere(nullptr);
-  nowhere.add_control(1);
-  nowhere.set_enabled(0);
-  nowhere.set_visible(0);
-  EXPECT_EQ(nowhere.visible(), 0);
-  EXPECT_TRUE(controls.visible(2));
-}
-
-// A class of its own may say where its controls are.
-class Elsewhere : public atlControlGroup {
- public:
-  explicit Elsewhere(HWND place) : atlControlGroup(nullptr), place_(place) {}
-  HWND parent() const override {
-    ++asked_;
-    return place_;
-  }
-  int asked() const { return asked_; }
-
- private:
-  HWND place_;
-  mutable int asked_ = 0;
-};
-
-TEST(ControlGroup, AsksForItsParentOnce) {
-  const Controls controls(2);
-  Elsewhere group(controls.parent());
-  group.add_control(1);
-  group.add_control(2);
-  group.set_enabled(0);
-  EXPECT_EQ(group.asked(), 1);
-  EXPECT_FALSE(controls.enabled(2));
-  group.set_visible(0);
-  EXPECT_EQ(group.asked(), 2);
-}
-
-// A window procedure that looks at the group while the group is at work.
-const atlControlGroup* group_at_work = nullptr;
-int enabled_meanwhile = -1;
-LRESULT CALLBACK look_at_group(HWND window, UINT message, WPARAM w, LPARAM l) {
-  if (message == WM_ENABLE && group_at_work) enabled_meanwhile = group_at_work->enabled();
-  return DefWindowProcA(window, message, w, l);
-}
-
-// The flag comes last: that is meant.
-TEST(ControlGroup, IsDoneOnlyWhenAllItsControlsAre) {
-  const Controls controls(1);
-  SetWindowLongPtrA(controls.control(1), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(look_at_group));
-  atlControlGroup group(controls.parent());
-  group.add_control(1);
-  group_at_work = &group;
-  group.set_enabled(0);
-  group_at_work = nullptr;
-  EXPECT_EQ(enabled_meanwhile, 1);
-  EXPECT_EQ(group.enabled(), 0);
-}
-
-TEST(ControlGroup, CopiesAreOfTheSameControls) {
-  const Controls controls(2);
-  atlControlGroup group(controls.parent());
-  group.add_control(1);
-  group.set_enabled(0);
-  group.set_visible(3);
-  atlControlGroup copy(group);
-  copy.add_control(2);
-  EXPECT_EQ(copy.parent(), controls.parent());
-  EXPECT_EQ(copy.enabled(), 0);
-  EXPECT_EQ(copy.visible(), 3);
-  EXPECT_EQ(group.contains(2), 0);
-  EXPECT_EQ(&(group = copy), &group);
-  EXPECT_EQ(group.contains(2), 1);
-  const atlControlGroup& same = group;
-  group = same;
-  EXPECT_EQ(group.control_ids().size(), 2u);
-}
-
-// ---- steps ---------------------------------------------------------------------------------------------------------
-
-// Steps 0, 1, 2 ... with the controls 1, 2, 3 ... and their displays.
-class Steps : public testing::Test {
- protected:
-  static constexpr int most = 8;
-
-  void make(int count, bool number, bool disable_completed) {
-    manager_ = std::make_unique<atlStepManager>(controls_.parent(), number, disable_completed);
-    for (int i = 0; i < count; ++i) add();
-  }
-  atlStepControlGroup* add() {
-    const auto i = static_cast<unsigned>(manager_->get_step_count());
-    atlStepControlGroup* step = manager_->create_step();
-    step->add_control(i + 1);
-    step->attach_number_display(first_display + i);
-    return step;
-  }
-  // The enabled ones, as "0 2".
-  std::string enabled() const {
-    std::string list;
-    for (int i = 0; i < manager_->get_step_count(); ++i)
-      if (controls_.enabled(static_cast<unsigned>(i) + 1)) list += (list.empty() ? "" : " ") + std::to_string(i);
-    return list;
-  }
-  // What the displays say, as "1||2".
-  std::string numbers() const {
-    std::string list;
-    for (int i = 0; i < manager_->get_step_count(); ++i)
-      list += (i ? "|" : "") + controls_.text(first_display + static_cast<unsigned>(i));
-    return list;
-  }
-
-  Controls controls_{most};
-  std::unique_ptr<atlStepManager> manager_;
-};
-
 struct Walk {
   const char* what;
   bool disable_completed;
   const char* hidden;  // 'h' for a hidden step
-  const char* moves;   // n next, p previous, i init, a digit goes to that step
+  const char* moves;   // n next, p previous, i init, a digit activates that step
   const char* enabled;
   int active;
 };
@@ -344,7 +122,7 @@ TEST_F(Steps, AreNotThereBeyondTheLast) {
   EXPECT_EQ(manager_->step(1000000), nullptr);
 }
 
-// The index of the active step outlives the steps: that is meant.
+// Kept for compatibility: callers see the index of the active step after the steps are deleted.
 TEST_F(Steps, BeginAnewWhenTheyAreCleared) {
   make(3, true, true);
   manager_->init();
@@ -428,7 +206,7 @@ TEST_F(Steps, CanBeCopied) {
   EXPECT_EQ(manager_->get_step_count(), 2);
 }
 
-// A copy of a manager is shallow: that is meant. The copy here is never destroyed.
+// Kept for compatibility: a copy of a manager shares the steps. The copy here is never destroyed.
 TEST_F(Steps, AreSharedByACopyOfTheManager) {
   make(2, true, false);
   manager_->init();
@@ -446,7 +224,7 @@ TEST_F(Steps, AreSharedByACopyOfTheManager) {
 
 // ---- against a model ---------------------------------------------------------------------------------------------
 
-// Steps as one would describe them: what is enabled is said step by step.
+// A simple model of the steps: the enabled steps are computed one by one.
 struct Model {
   struct Step {
     bool enabled = true, visible = true;

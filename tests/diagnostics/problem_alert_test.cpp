@@ -1,18 +1,20 @@
-#include <kexlib/diagnostics/problem_alert.h>
-
 #include <gtest/gtest.h>
 
-#include <support/child_process.h>
+#include <kexlib/diagnostics/problem_alert.h>
+
+#include <afxwin.h>
+#include <process.h>
+
 #include <support/expect_flat.h>
 #include <support/import_override.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/user_input.h>
-
-#include <process.h>
+#include <support/window_text.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -41,15 +43,9 @@ bool box_comes() {
   return pump_until([] { return boxes().size() == 1; });
 }
 
-// A second one would be there much sooner.
+// A second one would appear much sooner.
 bool none_comes() {
   return !pump_until([] { return !boxes().empty(); }, std::chrono::milliseconds(400));
-}
-
-std::string text_of(HWND window) {
-  char text[256];
-  GetWindowTextA(window, text, sizeof text);
-  return text;
 }
 
 std::vector<HWND> children(HWND parent, const char* class_name) {
@@ -63,7 +59,7 @@ void close_box() {
   ASSERT_EQ(open.size(), 1u);
   const std::vector<HWND> buttons = children(open[0], "Button");
   ASSERT_EQ(buttons.size(), 1u);
-  // As a user would, who clicks again where the box was not ready for it.
+  // Clicks as a user does: again if the box was not ready.
   for (int clicks = 0; clicks < 5 && !boxes().empty(); ++clicks) {
     click(buttons[0]);
     pump_until([] { return boxes().empty(); }, std::chrono::seconds(3));
@@ -73,9 +69,9 @@ void close_box() {
 
 class ProblemAlertOnScreen : public testing::Test {
  protected:
-  ~ProblemAlertOnScreen() override { SetCursorPos(5, 5); }
+  ~ProblemAlertOnScreen() override { park_mouse(); }
 
-  // Where a test fails in the middle: the alert's destructor would wait for the user.
+  // If a test fails before its end, the alert's destructor would wait for the user.
   struct Closing {
     ~Closing() {
       for (const HWND box : boxes()) PostMessageA(box, WM_COMMAND, IDOK, 0);
@@ -92,15 +88,15 @@ TEST_F(ProblemAlertOnScreen, ShowsItsBoxAboveAllAndStaysUntilTheUserClosesIt) {
   const HWND box = boxes()[0];
   EXPECT_NE(GetWindowThreadProcessId(box, nullptr), GetCurrentThreadId());
   EXPECT_TRUE(GetWindowLongA(box, GWL_EXSTYLE) & WS_EX_TOPMOST);
-  EXPECT_EQ(text_of(box), "Error");  // the system's own
+  EXPECT_EQ(window_text(box), "Error");  // the system's own
   EXPECT_EQ(GetWindow(box, GW_OWNER), nullptr);
 
   const std::vector<HWND> buttons = children(box, "Button");
   ASSERT_EQ(buttons.size(), 1u);
-  EXPECT_EQ(text_of(buttons[0]), "OK");
+  EXPECT_EQ(window_text(buttons[0]), "OK");
   bool text_found = false, icon_found = false;
   for (const HWND child : children(box, "Static")) {
-    if (text_of(child) == "The problem has occurred") text_found = true;
+    if (window_text(child) == "The problem has occurred") text_found = true;
     if (SendMessageA(child, STM_GETICON, 0, 0) == reinterpret_cast<LRESULT>(LoadIconA(nullptr, IDI_EXCLAMATION)))
       icon_found = true;
   }
@@ -109,18 +105,18 @@ TEST_F(ProblemAlertOnScreen, ShowsItsBoxAboveAllAndStaysUntilTheUserClosesIt) {
   close_box();
 }
 
-// Its frame, its title and all, as it is on the screen.
+// The whole box with frame and title, as it is on the screen.
 TEST_F(ProblemAlertOnScreen, CanBeLookedAt) {
   CProblemAlert alert;
   const Closing closing;
   alert.RaiseProblemMessage();
   ASSERT_TRUE(box_comes());
-  SetCursorPos(5, 5);
+  park_mouse();
   RECT place;
   GetWindowRect(boxes()[0], &place);
   const int width = place.right - place.left, height = place.bottom - place.top;
   const HDC screen = GetDC(nullptr);
-  // Until its icon, its text and its button are there: each makes many colours of one.
+  // Waits until the icon, the text and the button are drawn: each adds many colours.
   std::vector<HWND> parts = children(boxes()[0], "Static");
   parts.push_back(children(boxes()[0], "Button")[0]);
   const auto shows = [&](const Picture& picture, HWND part) {
@@ -187,7 +183,7 @@ TEST_F(ProblemAlertOnScreen, EndsOnlyWhenTheUserHasClosedTheBox) {
   ending.join();
 }
 
-// The raiser neither pumps messages nor lets go of its lock, and yet it goes on at once.
+// The caller neither pumps messages nor releases its lock, and the call returns at once.
 TEST_F(ProblemAlertOnScreen, IsRaisedByAThreadWithoutALoopThatHoldsALock) {
   CProblemAlert alert;
   const Closing closing;
@@ -213,7 +209,7 @@ TEST_F(ProblemAlertOnScreen, HasNoThreadUntilItIsStarted) {
   alert.RaiseProblemMessage();
   EXPECT_TRUE(none_comes());
   EXPECT_EQ(alert.StartThread(), 1);
-  EXPECT_TRUE(none_comes());  // what was raised before is forgotten
+  EXPECT_TRUE(none_comes());  // earlier raises are discarded
   alert.RaiseProblemMessage();
   EXPECT_TRUE(box_comes());
   close_box();
@@ -233,7 +229,7 @@ TEST_F(ProblemAlertOnScreen, CanBeEndedTwiceAndStartedAgain) {
   close_box();
 }
 
-// ---- what it asks of the system ------------------------------------------------------------------------------------
+// ---- calls of the system -------------------------------------------------------------------------------------------
 
 struct Asked {
   HWND owner;
@@ -271,17 +267,30 @@ TEST(ProblemAlert, AsksForASystemModalWarningWithTheSystemsCaption) {
   EXPECT_EQ(asked[0].style, 0x1030u);
 }
 
-// Ending comes before showing: neither is a box shown that nobody could have been waiting for, nor does the end wait.
+HANDLE suspended_thread;
+
+DWORD WINAPI leave_suspended(HANDLE thread) {
+  suspended_thread = thread;
+  return 1;
+}
+
+DWORD WINAPI resume_and_wait(HANDLE object, DWORD time) {
+  ResumeThread(suspended_thread);
+  return WaitForSingleObject(object, time);
+}
+
+// The thread finds both events signalled: it starts to run only when EndThread waits for it.
 TEST(ProblemAlert, ShowsNothingThatWasRaisedTooLate) {
   asked.clear();
   CEvent shown_event, closed_event(TRUE, TRUE);
   shown = shown_event;
   closed = closed_event;
   const ImportOverride recorded("kexlib.dll", "USER32.dll", "MessageBoxA", &record_box);
+  const ImportOverride suspended("kexlib.dll", "KERNEL32.dll", "ResumeThread", &leave_suspended);
+  const ImportOverride resumed("kexlib.dll", "KERNEL32.dll", "WaitForSingleObject", &resume_and_wait);
+  ASSERT_TRUE(recorded.made() && suspended.made() && resumed.made());
   CProblemAlert alert;
-  alert.EndThread();
   alert.RaiseProblemMessage();
-  alert.StartThread();
   alert.EndThread();
   EXPECT_EQ(asked.size(), 0u);
 }
@@ -320,16 +329,41 @@ TEST(ProblemAlert, HasNoThreadWhereNoneCanBeStarted) {
   EXPECT_EQ(alert.StartThread(), 1);
 }
 
+void* no_memory_for_threads(std::size_t bytes) { return bytes == sizeof(CWinThread) ? nullptr : std::malloc(bytes); }
+
+TEST(ProblemAlert, HasNoThreadWhereThereIsNoMemoryForOne) {
+  CProblemAlert alert(0);
+  {
+    const ImportOverride refusal("libstdc++-6.dll", "msvcrt.dll", "malloc", &no_memory_for_threads);
+    ASSERT_TRUE(refusal.made());
+    EXPECT_EQ(alert.StartThread(), 0);
+    alert.EndThread();
+    const CProblemAlert silent;
+  }
+  EXPECT_EQ(alert.StartThread(), 1);
+}
+
+CWinThread* throw_for_lack_of_memory(AFX_THREADPROC, LPVOID, int, UINT, DWORD, LPSECURITY_ATTRIBUTES) {
+  AfxThrowMemoryException();
+}
+
+TEST(ProblemAlert, HasNoThreadWhereTheFrameworkThrowsForLackOfMemory) {
+  CProblemAlert alert(0);
+  {
+    const ImportOverride refusal("kexlib.dll", "kexframework.dll",
+                                 "_Z14AfxBeginThreadPFjPvES_ijmP20_SECURITY_ATTRIBUTES", &throw_for_lack_of_memory);
+    ASSERT_TRUE(refusal.made());
+    EXPECT_EQ(alert.StartThread(), 0);
+  }
+  EXPECT_EQ(alert.StartThread(), 1);
+}
+
 TEST(ProblemAlert, AThousandLeaveNothingBehind) {
   expect_flat(1000, [] {
     CProblemAlert alert;
     alert.EndThread();
     alert.StartThread();
   });
-}
-
-TEST(ProblemAlertInChildProcess, MayBeAStaticObjectOfAProgram) {
-  EXPECT_EQ(run_program("kexlib_host.exe", "alert"), 7u);
 }
 
 }  // namespace

@@ -1,8 +1,7 @@
-#include <diagnostics/profile_record.h>
-
 #include <gtest/gtest.h>
 
 #include <diagnostics/block_recorder.h>
+#include <diagnostics/profile_record.h>
 #include <support/record_text.h>
 
 #include <algorithm>
@@ -30,7 +29,7 @@ std::vector<std::int64_t> begins_of(const Block& block) {
   return begins;
 }
 
-// A platform whose thread and time the test sets, and which tells in which order it was asked.
+// A platform whose thread and time the test sets, and which records the order of the calls.
 struct ScriptedPlatform {
   static std::uint32_t thread_id() {
     asked += "thread ";
@@ -86,7 +85,7 @@ TEST(BlockIndex, ComparesEveryByteOfNamesOfEveryLength) {
   }
 }
 
-// Two names of equal hash: the second half of the other one is chosen so that the mixing ends the same.
+// Two names of equal hash: the second half of the other one is chosen so that the mixed values are equal.
 TEST(BlockIndex, ComparesTheNamesWhereTheirHashesAreEqual) {
   const auto state_after = [](const char* first_half) {
     return bytes::mix(bytes::mix(16) ^ bytes::load(first_half, 8));
@@ -104,8 +103,8 @@ TEST(BlockIndex, ComparesTheNamesWhereTheirHashesAreEqual) {
   EXPECT_EQ(names_of(thread.first_block()), (std::vector<std::string>{name, other}));
 }
 
-// The index takes the high bits of the hash. Names that differ in one or two characters at any place must spread over
-// it, or a begin walks along all of them.
+// The index uses the high bits of the hash. Names that differ in one or two characters at any place must spread over
+// it, otherwise a begin searches all of them.
 TEST(BlockIndex, SpreadsNamesThatDifferInTwoCharacters) {
   constexpr int bits = 13;
   const std::string characters = "0123456789abcdefghijABCDEFGHIJ";
@@ -221,8 +220,8 @@ TEST(ProfileRecord, TakesThreadsThatStartAtTheSameTime) {
   EXPECT_EQ(found.size(), threads * ids_of_each);
 }
 
-// At the end of a process a record is written whose thread was stopped anywhere. Here it goes on meanwhile: whatever is
-// reachable must be complete.
+// At the end of a process the record of a thread that was stopped at any point is written. Here the thread continues
+// meanwhile: every reachable object must be complete.
 TEST(ProfileRecord, IsWholeAtEveryInstant) {
   OwnRecord record;
   constexpr std::int64_t rounds = 20000;

@@ -1,7 +1,6 @@
-#include <diagnostics/profile_writer.h>
-
 #include <gtest/gtest.h>
 
+#include <diagnostics/profile_writer.h>
 #include <diagnostics/six_digits.h>
 #include <support/record_text.h>
 
@@ -67,7 +66,7 @@ TEST(ProfileWriter, WritesNamesAsTheyAre) {
   EXPECT_NE(written(record).find("      name: '" + name + "',\n"), std::string::npos);
 }
 
-// Where a time lies in the middle between two texts, the other order gives the other one now and then.
+// If a time lies in the middle between two texts, the other order sometimes results in the other one.
 TEST(ProfileWriter, MultipliesTicksBeforeItDivides) {
   const auto text_of = [](double milliseconds) {
     char text[six_digits_size];
@@ -111,7 +110,7 @@ TEST(ProfileWriter, IsNotTouchedByTheGlobalLocale) {
   EXPECT_NE(text.find("'Thread 123456'"), std::string::npos);
 }
 
-// Thousands of random runs of several threads, against the simple record.
+// Compares thousands of random runs of several threads with the simple record.
 TEST(ProfileWriter, WritesWhatAStreamWritesForAnyRun) {
   std::mt19937_64 random(20260101);
   const auto up_to = [&](std::uint64_t limit) { return random() % (limit + 1); };
@@ -146,7 +145,8 @@ TEST(ProfileWriter, WritesNamesLongerThanAnyBuffer) {
   EXPECT_EQ(written(record), simple.text(1000));
 }
 
-// Counts and checks on the way: the text of ten thousand levels is more than a gigabyte, nearly all of it indentation.
+// Counts and checks while writing: the text of ten thousand levels is more than a gigabyte, nearly all of it
+// indentation.
 TEST(ProfileWriter, WritesTenThousandLevelsWithoutNeedingStack) {
   constexpr std::size_t levels = 10000;
   OwnRecord record;

@@ -1,6 +1,6 @@
-#include <kexlib/diagnostics/profiler.h>
-
 #include <gtest/gtest.h>
+
+#include <kexlib/diagnostics/profiler.h>
 
 #include <windows.h>
 
@@ -15,7 +15,7 @@
 
 namespace {
 
-// Returns after the performance counter has moved on, so that no interval of a test is empty.
+// Returns after the performance counter has changed, so that no interval of a test is empty.
 void let_time_pass() {
   LARGE_INTEGER before, now;
   QueryPerformanceCounter(&before);
@@ -40,7 +40,7 @@ std::string normalised(const std::string& bytes) {
   return std::regex_replace(text, std::regex("'Thread " + std::to_string(GetCurrentThreadId()) + "'"), "'Thread ID'");
 }
 
-// What one thread with these top-level blocks, each line indented by two, is written as.
+// The text of one thread with these top-level blocks, each line indented by two.
 std::string one_thread(const std::string& blocks) {
   return "var threads = [\n{\n  blocks: [\n" + blocks + "  ],\n  name: 'Thread ID'\n},\n]\n";
 }
@@ -53,7 +53,7 @@ class Profiler : public testing::Test {
  protected:
   ~Profiler() override { kex_stop_profiling("left_on.js"); }
 
-  // Stops into a file and returns its bytes.
+  // Stops profiling, writes a file and returns its bytes.
   static std::string stop() {
     kex_stop_profiling("record.js");
     return read_file("record.js");
@@ -207,7 +207,7 @@ TEST_F(Profiler, MeasuresMilliseconds) {
   ASSERT_TRUE(std::regex_search(text, time, std::regex("\\{b: 0, e: ([0-9.]+)\\},")));
   const double measured = std::stod(time[1]);
   EXPECT_GE(measured, 20.0 - 0.001);
-  // Not longer than what surrounds it, plus the time between the first stamp and `before`.
+  // Not longer than the surrounding interval, plus the time between the first stamp and `before`.
   EXPECT_LE(
       measured,
       static_cast<double>(after.QuadPart - before.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart) + 10.0);
@@ -327,13 +327,13 @@ TEST_F(Profiler, KeepsAHundredThousandNames) {
   }
 }
 
-// More than a gigabyte, nearly all of it indentation: its size tells that every line stands, its end that it is whole.
+// More than a gigabyte, nearly all of it indentation: its size shows that every line was written.
 TEST_F(Profiler, WritesTenThousandLevelsFromAThreadWithASmallStack) {
   constexpr std::size_t levels = 10000;
   const auto run = [](void*) -> DWORD {
     kex_start_profiling();
     for (std::size_t i = 0; i < levels; ++i) kex_begin_block("x");
-    kex_begin_block("last");  // its time stands for all: the others' are as long as their digits
+    kex_begin_block("last");
     kex_stop_profiling("record.js");
     return 0;
   };

@@ -1,6 +1,6 @@
-#include <diagnostics/six_digits.h>
-
 #include <gtest/gtest.h>
+
+#include <diagnostics/six_digits.h>
 
 #include <bit>
 #include <cmath>
@@ -18,7 +18,7 @@ std::string six_digits(double value) {
   return {text, kexlib::write_six_digits(text, value)};
 }
 
-// What is promised: the text of a stream with the classic locale.
+// The expected result: the text of a stream with the classic locale.
 class StreamText {
  public:
   StreamText() { stream_.imbue(std::locale::classic()); }

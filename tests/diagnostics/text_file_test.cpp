@@ -1,9 +1,8 @@
-#include <diagnostics/text_file.h>
-
 #include <gtest/gtest.h>
 
 #include <windows.h>
 
+#include <diagnostics/text_file.h>
 #include <support/files.h>
 
 #include <algorithm>

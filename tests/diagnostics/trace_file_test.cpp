@@ -1,6 +1,6 @@
-#include <kexlib/diagnostics/trace_file.h>
-
 #include <gtest/gtest.h>
+
+#include <kexlib/diagnostics/trace_file.h>
 
 #include <windows.h>
 
@@ -28,7 +28,7 @@ std::string local_time(std::time_t time, const char* pattern) {
   return text;
 }
 
-// Whether `text` is one of the texts that the pattern gives for the seconds from `first` until now.
+// Whether `text` is one of the results of the pattern for the seconds from `first` until now.
 bool is_time_since(std::time_t first, const std::string& text, const char* pattern) {
   for (std::time_t time = first; time <= std::time(nullptr); ++time)
     if (text == local_time(time, pattern)) return true;
@@ -47,7 +47,7 @@ class TraceFileOnDesktop : public testing::Test {
     return files.empty() ? "" : read_file(folder_.path() / files[0]);
   }
 
-  // What the only file holds once it has been closed, without the footer.
+  // The contents of the only file after it was closed, without the footer.
   std::string traced() const {
     g_traceToFile.CloseFile();
     const std::string text = only_file();
@@ -63,7 +63,7 @@ TEST_F(TraceFileOnDesktop, IsOffAtFirst) { EXPECT_EQ(CTraceToFile::GetTraceMode(
 
 TEST_F(TraceFileOnDesktop, TouchesNothingAndFormatsNothingWhenOff) {
   DebuggerOutput debugger;
-  // The "%n" would store the number of characters, were anything formatted.
+  // If the text were formatted, "%n" would store the number of characters.
   int formatted = -1;
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
@@ -113,7 +113,7 @@ TEST_F(TraceFileOnDesktop, IsMadeByAnEmptyTextToo) {
   EXPECT_EQ(only_file(), "");
 }
 
-// Machines that run tests are on universal time, where a wrong choice would not show.
+// Test machines use universal time, which would hide a wrong choice.
 TEST_F(TraceFileOnDesktop, TellsLocalTime) {
   _putenv("TZ=KEX-05:30");
   _tzset();
@@ -161,7 +161,7 @@ TEST_F(TraceFileOnDesktop, CountsOnWhereNamesAreTaken) {
 
 TEST_F(TraceFileOnDesktop, GivesTwoFilesOfOneSecondTwoNames) {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
-  // Twenty files within a second or two: some two share a second, and none is lost.
+  // Twenty files within a second or two: some share a second, and none is lost.
   for (int i = 0; i < 20; ++i) {
     g_traceToFile.Trace("text");
     g_traceToFile.CloseFile();
@@ -264,7 +264,7 @@ TEST_F(TraceFileOnDesktop, FormatsInTheLocaleThatIsSet) {
   EXPECT_EQ(debugger.texts()[0], "1,5");
 }
 
-// Run-time libraries differ: some give what comes before, some nothing.
+// Run-time libraries differ: some return the text before it, some nothing.
 TEST_F(TraceFileOnDesktop, CutsOrDropsATextThatCannotBeFormatted) {
   DebuggerOutput debugger;
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebugger);
@@ -292,7 +292,7 @@ TEST_F(TraceFileOnDesktop, LetsOthersReadAndWriteMeanwhile) {
 
 TEST_F(TraceFileOnDesktop, LosesLinesWhileItCannotBeMadeAndThenGoesOn) {
   DebuggerOutput debugger;
-  desktop_.move_to("Z:\\proc");  // a folder in which nobody can make a file
+  desktop_.move_to("Z:\\proc");  // a folder in which no file can be created
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebuggerAndFile);
   g_traceToFile.Trace("lost");
   g_traceToFile.Trace("lost too");
@@ -311,7 +311,7 @@ TEST_F(TraceFileOnDesktop, LosesLinesWhenThePathIsTooLong) {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
   g_traceToFile.Trace("lost");
   EXPECT_EQ(files_in(deep).size(), 0u);
-  EXPECT_EQ(files_in(folder_.path()).size(), 1u);  // nothing beside the folder either
+  EXPECT_EQ(files_in(folder_.path()).size(), 1u);  // nor any file outside the desktop folder
 }
 
 TEST_F(TraceFileOnDesktop, GoesToTheRootOfCWhenThereIsNoDesktop) {

@@ -1,4 +1,4 @@
-// Does with modal dialogs what a person would, step by step, while the call that shows them waits.
+// Operates modal dialogs as a user does, step by step, while the call that shows them waits.
 #ifndef TESTS_DIALOGS_DIALOG_DRIVER_H
 #define TESTS_DIALOGS_DIALOG_DRIVER_H
 
@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-// The dialog of this thread that is in front; null where there is none.
+// The topmost dialog of this thread; null if there is none.
 inline HWND dialog_in_front() {
   HWND found = nullptr;
   const auto take_first = [](HWND window, LPARAM result) -> BOOL {
@@ -28,11 +28,11 @@ inline HWND dialog_in_front() {
   return found;
 }
 
-// Takes one step after another on the dialog in front, the first when a dialog is there. A dialog that a step opens,
-// and waits for, is for the steps behind it. What takes too long is a failure, and ends all dialogs.
+// Runs one step after another on the topmost dialog, starting when a dialog exists. If a step opens a dialog and waits
+// for it, the following steps apply to that dialog. A timeout is a failure and closes all dialogs.
 class DialogDriver {
  public:
-  using Step = std::function<bool(HWND dialog)>;  // false: not yet, ask again
+  using Step = std::function<bool(HWND dialog)>;  // false: not yet, call again
 
   explicit DialogDriver(std::vector<Step> steps) : steps_(std::move(steps)) {
     running() = this;
@@ -75,29 +75,14 @@ class DialogDriver {
   const std::chrono::steady_clock::time_point deadline_ = std::chrono::steady_clock::now() + std::chrono::seconds(15);
 };
 
-// Clicks on what `find` finds in the dialog. First the mouse is moved there, and a step later it is seen to have
-// arrived: the display may still be telling of where it was.
+// Clicks on the window that `find` returns, once the mouse has arrived there.
 inline DialogDriver::Step click_on(std::function<HWND(HWND dialog)> find) {
-  return [find = std::move(find), moved = false](HWND dialog) mutable {
+  return [find = std::move(find)](HWND dialog) {
     const HWND target = find(dialog);
-    if (!target || !IsWindowEnabled(target)) return false;
-    POINT mouse;
-    GetCursorPos(&mouse);
-    if (moved && WindowFromPoint(mouse) == target) {
-      mouse_button(MOUSEEVENTF_LEFTDOWN);
-      mouse_button(MOUSEEVENTF_LEFTUP);
-      return true;
-    }
-    move_mouse_over(target);
-    moved = true;
-    return false;
+    if (!target || !IsWindowEnabled(target) || !mouse_reaches(target)) return false;
+    click_here();
+    return true;
   };
-}
-
-inline std::string text_of(HWND window) {
-  char text[256]{};
-  GetWindowTextA(window, text, sizeof text);
-  return text;
 }
 
 #endif

@@ -49,6 +49,44 @@ class Refusals(unittest.TestCase):
         self.assert_refused(self.run_kex("run", "/no/such.exe"), "there is no program '/no/such.exe'")
         self.assert_refused(self.run_kex("run", "/tmp/"), "there is no program '/tmp/'")
 
+    def test_bench_and_run_of_what_is_not_there_build_nothing(self):
+        for name in ("scripts", "packaging"):
+            shutil.copytree(ROOT / name, self.folder / "checkout" / name)
+        shutil.copy(ROOT / "kex", self.folder / "checkout")
+        build = self.folder / "checkout/build/mingw-release"
+        build.mkdir(parents=True)
+        (build / "build.ninja").touch()
+        called = self.folder / "called"
+        self.fake("ninja", f"echo \"$*\" >>'{called}'; [ \"$3\" != -t ]")
+        for arguments, sentence in ((("run", "dance"), "there is no program 'dance.exe'"),
+                                    (("bench", "dance"), "there is no benchmark family 'dance'")):
+            with self.subTest(arguments[0]):
+                called.unlink(missing_ok=True)
+                environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+                done = subprocess.run([self.folder / "checkout/kex", *arguments], env=environment, capture_output=True,
+                                      text=True)
+                self.assert_refused(done, sentence)
+                program = {"run": "dance.exe", "bench": "dance_bench.exe"}[arguments[0]]
+                self.assertEqual(called.read_text().splitlines(),
+                                 [f"-C {build} build.ninja", f"-C {build} -t query bin/{program}"])
+
+    def test_bench_goes_on_after_a_family_that_misses_its_target(self):
+        checkout = self.folder / "checkout"
+        for name in ("scripts", "packaging"):
+            shutil.copytree(ROOT / name, checkout / name)
+        shutil.copy(ROOT / "kex", checkout)
+        programs = checkout / "build/mingw-release/bin"
+        programs.mkdir(parents=True)
+        for name in ("build.ninja", "bin/a_bench.exe", "bin/b_bench.exe"):
+            (checkout / "build/mingw-release" / name).touch()
+        (checkout / "scripts/wine_session.sh").write_text("start_sessions() { :; }\nstop_sessions() { :; }\n")
+        (checkout / "scripts/wine-run").write_text("#!/bin/sh\necho \"$(basename \"$1\")\"; [ \"${1##*/}\" = b_bench.exe ]\n")
+        self.fake("ninja", ":")
+        self.fake("npm", "echo viewer")
+        environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+        done = subprocess.run([checkout / "kex", "bench"], env=environment, capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stdout), (1, "a_bench.exe\nb_bench.exe\nviewer\n"))
+
     def test_missing_packages_without_root(self):
         self.fake("dpkg-query", "echo installed cmake")
         self.fake("id", "echo 1000")
@@ -99,6 +137,9 @@ class Refusals(unittest.TestCase):
         self.assertEqual(done.returncode, 0)
         self.assertTrue(done.stdout.startswith("kex: builds, tests, measures and shows kexlib\n"))
         self.assertEqual(self.run_kex().stdout, done.stdout)
+        checks = {check.name for check in (ROOT / "scripts/check").iterdir()
+                  if check.is_file() and os.access(check, os.X_OK)}
+        self.assertEqual(checks - {"run"} - set(done.stdout.split("./kex check")[1].split("./kex run")[0].split()), set())
 
 
 class Session(unittest.TestCase):
@@ -112,11 +153,11 @@ class Session(unittest.TestCase):
         shutil.copytree(ROOT / "packaging", cls.root / "packaging")
         shutil.copy(ROOT / "kex", cls.root)
         programs.mkdir(parents=True)
-        for name in [*PROGRAMS.glob("*.dll"), PROGRAMS / "keeper.exe", PROGRAMS / "kexlib_host.exe"]:
+        for name in [*PROGRAMS.glob("*.dll"), PROGRAMS / "keeper.exe", PROGRAMS / "endings.exe"]:
             shutil.copy(name, programs)
         cls.programs = programs
         cls.environment = {name: value for name, value in os.environ.items()
-                           if not name.startswith(("WINE", "KEX_")) and name != "DISPLAY"}
+                           if not name.startswith(("WINE", "KEX_", "CTEST_")) and name != "DISPLAY"}
 
     def start(self, program: str, *arguments: str) -> subprocess.Popen:
         process = subprocess.Popen(
@@ -155,14 +196,37 @@ class Session(unittest.TestCase):
         return left
 
     def test_program_that_ends(self):
-        process = self.start("kexlib_host.exe", "silent")
+        process = self.start("endings.exe", "silent")
         self.assertEqual(process.wait(60), 7)
         self.assertEqual(self.processes_left(), [])
         prefix = self.root / "build/wine"
         self.assertTrue((prefix / "system.reg").exists())
-        desktops = list(prefix.glob("drive_c/users/*/Desktop"))
-        self.assertNotEqual(desktops, [])
-        self.assertFalse(any(desktop.is_symlink() for desktop in desktops))
+        self.assertNotEqual(list(prefix.glob("drive_c/users/*/Desktop")), [])
+        self.assertEqual(self.links_out_of(prefix), ["z:"])
+
+    def links_out_of(self, prefix: Path) -> list[str]:
+        """The names of the links in a Wine prefix that lead to files outside of it; devices such as com1 are no files."""
+        links = [path for path in prefix.rglob("*") if path.is_symlink()]
+        return [link.name for link in links
+                if not link.resolve().is_relative_to(prefix) and not link.resolve().is_char_device()]
+
+    def test_every_session_has_a_prefix_that_leads_nowhere_else(self):
+        script = """set -euo pipefail
+            root=$1; source "$root/scripts/common.sh"; source "$root/scripts/wine_session.sh"
+            trap stop_sessions EXIT
+            start_sessions 2
+            for session in 1 2; do
+              CTEST_RESOURCE_GROUP_0_SESSIONS=id:$session,slots:1 "$root/scripts/wine-run" cmd /c 'echo %TEMP% > c:\\mark'
+            done"""
+        subprocess.run(["bash", "-c", script, "bash", self.root], env=self.environment, check=True, timeout=120)
+        first, second = self.root / "build/wine", self.root / "build/wine-2"
+        for prefix in (first, second):
+            self.assertEqual(self.links_out_of(prefix), ["z:"])
+            self.assertTrue((prefix / "drive_c/mark").exists())
+        shared = [path.relative_to(second).parts[:2] for path in second.rglob("*")
+                  if path.is_file() and not path.is_symlink() and path.stat().st_nlink > 1]
+        self.assertEqual(set(shared), {("drive_c", "windows")})
+        self.assertEqual(self.processes_left(), [])
 
     def test_signals(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
@@ -174,7 +238,7 @@ class Session(unittest.TestCase):
 
     def test_second_command_in_one_checkout(self):
         first = self.start_program_that_does_not_end()
-        second = self.start("kexlib_host.exe", "silent")
+        second = self.start("endings.exe", "silent")
         self.assertEqual(second.stdout.readline(), "kex: waiting for another ./kex of this checkout to end\n")
         first.terminate()
         self.assertEqual(first.wait(60), 143)
@@ -184,7 +248,7 @@ class Session(unittest.TestCase):
         programs = self.root / "programs"
         programs.mkdir()
         (programs / "Xvfb").symlink_to("/bin/false")
-        done = subprocess.run([self.root / "kex", "run", self.programs / "kexlib_host.exe", "silent"],
+        done = subprocess.run([self.root / "kex", "run", self.programs / "endings.exe", "silent"],
                               env=self.environment | {"PATH": f"{programs}:{os.environ['PATH']}"},
                               capture_output=True, text=True, timeout=10)
         self.assertEqual((done.returncode, done.stderr), (2, "kex: the display server Xvfb did not start.\n"))

@@ -1,4 +1,4 @@
-// The example that ./kex demo runs, on a small tree.
+// The example count_sources, on a small tree.
 #include <gtest/gtest.h>
 
 #include <windows.h>
@@ -25,7 +25,7 @@ TEST_F(CountSourcesInChildProcess, CountsProfilesAndTraces) {
   write_file("tree/sub/b.h", "1\n");
   write_file("tree/sub/c.txt", "1\n2\n3\n");
   write_file("tree/sub/picture.png", "1\n");     // no source
-  write_file("tree/sub/build/made.cpp", "1\n");  // nobody's source
+  write_file("tree/sub/build/made.cpp", "1\n");  // not a source: build folders are skipped
   EXPECT_EQ(run_program("count_sources.exe", "tree"), 0u);
 
   std::string trace;

@@ -3,12 +3,12 @@
 
 #include <afx.h>
 
+#include <support/expect_flat.h>
+#include <support/files.h>
+
 #include <numeric>
 #include <string>
 #include <vector>
-
-#include <support/expect_flat.h>
-#include <support/files.h>
 
 namespace {
 
@@ -31,7 +31,7 @@ Thrown thrown_by(Call call) {
   return {-1, ""};
 }
 
-// A file in memory that counts the calls to it, and has no room when it is told so.
+// A file in memory that counts calls, and fails with a full disk on request.
 class WatchedFile : public CMemFile {
  public:
   UINT Read(void* buffer, UINT count) override {
@@ -294,7 +294,7 @@ TEST(Archive, AThousandRoundsLeaveNothingBehind) {
     int value = 0;
     archive >> value;
     EXPECT_EQ(value, 7);
-    // What is thrown has to be given back too.
+    // The exception's memory counts too.
     EXPECT_EQ(thrown_by([&] { archive >> value; }).cause, CArchiveException::endOfFile);
   };
   expect_flat(1000, round_trip);

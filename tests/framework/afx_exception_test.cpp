@@ -1,4 +1,4 @@
-// Exceptions that kexframework.dll throws and this program catches by their types, with their texts.
+// Exceptions of kexframework.dll: this program catches them by type and reads their texts.
 #include <gtest/gtest.h>
 
 #include <afxdisp.h>
@@ -14,7 +14,7 @@ struct Thrown {
   std::string text;
 };
 
-// What a call throws, caught by the base of all.
+// The exception that a call throws, caught as CException.
 template <typename Call>
 Thrown thrown_by(Call call) {
   try {
@@ -31,7 +31,7 @@ Thrown thrown_by(Call call) {
   return {&typeid(void), ""};
 }
 
-// Whether it is caught as just this type.
+// Whether it is caught as exactly this type.
 template <typename Type, typename Call>
 bool throws(Call call) {
   try {

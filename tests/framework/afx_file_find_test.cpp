@@ -1,15 +1,15 @@
-// CFileFind: walking through a folder, always one step behind.
+// CFileFind.
 #include <gtest/gtest.h>
 
 #include <afx.h>
+
+#include <support/files.h>
+#include <support/resource_counts.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <support/files.h>
-#include <support/resource_counts.h>
 
 namespace {
 
@@ -82,7 +82,7 @@ TEST(FileFind, WhatIsNotThereIsSaidByTheLastError) {
   EXPECT_EQ(GetLastError(), DWORD{ERROR_PATH_NOT_FOUND});
   EXPECT_FALSE(find.FindFile(""));
   EXPECT_FALSE(find.FindNextFile());
-  // Names of any length come back as a failure.
+  // Names of any length fail with an error.
   EXPECT_FALSE(find.FindFile((std::string(1000, 'x') + "\\*.*").c_str()));
 }
 
@@ -134,7 +134,7 @@ TEST(FileFind, CloseEndsTheSearchAndAnotherCanBegin) {
   EXPECT_STREQ(find.GetFileName(), "");
   EXPECT_STREQ(find.GetFilePath(), "");
   EXPECT_FALSE(find.FindNextFile());
-  // An open search would keep the folder from being removed.
+  // An open search would lock the folder.
   EXPECT_TRUE(std::filesystem::remove("below"));
 
   write_file("a.txt", "");

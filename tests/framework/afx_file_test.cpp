@@ -1,17 +1,17 @@
-// CFile and CMemFile: bytes on the disk and in memory, and what their failures are.
+// CFile and CMemFile: data and errors.
 #include <gtest/gtest.h>
 
 #include <afx.h>
+
+#include <support/files.h>
 
 #include <climits>
 #include <string>
 #include <vector>
 
-#include <support/files.h>
-
 namespace {
 
-// The cause of the file exception that a call throws; -1 for none.
+// The cause of the file exception that a call throws; -1: none.
 template <typename Call>
 int cause_of(Call call) {
   try {
@@ -38,7 +38,6 @@ TEST(File, WritesBytesAsTheyAreAndReadsThemBack) {
   file.SeekToBegin();
   EXPECT_EQ(rest_of(file), std::string("a\r\n\0b\n", 6));
   EXPECT_EQ(rest_of(file), "");
-  file.Flush();
   file.Close();
   EXPECT_EQ(read_file("a.bin"), std::string("a\r\n\0b\n", 6));
 }
@@ -178,7 +177,6 @@ TEST(File, WhatIsNotOpenIsAnInvalidFile) {
   EXPECT_EQ(cause_of([&] { file.Read(&byte, 1); }), CFileException::invalidFile);
   EXPECT_EQ(cause_of([&] { file.Write(&byte, 1); }), CFileException::invalidFile);
   EXPECT_EQ(cause_of([&] { file.Seek(0, CFile::begin); }), CFileException::invalidFile);
-  EXPECT_EQ(cause_of([&] { file.Flush(); }), CFileException::invalidFile);
   EXPECT_EQ(cause_of([&] { file.GetLength(); }), CFileException::invalidFile);
   EXPECT_EQ(cause_of([&] { file.GetPosition(); }), CFileException::invalidFile);
 }
@@ -242,7 +240,6 @@ TEST(MemoryFile, GrowsAndIsReadLikeAFile) {
   EXPECT_EQ(rest_of(file), "0123456xyz!");
   EXPECT_EQ(rest_of(file), "");
   EXPECT_STREQ(file.GetFilePath(), "");
-  file.Flush();
   file.Write(nullptr, 0);
   EXPECT_EQ(file.Read(nullptr, 0), 0u);
 }
@@ -270,7 +267,7 @@ TEST(MemoryFile, AWriteThatMemoryCannotHoldThrowsAndLeavesTheFileAsItWas) {
   CMemFile file;
   file.Write("abc", 3);
   file.Seek(LLONG_MAX - 10, CFile::begin);
-  // The second is more than a vector can ever hold.
+  // The second one exceeds the size of any vector.
   for (UINT count : {1u, 100u}) {
     const std::vector<char> bytes(count);
     bool caught = false;

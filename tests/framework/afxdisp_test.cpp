@@ -1,4 +1,4 @@
-// Calls through IDispatch: what reaches the object, what comes back, and what is thrown.
+// Calls through IDispatch: arguments, results and exceptions.
 #include <gtest/gtest.h>
 
 #include <afxdisp.h>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// A driver on a recording object, which the test holds a reference to as well.
+// A driver on a recording object. The test holds a reference to the object too.
 class Dispatch : public testing::Test {
  protected:
   ~Dispatch() override {
@@ -73,7 +73,7 @@ TEST_F(Dispatch, ArgumentsArriveInOrderWithTheTypesOfTheirCodes) {
   EXPECT_EQ(call.arguments[6].boolVal, VARIANT_FALSE);
   EXPECT_EQ(call.arguments[7].vt, VT_DISPATCH);
   EXPECT_EQ(call.arguments[7].pdispVal, object_);
-  object_->calls.clear();  // the record's own reference
+  object_->calls.clear();  // the record has a reference
 }
 
 TEST_F(Dispatch, ALongSentAsATwoByteIntegerKeepsItsLowSixteenBits) {
@@ -169,7 +169,7 @@ TEST_F(Dispatch, APropertyIsReadIntoWhatItsTypeSays) {
 
 TEST_F(Dispatch, ATruthValueIsReadAsOneOrZero) {
   BOOL value = 5;
-  object_->answer = CComVariant(true);  // -1 on its way
+  object_->answer = CComVariant(true);  // VARIANT_TRUE is -1
   driver_.GetProperty(9, VT_BOOL, &value);
   EXPECT_EQ(value, 1);
   object_->answer = CComVariant(false);
@@ -213,7 +213,7 @@ TEST_F(Dispatch, AResultOfAnotherTypeIsConverted) {
   EXPECT_STREQ(text, "-5");
 
   short small = 1;
-  object_->answer.Clear();  // an object that gives no result
+  object_->answer.Clear();  // the object returns no result
   driver_.GetProperty(6, VT_I2, &small);
   EXPECT_EQ(small, 0);
 }
@@ -346,7 +346,7 @@ TEST_F(Dispatch, AThousandCallsThatWorkRaiseAndFailLeaveNoReferenceBehind) {
     object_->returned = E_FAIL;
     EXPECT_EQ(thrown_by(call), E_FAIL);
     object_->calls.clear();
-    ASSERT_EQ(object_->references(), 3u);  // the test's, the driver's, the answer's
+    ASSERT_EQ(object_->references(), 3u);  // of the test, the driver and the result
   }
   object_->answer.Clear();
 }

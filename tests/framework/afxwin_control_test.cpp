@@ -16,7 +16,7 @@ constexpr RECT place{10, 20, 130, 100};
 constexpr DWORD style = WS_CHILD | WS_VISIBLE;
 constexpr UINT id = 7;
 
-// A frame, and a control in it once create() was called.
+// A frame. create() creates a control in it.
 class Control : public testing::Test {
  protected:
   Control() {
@@ -267,7 +267,7 @@ TEST_F(Control, AWindowThatHostsNoneCallsNothing) {
   window_.InvokeHelper(1, DISPATCH_METHOD, VT_EMPTY, nullptr, nullptr);
 }
 
-// The way in which classes for one control are written.
+// A class for one control, as class wizards write it.
 class TypedControl : public CWnd {
  public:
   BOOL Create(LPCTSTR, LPCTSTR windowName, DWORD windowStyle, const RECT& rect, CWnd* parent, UINT windowId,

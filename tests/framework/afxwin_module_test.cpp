@@ -1,15 +1,15 @@
-// The application object, the states of modules, and where resources are found.
+// The application object, module states and resources.
 #include <gtest/gtest.h>
 
 #include <afxwin.h>
+
+#include <framework/resources.h>
 
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
-
-#include <framework/resources.h>
 
 namespace {
 
@@ -73,7 +73,7 @@ TEST(Resources, AreThoseOfTheModuleThatIsSet) {
 TEST(Resources, AreLookedForInThisModuleAndThenInTheLibrariesTheNewestFirst) {
   HINSTANCE program = GetModuleHandleA(nullptr);
   HINSTANCE shell = LoadLibraryA("shell32.dll"), controls = LoadLibraryA("comctl32.dll");
-  // The program has a manifest, but no version.
+  // The program has a manifest, but no version resource.
   const auto manifest = [] { return AfxFindResourceHandle(MAKEINTRESOURCE(1), RT_MANIFEST); };
   const auto version = [] { return AfxFindResourceHandle(MAKEINTRESOURCE(1), RT_VERSION); };
   EXPECT_EQ(version(), program);
@@ -109,7 +109,7 @@ TEST(Resources, AStringIsFoundInTheLibraryThatHasIt) {
   EXPECT_EQ(AfxFindStringResourceHandle(65535), nullptr);
 }
 
-// Remembers the help that it is asked for.
+// Records the requests for help.
 class HelpfulApp : public CWinApp {
  public:
   using CWinApp::CWinApp;
@@ -201,7 +201,7 @@ TEST(Application, IsAskedForHelpByItsVirtualFunction) {
   EXPECT_EQ(app.asked, (std::vector<std::pair<DWORD_PTR, UINT>>{{0x20082, 1}, {0x20083, 1}}));
 }
 
-// A window of the class by which the system knows the help program; counts what it is sent.
+// A window of the help program's class; counts the messages it receives.
 class HelpProgram {
  public:
   HelpProgram() {

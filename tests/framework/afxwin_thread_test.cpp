@@ -1,15 +1,17 @@
-// CWinThread and AfxBeginThread: who starts, who ends and who deletes.
+// CWinThread and AfxBeginThread: start, end and deletion.
 #include <gtest/gtest.h>
 
 #include <afxmt.h>
 
-#include <thread>
-
 #include <support/expect_flat.h>
+#include <support/import_override.h>
+
+#include <cstdlib>
+#include <thread>
 
 namespace {
 
-// What a thread saw of itself.
+// The observations of a thread.
 struct Seen {
   CEvent begun;
   CWinThread* thread = nullptr;
@@ -32,7 +34,7 @@ UINT look(LPVOID parameter) {
   return 42;
 }
 
-// Its exit code, once it has ended.
+// Waits for the end of the thread and returns its exit code.
 DWORD exit_code_of(HANDLE thread) {
   EXPECT_EQ(WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
   DWORD code = 0;
@@ -58,12 +60,9 @@ TEST(Thread, OneThatIsSuspendedWaitsToBeResumedAndBelongsToItsOwner) {
   EXPECT_TRUE(thread->m_bAutoDelete);
   EXPECT_FALSE(seen.begun.Lock(50));
   thread->m_bAutoDelete = FALSE;
-  EXPECT_EQ(thread->SuspendThread(), 1u);
-  EXPECT_EQ(thread->ResumeThread(), 2u);
   EXPECT_EQ(thread->ResumeThread(), 1u);
 
-  HANDLE handle = *thread;
-  EXPECT_EQ(handle, thread->m_hThread);
+  HANDLE handle = thread->m_hThread;
   EXPECT_EQ(exit_code_of(handle), 42u);
   EXPECT_EQ(seen.thread, thread);
   EXPECT_EQ(seen.id, thread->m_nThreadID);
@@ -80,7 +79,7 @@ TEST(Thread, ByItselfTheObjectEndsWithTheThread) {
   HANDLE copy = copy_of(handle);
   thread->ResumeThread();
   EXPECT_EQ(exit_code_of(copy), 42u);
-  // Nothing else of this program opens a handle meanwhile that could get the number.
+  // No other code opens a handle meanwhile, which could get the same value.
   EXPECT_FALSE(is_open(handle));
   CloseHandle(copy);
 }
@@ -97,10 +96,10 @@ TEST(Thread, HasThePriorityAndTheStackThatItIsGiven) {
   Seen seen;
   CWinThread* thread = AfxBeginThread(&look, &seen, THREAD_PRIORITY_BELOW_NORMAL, 16 << 20, CREATE_SUSPENDED);
   thread->m_bAutoDelete = FALSE;
-  EXPECT_EQ(thread->GetThreadPriority(), THREAD_PRIORITY_BELOW_NORMAL);
+  EXPECT_EQ(GetThreadPriority(thread->m_hThread), THREAD_PRIORITY_BELOW_NORMAL);
   EXPECT_TRUE(thread->SetThreadPriority(THREAD_PRIORITY_ABOVE_NORMAL));
   thread->ResumeThread();
-  exit_code_of(*thread);
+  exit_code_of(thread->m_hThread);
   EXPECT_EQ(seen.priority, THREAD_PRIORITY_ABOVE_NORMAL);
   EXPECT_GE(seen.stack, size_t{16} << 20);
   delete thread;
@@ -114,7 +113,7 @@ TEST(Thread, HasTheMainWindowOfTheThreadThatStartedIt) {
   CWinThread* thread = AfxBeginThread(&look, &seen, THREAD_PRIORITY_NORMAL, 0, CREATE_SUSPENDED);
   thread->m_bAutoDelete = FALSE;
   thread->ResumeThread();
-  exit_code_of(*thread);
+  exit_code_of(thread->m_hThread);
   EXPECT_EQ(seen.main_window, &main_window);
   EXPECT_EQ(seen.thread, thread);
   delete thread;
@@ -142,6 +141,16 @@ TEST(Thread, WhereTheSystemRefusesThereIsNone) {
   SECURITY_ATTRIBUTES security = {sizeof security, &wrong, FALSE};
   Seen seen;
   EXPECT_EQ(AfxBeginThread(&look, &seen, THREAD_PRIORITY_NORMAL, 0, 0, &security), nullptr);
+  EXPECT_FALSE(seen.begun.Lock(0));
+}
+
+void* no_memory_for_threads(std::size_t bytes) { return bytes == sizeof(CWinThread) ? nullptr : std::malloc(bytes); }
+
+TEST(Thread, WhereThereIsNoMemoryThereIsNone) {
+  const ImportOverride refusal("libstdc++-6.dll", "msvcrt.dll", "malloc", &no_memory_for_threads);
+  ASSERT_TRUE(refusal.made());
+  Seen seen;
+  EXPECT_EQ(AfxBeginThread(&look, &seen), nullptr);
   EXPECT_FALSE(seen.begun.Lock(0));
 }
 

@@ -1,11 +1,12 @@
-// CWnd, the owner of a window, and the exchange of a check box with a variable.
+// CWnd, and the exchange of a check box with a variable.
 #include <gtest/gtest.h>
 
 #include <afxwin.h>
 
-#include <memory>
-
 #include <support/resource_counts.h>
+#include <support/window_text.h>
+
+#include <memory>
 
 namespace {
 
@@ -14,7 +15,7 @@ HWND make_window(const char* class_name = "STATIC", HWND parent = nullptr, int i
                          reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)), nullptr, nullptr);
 }
 
-// What an application derives: a class that can be made by its name and creates its window in its own way.
+// A class as applications derive it: created by run-time class, with its own Create.
 class Label : public CWnd {
   DECLARE_DYNCREATE(Label)
 
@@ -44,9 +45,7 @@ TEST(Window, CreatesAChildWhereAndAsItIsTold) {
   Label label;
   CWnd& base = label;
   ASSERT_TRUE(base.Create(nullptr, "text", WS_VISIBLE, RECT{1, 2, 31, 12}, &parent, 77));
-  char text[10];
-  GetWindowTextA(label.m_hWnd, text, sizeof text);
-  EXPECT_STREQ(text, "text");
+  EXPECT_EQ(window_text(label.m_hWnd), "text");
   EXPECT_EQ(GetDlgItem(parent.m_hWnd, 77), label.m_hWnd);
   RECT rect;
   GetWindowRect(label.m_hWnd, &rect);
@@ -88,7 +87,7 @@ TEST(Window, LearnsThatSomebodyElseDestroyedIt) {
   EXPECT_EQ(parent.m_hWnd, nullptr);
   EXPECT_EQ(child.m_hWnd, nullptr);
   EXPECT_FALSE(child.DestroyWindow());
-  // The object is free for another window.
+  // The object can be used for another window.
   EXPECT_TRUE(child.Attach(make_window()));
 }
 

@@ -19,12 +19,12 @@ struct Idle : CIdleHandler {
   explicit Idle(std::function<void()> what) : act(std::move(what)) {}
   BOOL OnIdle() override {
     act();
-    return TRUE;  // not looked at
+    return TRUE;  // ignored
   }
   std::function<void()> act;
 };
 
-// A message-only window that writes down what reaches it.
+// A message-only window that records its messages.
 class Target : public CWindowImpl<Target> {
  public:
   BEGIN_MSG_MAP(Target)
@@ -47,7 +47,7 @@ class MessageLoop : public testing::Test {
   void SetUp() override { ASSERT_TRUE(target.Create(HWND_MESSAGE, nullptr, nullptr, WS_POPUP)); }
   void TearDown() override { target.DestroyWindow(); }
 
-  // Runs the loop over these messages.
+  // Runs the loop with these messages.
   int run(std::initializer_list<UINT> messages, int exit_code = 0) {
     for (UINT message : messages) target.PostMessage(message);
     ::PostMessage(target, WM_CLOSE, 0, 0);
@@ -166,7 +166,7 @@ TEST_F(MessageLoop, IsNotIdleAgainAfterMessagesThatComeByThemselves) {
         return TRUE;
       case WM_MOUSEMOVE:
         order += "move ";
-        target.SetTimer(1, 50);  // nothing is waiting until then, and yet the loop is not idle
+        target.SetTimer(1, 50);  // no message until then, but the loop is not idle
         return TRUE;
       case WM_TIMER:
         order += "timer ";

@@ -1,4 +1,4 @@
-// What a module knows of itself, and locks.
+// Module information and locks.
 #include <gtest/gtest.h>
 
 #include <atlbase.h>
@@ -26,7 +26,7 @@ TEST(CriticalSection, KeepsOtherThreadsOutWhileItIsHeld) {
   bool entered = true;
   {
     CComCritSecLock<CComAutoCriticalSection> lock(section);
-    EXPECT_TRUE(enters());  // the same thread may enter again
+    EXPECT_TRUE(enters());  // a thread may enter again
     std::thread([&] { entered = enters(); }).join();
     EXPECT_FALSE(entered);
   }

@@ -1,8 +1,9 @@
-// The wrappers of the system's controls, on real controls.
+// The wrappers of the system's controls, with real controls.
 #include <gtest/gtest.h>
 
 #include <atlctrls.h>
 #include <atlmisc.h>
+
 #include <support/resource_counts.h>
 
 #include <string>

@@ -1,7 +1,8 @@
-// Property sheets and wizards of WTL, on the system's own.
+// WTL's property sheets and wizards, with the system's.
 #include <gtest/gtest.h>
 
 #include <atldlgs.h>
+
 #include <framework/resources.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
@@ -14,10 +15,10 @@ namespace {
 
 constexpr int next_button = 0x3024;
 
-// What the pages were told, and by name.
+// The notifications of the pages, by name.
 std::string told;
 
-// A page that answers as it is set up to.
+// A page with configurable answers.
 template <int t_idd>
 class Page : public CPropertyPageImpl<Page<t_idd>> {
   using Impl = CPropertyPageImpl<Page>;
@@ -69,8 +70,8 @@ using First = Page<IDD_FIRST_PAGE>;
 using Second = Page<IDD_SECOND_PAGE>;
 using Third = Page<IDD_THIRD_PAGE>;
 
-// A sheet that does one step after another, each when everything before it has happened, and is cancelled in the end
-// if it is still there.
+// A sheet that performs steps, each after all messages of the previous one. At the end it is cancelled if it is still
+// open.
 class Sheet : public CPropertySheetImpl<Sheet> {
   using Impl = CPropertySheetImpl<Sheet>;
 
@@ -109,7 +110,7 @@ class Sheet : public CPropertySheetImpl<Sheet> {
     return 0;
   }
 
-  // What a step may do.
+  // Functions for steps.
   auto press(int button) {
     return [this, button] { PressButton(button); };
   }

@@ -4,6 +4,7 @@
 #include <atlapp.h>
 #include <atlgdi.h>
 #include <atlmisc.h>
+
 #include <support/resource_counts.h>
 
 #include <string>
@@ -16,7 +17,7 @@ int screen_pixels_per_inch() { return CClientDC(nullptr).GetDeviceCaps(LOGPIXELS
 
 bool is_there(HGDIOBJ object) { return GetObjectType(object) != 0; }
 
-// A memory device context with a bitmap of its own.
+// A memory device context with its bitmap.
 struct Canvas {
   explicit Canvas(int width = 20, int height = 20) {
     dc.CreateCompatibleDC();
@@ -41,13 +42,12 @@ void expect_ownership(Make make) {
   {
     Owner owner(first);
     EXPECT_EQ(static_cast<decltype(first)>(owner), first);
-    EXPECT_FALSE(owner.IsNull());
     owner = first;
     EXPECT_TRUE(is_there(first)) << "it is given what it has";
     owner = second;
     EXPECT_FALSE(is_there(first)) << "another takes its place";
     EXPECT_EQ(owner.Detach(), second);
-    EXPECT_TRUE(owner.IsNull());
+    EXPECT_EQ(static_cast<decltype(first)>(owner), nullptr);
     EXPECT_TRUE(is_there(second));
     owner.Attach(third);
   }
@@ -91,7 +91,7 @@ TEST(Ownership, DeletingIsReportedOnce) {
   EXPECT_FALSE(dc.DeleteDC());
   EXPECT_TRUE(dc.CreateCompatibleDC());
   EXPECT_TRUE(dc.DeleteDC());
-  EXPECT_TRUE(dc.IsNull());
+  EXPECT_FALSE(dc.m_hDC);
 }
 
 TEST(Ownership, RoundsLeaveNothingBehind) {
@@ -152,8 +152,8 @@ TEST(Font, APointFontFollowsTheMappingOfItsDevice) {
   Canvas canvas;
   SetMapMode(canvas.dc, MM_ANISOTROPIC);
   SetWindowExtEx(canvas.dc, 2, 2, nullptr);
-  SetViewportExtEx(canvas.dc, 1, -1, nullptr);  // upwards, which does not turn the height's sign
-  SetViewportOrgEx(canvas.dc, 5, 17, nullptr);  // a height is a distance: the origin does not matter
+  SetViewportExtEx(canvas.dc, 1, -1, nullptr);  // y axis upwards: the sign of the height does not change
+  SetViewportOrgEx(canvas.dc, 5, 17, nullptr);  // the origin does not affect a height
   CFont font;
   font.CreatePointFont(120, "Tahoma", canvas.dc);
   LOGFONT description;
@@ -278,7 +278,7 @@ TEST(DeviceContext, WritesAndMeasuresText) {
   EXPECT_EQ(canvas.dc.GetPixel(99, 39), blue);
 }
 
-// Counts its paintings.
+// Counts WM_PAINT.
 class Painted : public CWindowImpl<Painted, CWindow, CFrameWinTraits> {
  public:
   BEGIN_MSG_MAP(Painted)

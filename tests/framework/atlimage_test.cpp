@@ -1,4 +1,4 @@
-// CImage: files of several formats as DIB sections, and the life of GDI+.
+// CImage: image files as DIB sections, and start and shutdown of GDI+.
 #include <gtest/gtest.h>
 
 #include <atlimage.h>
@@ -23,7 +23,7 @@ const std::string png_with_alpha(
     "\x00\x00\x00\x00\x49\x45\x4e\x44\xae\x42\x60\x82",
     87);
 
-// The same colours without.
+// The same colours without alpha.
 const std::string png_without_alpha(
     "\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x03\x00\x00\x00\x02\x08"
     "\x02\x00\x00\x00\x12\x16\xf1\x4d\x00\x00\x00\x17\x49\x44\x41\x54\x78\xda\x63\xf8\xcf\xc0\xc0\x00\xc1"
@@ -31,7 +31,7 @@ const std::string png_without_alpha(
     "\x44\xae\x42\x60\x82",
     80);
 
-// Three by two pixels of 8 bits: red, green and (10, 20, 30); then the other way round.
+// Three by two pixels of 8 bits: red, green, (10, 20, 30); then in reverse order.
 const std::string png_with_palette(
     "\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x03\x00\x00\x00\x02\x08"
     "\x03\x00\x00\x00\xaa\xaa\x96\x28\x00\x00\x00\x09\x50\x4c\x54\x45\xff\x00\x00\x00\xff\x00\x0a\x14\x1e"
@@ -39,7 +39,7 @@ const std::string png_with_palette(
     "\x20\x00\x07\xf5\x2a\xdf\x2f\x00\x00\x00\x00\x49\x45\x4e\x44\xae\x42\x60\x82",
     94);
 
-// Ten by two pixels of one bit, green and red by turns; then red and green.
+// Ten by two pixels of one bit: green and red alternating; then red and green.
 const std::string png_one_bit(
     "\x89\x50\x4e\x47\x0d\x0a\x1a\x0a\x00\x00\x00\x0d\x49\x48\x44\x52\x00\x00\x00\x0a\x00\x00\x00\x02\x01"
     "\x03\x00\x00\x00\x5b\xaf\xdf\x93\x00\x00\x00\x06\x50\x4c\x54\x45\xff\x00\x00\x00\xff\x00\xd2\x87\xef"
@@ -53,7 +53,7 @@ const std::string gif(
     "\x00\x02\x00\x00\x02\x03\x44\x02\x05\x00\x3b",
     36);
 
-// The pixels from the top row down as 0xAARRGGBB; the alpha is 0 where the bitmap has none.
+// The pixels from the top row down as 0xAARRGGBB. Alpha is 0 if the bitmap has none.
 std::vector<unsigned long> pixels_of(HBITMAP bitmap) {
   BITMAP description{};
   GetObjectA(bitmap, sizeof description, &description);
@@ -79,7 +79,7 @@ DIBSECTION section_of(HBITMAP bitmap) {
 
 bool exists(HBITMAP bitmap) { return GetObjectType(bitmap) == OBJ_BITMAP; }
 
-// Each test has a folder of its own.
+// Each test has its own folder.
 class Image : public testing::Test {
  protected:
   HRESULT load(CImage* image, const std::string& bytes) {
@@ -208,7 +208,7 @@ TEST_F(Image, ANewLoadDeletesTheBitmapBefore) {
   CImage image;
   ASSERT_EQ(load(&image, png_with_alpha), S_OK);
   HBITMAP before = image;
-  CImage keeper;  // so that the handle is not given out again at once
+  CImage keeper;  // keeps the handle from being reused
   ASSERT_EQ(load(&keeper, gif), S_OK);
   ASSERT_EQ(load(&image, png_without_alpha), S_OK);
   EXPECT_NE(static_cast<HBITMAP>(image), before);

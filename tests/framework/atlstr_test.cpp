@@ -1,12 +1,12 @@
-// CString: text that copies share until one of them is written.
+// CString: text that is shared between copies until one of them is modified.
 #include <gtest/gtest.h>
 
 #include <afxdisp.h>
 #include <atlstr.h>
+#include <mbctype.h>
+
 #include <framework/resources.h>
 #include <support/expect_flat.h>
-
-#include <mbctype.h>
 
 #include <cmath>
 #include <limits>
@@ -62,13 +62,13 @@ TEST(String, ASecondOwnerIsLeftAloneByGetBuffer) {
 }
 
 TEST(String, ACopyMadeAfterGetBufferSharesWhatIsStillWrittenThroughThePointer) {
-  // Meant: the pointer belongs to the buffer, and the copy has the same one.
+  // By design the pointer belongs to the buffer, which the copy shares.
   CStringA first("abc");
   char* buffer = first.GetBuffer();
   CStringA second(first);
   buffer[0] = 'X';
   EXPECT_STREQ(second, "Xbc");
-  // The next GetBuffer parts them.
+  // The next GetBuffer makes the buffer unshared.
   first.GetBuffer()[0] = 'Y';
   EXPECT_STREQ(first, "Ybc");
   EXPECT_STREQ(second, "Xbc");
@@ -117,7 +117,7 @@ TEST(String, ReleaseBufferEndsAtTheTerminatorOrWhereTheRoomEnds) {
   EXPECT_EQ(text.GetLength(), 4);
 
   CStringA full;
-  memset(full.GetBuffer(5), 'x', 6);  // no terminator within the room
+  memset(full.GetBuffer(5), 'x', 6);  // no terminator inside the buffer
   full.ReleaseBuffer();
   EXPECT_STREQ(full, "xxxxx");
 }
@@ -240,7 +240,7 @@ TEST(String, FindsTextsAndCharactersFromAPlaceOn) {
 TEST(String, FindsWholeCharactersOfADoubleByteCodePage) {
   int before = _getmbcp();
   _setmbcp(932);
-  // The second byte of the first character is that of a backslash.
+  // The second byte of the first character equals a backslash.
   CStringA text("\x83\\.\\");
   EXPECT_EQ(text.Find('\\'), 3);
   EXPECT_EQ(text.Find("\\"), 3);
@@ -309,7 +309,7 @@ TEST(String, FormatsAsPrintfDoes) {
 }
 
 TEST(String, FormatsExactDigitsWithTiesToEvenAndNamesInfinity) {
-  // Meant: the exact binary value is printed, not the old run-time library's rounding and its 1.#INF.
+  // The exact binary value is printed. The run-time library of old compilers differs (rounding, 1.#INF).
   CStringA text;
   text.Format("%.2f %.0f %.0f", 0.125, 2.5, 3.5);
   EXPECT_STREQ(text, "0.12 2 4");

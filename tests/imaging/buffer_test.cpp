@@ -5,6 +5,7 @@
 
 #include <support/files.h>
 #include <support/import_override.h>
+#include <support/memory_shortage.h>
 #include <support/resource_counts.h>
 
 #include <atomic>
@@ -42,10 +43,10 @@ std::shared_ptr<kexBuffer> loaded(const std::string& bytes) {
   return kexBuffer::create_from_archive(archive);
 }
 
-// The bytes behind the length.
+// The bytes after the length.
 std::string contents(kexBuffer& buffer) { return stored(buffer).substr(4); }
 
-// Each test has a folder of its own.
+// Each test has its own folder.
 class Buffer : public testing::Test {
  protected:
   TemporaryFolder folder_;
@@ -148,6 +149,37 @@ TEST_F(Buffer, AnArchiveThatEndsWithinTheLengthThrowsAndLeavesTheBufferOpen) {
   EXPECT_FALSE(buffer->is_closed());
 }
 
+// The bytes are read first, then appended: memory may run out in both steps.
+TEST_F(Buffer, MemoryThatRunsOutWhileLoadingThrowsBeforeItAppendsAndFailsAfterwards) {
+  const std::string bytes = std::string("\x40\0\0\0", 4) + std::string(64, 'x');
+  int thrown = 0, failed = 0;
+  for (bool has_begun = true; has_begun;) {
+    CMemFile file;
+    file.Write(bytes.data(), static_cast<UINT>(bytes.size()));
+    file.SeekToBegin();
+    CArchive archive(&file, CArchive::load);
+    auto buffer = kexBuffer_create();
+    bool has_thrown = false;
+    {
+      const MemoryShortage shortage(GetCurrentThreadId(), thrown + failed);
+      ASSERT_TRUE(shortage.made());
+      try {
+        buffer->serialize(archive);
+      } catch (const std::bad_alloc&) {
+        has_thrown = true;
+      }
+      has_begun = shortage.has_begun();
+    }
+    EXPECT_EQ(buffer->is_closed(), !has_thrown);
+    EXPECT_EQ(buffer->fail(), has_begun && !has_thrown);
+    buffer->close();
+    EXPECT_EQ(buffer->size() == 64, !has_begun);
+    if (has_begun) ++(has_thrown ? thrown : failed);
+  }
+  EXPECT_GT(thrown, 0);
+  EXPECT_GT(failed, 0);
+}
+
 TEST_F(Buffer, AnArchiveOfTheWrongDirectionThrows) {
   CMemFile file;
   CArchive loading(&file, CArchive::load), storing(&file, CArchive::store);
@@ -159,7 +191,7 @@ TEST_F(Buffer, AnArchiveOfTheWrongDirectionThrows) {
     error->Delete();
   }
   try {
-    kexBuffer::create_from_archive(loading);  // there is nothing in it
+    kexBuffer::create_from_archive(loading);  // it is empty
     FAIL();
   } catch (CArchiveException* error) {
     EXPECT_EQ(error->m_cause, CArchiveException::endOfFile);
@@ -194,6 +226,28 @@ TEST_F(Buffer, AFileThatCannotBeWrittenIsNotTold) {
   buffer_with("abc")->write_to_file("no such folder\\file");
   buffer_with("abc")->write_to_file(".");
   EXPECT_TRUE(files_in(folder_.path()).empty());
+}
+
+TEST_F(Buffer, MemoryThatRunsOutWhileTheFileIsWrittenIsNotReported) {
+  const auto buffer = buffer_with("abc");
+  const CString path("shortage.bin");
+  int successes = 0;
+  for (bool has_begun = true; has_begun; ++successes) {
+    bool has_thrown = false;
+    {
+      const MemoryShortage shortage(GetCurrentThreadId(), successes);
+      ASSERT_TRUE(shortage.made());
+      try {
+        buffer->write_to_file(path);
+      } catch (...) {
+        has_thrown = true;
+      }
+      has_begun = shortage.has_begun();
+    }
+    EXPECT_FALSE(has_thrown) << successes;
+  }
+  EXPECT_GT(successes, 1) << "nothing was allocated";
+  EXPECT_EQ(read_file("shortage.bin"), "abc");
 }
 
 TEST_F(Buffer, OthersMayReadAndWriteTheFileMeanwhile) {
@@ -235,7 +289,7 @@ TEST_F(Buffer, EightReadersWaitForOneWriter) {
     buffer->write(piece.data(), piece.size());
     expected += piece;
   }
-  while (naps < 40) std::this_thread::yield();  // they wait, and go on waiting
+  while (naps < 40) std::this_thread::yield();  // all readers are waiting
   EXPECT_EQ(done, 0);
   buffer->close();
   for (std::thread& reader : readers) reader.join();

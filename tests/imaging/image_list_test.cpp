@@ -1,4 +1,4 @@
-// kexWTLImageList: a real image list, read back by drawing.
+// kexWTLImageList: a real image list, read back by drawing, and its creation parameters.
 #define _WTL_NO_AUTOMATIC_NAMESPACE
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <kexlib/imaging/image_list.h>
 
 #include <imaging/resources.h>
+#include <support/import_override.h>
 #include <support/picture.h>
 #include <support/resource_counts.h>
 
@@ -31,7 +32,7 @@ Colors drawn(const kexWTLImageList& list, int image, UINT style = ILD_TRANSPAREN
 
 COLORREF exchanged(DWORD pixel) { return RGB(GetBValue(pixel), GetGValue(pixel), GetRValue(pixel)); }
 
-// The square resource as drawn, each of its colours but the key changed in some way.
+// The square resource as drawn, with a change applied to each colour except the key.
 template <typename Change>
 Colors square(Change change) {
   Colors colors{0x000000, 0xFF0000, 0x00FF00, 0x0000FF,  //
@@ -59,7 +60,7 @@ TEST_F(ImageList, BeginsWithoutAList) {
   EXPECT_EQ(static_cast<HIMAGELIST>(list), nullptr);
   EXPECT_EQ(list.GetImageCount(), 0);
   EXPECT_EQ(list.Destroy(), 0);
-  EXPECT_TRUE(list.Add(IDB_SQUARE, module(), kexImageNormal));  // nothing is added, and nobody told
+  EXPECT_TRUE(list.Add(IDB_SQUARE, module(), kexImageNormal));  // nothing is added, which is not reported
 }
 
 TEST_F(ImageList, IsMadeEmptyWithSquarePictures) {
@@ -70,6 +71,28 @@ TEST_F(ImageList, IsMadeEmptyWithSquarePictures) {
   EXPECT_TRUE(ImageList_GetIconSize(list, &width, &height));
   EXPECT_EQ(width, size);
   EXPECT_EQ(height, size);
+}
+
+int list_width, list_height, list_initial, list_grow;
+UINT list_flags;
+HIMAGELIST WINAPI note_list(int width, int height, UINT flags, int initial, int grow) {
+  list_width = width;
+  list_height = height;
+  list_flags = flags;
+  list_initial = initial;
+  list_grow = grow;
+  return ImageList_Create(width, height, flags, initial, grow);
+}
+
+TEST_F(ImageList, IsMadeOfThirtyTwoBitsWithAMaskForSixteenPicturesAndFourMoreAtATime) {
+  const ImportOverride create("kexlib.dll", "comctl32.dll", "ImageList_Create", note_list);
+  ASSERT_TRUE(create.made());
+  EXPECT_TRUE(list.Create());
+  EXPECT_EQ(list_width, size);
+  EXPECT_EQ(list_height, size);
+  EXPECT_EQ(list_flags, UINT{ILC_COLOR32 | ILC_MASK});
+  EXPECT_EQ(list_initial, 16);
+  EXPECT_EQ(list_grow, 4);
 }
 
 TEST_F(ImageList, IsDestroyedOnce) {

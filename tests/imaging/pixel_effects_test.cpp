@@ -1,4 +1,4 @@
-// The pixel effects: by hand on small pictures, and against their literal form on random ones.
+// The pixel effects: expected values on small pictures, and a comparison with their literal form on random ones.
 #include <gtest/gtest.h>
 
 #include <imaging/pixel_effects.h>
@@ -57,7 +57,7 @@ class RandomPicture {
   std::mt19937 random_;
 };
 
-// Applies both forms to random pictures of random sizes, also with width above height and the other way round.
+// Applies both forms to random pictures of random sizes, wide and high ones.
 template <typename Quick, typename Literal>
 void expect_same(Quick quick, Literal slow) {
   for (unsigned seed = 1; seed <= 400; ++seed) {
@@ -139,7 +139,7 @@ TEST(PixelEffects, TheTintRampRunsFromDarkOverMiddleToLight) {
   EXPECT_EQ(kexlib::tint(0x2C2C2C, dark, mid, light), 0x373F47u);
   // Luminance 200: k = 111, n = 167: 64 + 191*111/167 = 190, 96 + 159*111/167 = 201, 128 + 127*111/167 = 212.
   EXPECT_EQ(kexlib::tint(0xC8C8C8, dark, mid, light), 0xBEC9D4u);
-  // White comes close to light, and does not reach it: k = 166.
+  // White does not quite become light: k = 166.
   EXPECT_EQ(kexlib::tint(0xFFFFFF, dark, mid, light), 0xFDFEFEu);
 }
 
@@ -166,7 +166,7 @@ TEST(PixelEffects, OnePixelsTintIsTheLiteralOneForEveryLuminance) {
 }
 
 TEST(PixelEffects, ThePicturesRampKeepsTopBytesAndSkipsItsColor) {
-  // Skipped is RGB(1, 2, 3); the ramp is the identity on greys but for the highest ones.
+  // Skipped is RGB(1, 2, 3); the ramp does not change greys, except the highest.
   Pixels picture{0x80010203, 0x7F000000, 0x11808080, 0xFFFFFFFF, 0x00404040};
   kexlib::tint_all(span_of(picture, 5), 0, 0x808080, 0xFFFFFF, 0x030201, 0);
   EXPECT_EQ(picture, (Pixels{0x80010203, 0x7F000000, 0x11808080, 0xFFFEFEFE, 0x00404040}));
@@ -185,7 +185,7 @@ TEST(PixelEffects, AMiddleWithoutLuminanceThatIsNotBlackChangesNothing) {
   const Pixels before = picture;
   kexlib::tint_all(span_of(picture, 2), 0x123456, 0x050000, 0xFFFFFF, 0, 0);  // blue 5: 140 >> 8 is 0
   EXPECT_EQ(picture, before);
-  kexlib::tint_all(span_of(picture, 2), 0x123456, 0x050000, 0xFFFFFF, 0, 1);  // a threshold is a place all the same
+  kexlib::tint_all(span_of(picture, 2), 0x123456, 0x050000, 0xFFFFFF, 0, 1);  // unless there is a threshold
   EXPECT_NE(picture, before);
 }
 

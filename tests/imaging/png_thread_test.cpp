@@ -1,4 +1,4 @@
-// The threads' owner, and the generation of PNG on a thread: read back by a decoder that is not the encoder's.
+// The owner of a thread, and PNG files encoded on a thread: another decoder than the encoder's reads them back.
 #include <gtest/gtest.h>
 
 #include <kexlib/imaging/png_thread.h>
@@ -6,6 +6,7 @@
 #include <support/decoded_image.h>
 #include <support/files.h>
 #include <support/import_override.h>
+#include <support/memory_shortage.h>
 #include <support/resource_counts.h>
 
 #include <cstdint>
@@ -125,6 +126,18 @@ TEST_F(PngThread, ACopyHasItsOwnHandleAndAnAssignedOneTheSame) {
   EXPECT_EQ(assigned->GetId(), thread.GetId());
 }
 
+TEST_F(PngThread, ACopysHandleHasTheSameAccessAndIsNotInheritable) {
+  const Thread thread = Thread::Open(GetCurrentThreadId(), THREAD_QUERY_INFORMATION, TRUE);
+  const Thread copy(thread);
+  DWORD flags = 0;
+  ASSERT_TRUE(GetHandleInformation(thread.GetHandle(), &flags));
+  EXPECT_EQ(flags, DWORD{HANDLE_FLAG_INHERIT});
+  ASSERT_TRUE(GetHandleInformation(copy.GetHandle(), &flags));
+  EXPECT_EQ(flags, 0u);
+  EXPECT_NE(copy.GetPriority(), THREAD_PRIORITY_ERROR_RETURN);
+  EXPECT_EQ(Thread(copy).Suspend(), 0xFFFFFFFFu);  // needs THREAD_SUSPEND_RESUME
+}
+
 TEST_F(PngThread, AnAssignmentDoesNotCloseWhatWasThere) {
   HANDLE lost;
   {
@@ -189,6 +202,35 @@ TEST_F(PngThread, AnImageThatCannotBeEncodedClosesTheBufferEmpty) {
   }
 }
 
+TEST_F(PngThread, WithoutABufferAnImageThatCannotBeEncodedLeavesTheFileAsItWas) {
+  hnDuctImage nothing(0, 0, false);
+  write_file("picture.png", "an older picture");
+  for (hnDuctImage* image : {&nothing, static_cast<hnDuctImage*>(nullptr)}) {
+    kexPNGGenerationThread::write_image(image, "picture.png", nullptr);
+    EXPECT_EQ(read_file("picture.png"), "an older picture");
+  }
+}
+
+// In round n, allocation n of the thread and all later ones fail, until a round needs fewer.
+TEST_F(PngThread, MemoryThatRunsOutOnTheThreadEndsItInOrderWithItsBufferClosed) {
+  for (bool with_buffer : {true, false}) {
+    int successes = 0;
+    for (bool has_failed = true; has_failed; ++successes) {
+      auto buffer = with_buffer ? kexBuffer_create() : nullptr;
+      kexPNGGenerationThread job(make_image(), "a name that is too long to be stored in the string itself.png", buffer);
+      const MemoryShortage shortage(job.GetId(), successes);
+      ASSERT_TRUE(shortage.made());
+      EXPECT_EQ(job.Resume(), 1u);
+      ASSERT_EQ(job.Join(INFINITE), DWORD{WAIT_OBJECT_0});
+      EXPECT_EQ(job.GetExitCode(), 0u) << successes;
+      EXPECT_TRUE(!buffer || buffer->is_closed()) << successes;
+      has_failed = shortage.has_begun();
+    }
+    EXPECT_GT(successes, 2) << with_buffer;
+    EXPECT_EQ(decode_image("a name that is too long to be stored in the string itself.png").width, 7);
+  }
+}
+
 TEST_F(PngThread, ABufferThatFailsEndsTheEncodingAndIsClosedAndWritten) {
   auto buffer = kexBuffer_create();
   buffer->write("", ~0ull);
@@ -215,7 +257,6 @@ TEST_F(PngThread, AJobThatIsNeverResumedLeavesItsThreadAndNothingElse) {
   CloseHandle(thread);
 }
 
-// In each of these the base makes the thread: in the test's own code, as in any user's.
 HANDLE WINAPI no_thread(SECURITY_ATTRIBUTES*, SIZE_T, LPTHREAD_START_ROUTINE, void*, DWORD, DWORD*) { return nullptr; }
 
 TEST_F(PngThread, AThreadThatCannotBeMadeIsNotTold) {

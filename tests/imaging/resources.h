@@ -10,10 +10,10 @@
 #define IDB_THIRTY_TWO_BITS 132
 
 #define IDB_MAGENTA 140 /* one pixel */
-#define IDB_DAMAGED 141
+#define IDB_DAMAGED 141 /* its header has a size that no header has */
 #define IDB_SQUARE 142  /* four by four pixels */
 #define IDB_ALPHA 143   /* two by two pixels with alpha */
-#define IDR_EFFECTS 150 /* a PNG file: what the effects made when somebody last looked at them */
+#define IDR_EFFECTS 150 /* a PNG file: the golden sheet of the effects */
 #define IDB_MISSING 199 /* there is no such bitmap */
 
 #endif

@@ -8,6 +8,9 @@
 #include <support/import_override.h>
 #include <support/message_pump.h>
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 constexpr COLORREF color = RGB(0x12, 0x34, 0x56);
@@ -76,7 +79,7 @@ TEST_F(ScreenCaptureOnScreen, WithoutAPictureItFails) {
   EXPECT_TRUE(files_in(folder_.path()).empty());
 }
 
-// Where the desktop is said to be: its left and top do not count.
+// A rectangle of the desktop whose left and top must be ignored.
 BOOL WINAPI odd_desktop(HWND, RECT* rect) {
   *rect = {-50, -30, 40, 20};
   return TRUE;
@@ -91,19 +94,33 @@ TEST_F(ScreenCaptureOnScreen, RightAndBottomAreWidthAndHeight) {
   EXPECT_EQ(decode_image("screen.png").height, 20);
 }
 
-int taken = 0;
-HDC WINAPI count_taken(HWND window) {
-  taken += window == GetDesktopWindow();
-  return GetDC(window);
+std::vector<HDC> taken, released;
+HDC WINAPI note_taken(HWND window) {
+  HDC dc = GetDC(window);
+  if (window == GetDesktopWindow()) taken.push_back(dc);
+  return dc;
+}
+int WINAPI note_released(HWND window, HDC dc) {
+  released.push_back(dc);
+  return ReleaseDC(window, dc);
+}
+BOOL WINAPI note_deleted(HDC dc) {
+  released.push_back(dc);
+  return DeleteDC(dc);
 }
 
 TEST_F(ScreenCaptureOnScreen, EachCallTakesOneContextAndGivesNoneBack) {
-  ImportOverride take("kexlib.dll", "user32.dll", "GetDC", count_taken);
-  ASSERT_TRUE(take.made());
-  taken = 0;
+  const ImportOverride take("kexlib.dll", "user32.dll", "GetDC", note_taken);
+  const ImportOverride release("kexlib.dll", "user32.dll", "ReleaseDC", note_released);
+  const ImportOverride deletion("kexlib.dll", "gdi32.dll", "DeleteDC", note_deleted);
+  ASSERT_TRUE(take.made() && release.made() && deletion.made());
+  taken.clear();
+  released.clear();
   CString path("screen.png");
   for (int i = 0; i < 3; ++i) kex_screen_to_file(path);
-  EXPECT_EQ(taken, 3);
+  EXPECT_EQ(taken.size(), 3u);
+  for (HDC dc : taken) EXPECT_EQ(std::count(released.begin(), released.end(), dc), 0);
+  for (HDC dc : taken) ReleaseDC(GetDesktopWindow(), dc);
 }
 
 }  // namespace

@@ -1,18 +1,18 @@
-// The static bitmap on a real control of version 6: who deletes which bitmap, and where bitmaps come from.
+// The static bitmap on a real control of version 6: the ownership of bitmaps, and their sources.
 #define _WTL_NO_AUTOMATIC_NAMESPACE
 #include <gtest/gtest.h>
 
 #include <kexlib/imaging/static_bitmap.h>
+
+#include <afxwin.h>
+#include <objidl.h>
+#include <gdiplus.h>
 
 #include <imaging/resources.h>
 #include <support/files.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
 #include <support/resource_counts.h>
-
-#include <objidl.h>
-
-#include <gdiplus.h>
 
 #include <string>
 #include <vector>
@@ -33,7 +33,7 @@ HBITMAP make_bitmap(DWORD pixel) {
 HBITMAP make_plain() { return make_bitmap(0x00102030); }
 HBITMAP make_alpha() { return make_bitmap(0x80102030); }
 
-// Whether it is there and can be used: a deleted one cannot be selected.
+// Whether a bitmap is not deleted: a deleted one cannot be selected.
 bool is_alive(HBITMAP bitmap) {
   HDC memory = CreateCompatibleDC(nullptr);
   HGDIOBJ old = SelectObject(memory, bitmap);
@@ -187,6 +187,32 @@ TEST_F(StaticBitmapControl, ResourcesAreShownAndOwned) {
   EXPECT_FALSE(is_alive(last));
 }
 
+TEST_F(StaticBitmapControl, ResourcesAreSearchedInTheModulesThatTheFrameworkSearches) {
+  constexpr UINT standard_pictures = 120;
+  HMODULE other = GetModuleHandleA("comctl32.dll");
+  StaticBitmap control;
+  attach(&control);
+  control.set_bitmap_from_id(standard_pictures);
+  EXPECT_EQ(shown(), nullptr);
+  const CDynLinkLibrary searched_too(other, other);
+  control.set_bitmap_from_id(standard_pictures);
+  EXPECT_NE(shown(), nullptr);
+}
+
+TEST_F(StaticBitmapControl, OfAResourceWithAlphaOneBitmapIsKeptUntilTheNext) {
+  StaticBitmap control;
+  attach(&control);
+  control.set_bitmap_from_id(IDB_ALPHA);  // the first paint creates objects that are kept
+  control.SetBitmap(nullptr);
+  const int before = count_gdi_objects();
+  control.set_bitmap_from_id(IDB_ALPHA);
+  EXPECT_EQ(shown_size().cx, 2);
+  EXPECT_EQ(shown_size().cy, 2);
+  EXPECT_EQ(count_gdi_objects(), before + 1);
+  control.SetBitmap(nullptr);
+  EXPECT_EQ(count_gdi_objects(), before);
+}
+
 TEST_F(StaticBitmapControl, MissingResourcesShowNothing) {
   StaticBitmap control;
   attach(&control);
@@ -235,7 +261,7 @@ TEST_F(StaticBitmapControl, AFileWithAlphaIsCopiedByTheControlAndTheOriginalIsGo
   ASSERT_TRUE(save_image(L"alpha.png", 6, 3, 2, PixelFormat32bppARGB));
   StaticBitmap control;
   attach(&control);
-  control.set_bitmap_from_file("alpha.png");  // the first time, painting makes what it keeps
+  control.set_bitmap_from_file("alpha.png");  // the first paint creates objects that are kept
   control.SetBitmap(nullptr);
   const int before = count_gdi_objects();
   control.set_bitmap_from_file("alpha.png");

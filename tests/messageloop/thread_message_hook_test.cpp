@@ -1,64 +1,17 @@
-#include <kexlib/messageloop/thread_message_hook.h>
-
 #include <gtest/gtest.h>
 
 #include <afxdisp.h>
-#include <afxmt.h>
 
+#include <messageloop/thread_message_hook_fixture.h>
 #include <support/import_override.h>
 #include <support/message_pump.h>
 
-#include <algorithm>
-#include <functional>
 #include <new>
-#include <numeric>
-#include <thread>
 #include <vector>
 
 namespace {
 
-constexpr UINT listed = WM_APP + 1;
-constexpr UINT listed_too = WM_APP + 2;
-constexpr UINT not_listed = WM_APP + 3;
-constexpr DWORD ages = 20000;
-
-class RecordingHook : public CThreadMessageHook {
- public:
-  using CThreadMessageHook::CThreadMessageHook;
-
-  const UINT* GetHookedMessages() override { return list; }
-  void OnHookedMessage(MSG* msg) override {
-    handled.push_back(*msg);
-    threads.push_back(GetCurrentThreadId());
-    if (on_message) on_message(*msg);
-  }
-
-  const UINT both[3] = {listed, listed_too, 0};
-  const UINT* list = both;
-  std::vector<MSG> handled;
-  std::vector<DWORD> threads;
-  std::function<void(const MSG&)> on_message;
-};
-
-void post_to_this_thread(UINT message, WPARAM w = 0, LPARAM l = 0) {
-  ASSERT_TRUE(PostThreadMessageA(GetCurrentThreadId(), message, w, l));
-}
-
-// Whether a message of this number lies in this thread's queue; takes it.
-bool take(UINT message) {
-  MSG taken;
-  return PeekMessageA(&taken, nullptr, message, message, PM_REMOVE);
-}
-
-class ThreadMessageHook : public testing::Test {
- protected:
-  ThreadMessageHook() { pump_waiting(); }
-  ~ThreadMessageHook() override { pump_waiting(); }
-
-  RecordingHook hook_;
-};
-
-// ---- hooking and unhooking -----------------------------------------------------------------------------------------
+// ---- hooking and unhooking ------------------------------------------------------------------------------------------
 
 TEST_F(ThreadMessageHook, IsNotHookedUnlessItIsAsked) {
   EXPECT_EQ(hook_.IsHooked(), 0);
@@ -193,7 +146,7 @@ TEST_F(ThreadMessageHook, ThrowsWhereItsLockCannotBeMade) {
   EXPECT_TRUE(out_of_memory);
 }
 
-// Copies share the hook and, byte for byte, the lock; the copy is not destroyed, since the lock is not its own.
+// Copies share the hook and, byte for byte, the lock; the copy is not destroyed, since it does not own the lock.
 TEST_F(ThreadMessageHook, IsCopiedWithoutASecondHook) {
   hook_.SetHook();
   alignas(RecordingHook) char memory[sizeof(RecordingHook)];
@@ -205,177 +158,9 @@ TEST_F(ThreadMessageHook, IsCopiedWithoutASecondHook) {
   EXPECT_EQ(copy->handled.size(), 0u);
 }
 
-// ---- what is handled -----------------------------------------------------------------------------------------------
+// ---- two objects ----------------------------------------------------------------------------------------------------
 
-TEST_F(ThreadMessageHook, HandlesListedMessagesThatGetMessageTakesAndLeavesThemToTheLoop) {
-  hook_.SetHook();
-  post_to_this_thread(listed, 1, 2);
-  MSG taken;
-  ASSERT_TRUE(GetMessageA(&taken, nullptr, 0, 0));
-  EXPECT_EQ(taken.message, listed);
-  EXPECT_EQ(taken.wParam, 1u);
-  EXPECT_EQ(taken.lParam, 2);
-  ASSERT_EQ(hook_.handled.size(), 1u);
-  EXPECT_EQ(hook_.handled[0].hwnd, nullptr);
-  EXPECT_EQ(hook_.handled[0].message, listed);
-  EXPECT_EQ(hook_.handled[0].wParam, 1u);
-  EXPECT_EQ(hook_.handled[0].lParam, 2);
-}
-
-TEST_F(ThreadMessageHook, HandlesAMessageOnceHoweverOftenItIsLookedAt) {
-  hook_.SetHook();
-  post_to_this_thread(listed_too);
-  MSG seen;
-  EXPECT_TRUE(PeekMessageA(&seen, nullptr, 0, 0, PM_NOREMOVE));
-  EXPECT_TRUE(PeekMessageA(&seen, nullptr, 0, 0, PM_NOREMOVE));
-  EXPECT_EQ(hook_.handled.size(), 0u);
-  EXPECT_TRUE(PeekMessageA(&seen, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(hook_.handled.size(), 1u);
-}
-
-WPARAM told;
-
-LRESULT CALLBACK tell(int code, WPARAM w, LPARAM l) {
-  told = w;
-  return CallNextHookEx(nullptr, code, w, l);
-}
-
-// Removal is PM_REMOVE and nothing else. What the system tells of a look with PM_NOYIELD differs: Wine leaves the flag
-// out.
-TEST_F(ThreadMessageHook, HandlesAMessageTakenWithoutYieldingWhereTheSystemTellsPlainRemoval) {
-  const HHOOK telling = SetWindowsHookExA(WH_GETMESSAGE, &tell, nullptr, GetCurrentThreadId());
-  hook_.SetHook();
-  post_to_this_thread(listed);
-  MSG taken;
-  EXPECT_TRUE(PeekMessageA(&taken, nullptr, 0, 0, PM_REMOVE | PM_NOYIELD));
-  EXPECT_TRUE(told == PM_REMOVE || told == (PM_REMOVE | PM_NOYIELD)) << told;
-  EXPECT_EQ(hook_.handled.size(), told == PM_REMOVE ? 1u : 0u);
-  UnhookWindowsHookEx(telling);
-}
-
-class Window {
- public:
-  Window() : handle(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr)) {}
-  ~Window() { DestroyWindow(handle); }
-  Window(const Window&) = delete;
-  Window& operator=(const Window&) = delete;
-  HWND handle;
-};
-
-TEST_F(ThreadMessageHook, HandlesNeitherMessagesOfWindowsNorThoseThatAreNotListed) {
-  const Window window;
-  hook_.SetHook();
-  EXPECT_TRUE(PostMessageA(window.handle, listed, 0, 0));
-  post_to_this_thread(not_listed);
-  pump_waiting();
-  EXPECT_EQ(hook_.handled.size(), 0u);
-}
-
-TEST_F(ThreadMessageHook, HandlesNothingWithoutAList) {
-  const UINT empty[] = {0};
-  for (const UINT* list : {static_cast<const UINT*>(nullptr), static_cast<const UINT*>(empty)}) {
-    hook_.list = list;
-    hook_.SetHook();
-    post_to_this_thread(listed);
-    post_to_this_thread(0);
-    pump_waiting();
-    EXPECT_EQ(hook_.PostHookMessage(listed, 0, 0), 0);
-    EXPECT_EQ(hook_.PostHookMessage(0, 0, 0), 0);
-    EXPECT_EQ(hook_.handled.size(), 0u);
-    EXPECT_EQ(hook_.RemoveHook(), S_OK);
-  }
-}
-
-TEST_F(ThreadMessageHook, AsksForTheListAnew) {
-  const UINT other[] = {not_listed, 0};
-  hook_.SetHook();
-  hook_.list = other;
-  post_to_this_thread(listed);
-  post_to_this_thread(not_listed);
-  pump_waiting();
-  ASSERT_EQ(hook_.handled.size(), 1u);
-  EXPECT_EQ(hook_.handled[0].message, not_listed);
-}
-
-// Which would throw the message away otherwise.
-TEST_F(ThreadMessageHook, HandlesMessagesThatAMessageBoxTakes) {
-  const auto close_box = [] {
-    const HWND box = FindWindowA("#32770", "thread_message_hook_test");
-    if (box) PostMessageA(box, WM_COMMAND, IDOK, 0);
-    return box != nullptr;
-  };
-  bool box_was_open = false;
-  hook_.on_message = [&](const MSG&) {
-    box_was_open = close_box();
-    if (!box_was_open) hook_.PostHookMessage(listed, 0, 0);  // not yet: once more
-  };
-  hook_.SetHook();
-  hook_.PostHookMessage(listed, 0, 0);
-  MessageBoxA(nullptr, "taken here", "thread_message_hook_test", MB_OK);
-  EXPECT_TRUE(box_was_open);
-}
-
-struct MenuOwner {
-  MenuOwner() {
-    WNDCLASSA description{};
-    description.lpfnWndProc = &procedure;
-    description.hInstance = GetModuleHandleA(nullptr);
-    description.lpszClassName = "thread_message_hook_test";
-    RegisterClassA(&description);
-    handle = CreateWindowA("thread_message_hook_test", "", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 50, 50, 200, 100, nullptr,
-                           nullptr, description.hInstance, nullptr);
-  }
-  ~MenuOwner() { DestroyWindow(handle); }
-  MenuOwner(const MenuOwner&) = delete;
-  MenuOwner& operator=(const MenuOwner&) = delete;
-
-  static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
-    if (message == WM_ENTERIDLE) {  // the loop of the menu waits for messages
-      idle = true;
-      PostThreadMessageA(GetCurrentThreadId(), listed, 0, 0);
-    }
-    return DefWindowProcA(window, message, w, l);
-  }
-
-  HWND handle;
-  inline static bool idle = false;
-};
-
-TEST(ThreadMessageHookOnScreen, HandlesMessagesThatAMenuTakes) {
-  RecordingHook hook(1);
-  const MenuOwner owner;
-  SetForegroundWindow(owner.handle);
-  pump_until([&] { return GetForegroundWindow() == owner.handle; });
-  const HMENU menu = CreatePopupMenu();
-  AppendMenuA(menu, MF_STRING, 1, "one");
-  bool in_the_menu = false;
-  hook.on_message = [&](const MSG&) {
-    in_the_menu = MenuOwner::idle;
-    EndMenu();
-  };
-  EXPECT_EQ(TrackPopupMenu(menu, TPM_RETURNCMD, 60, 60, 0, owner.handle, nullptr), 0);
-  EXPECT_TRUE(in_the_menu);
-  EXPECT_GE(hook.handled.size(), 1u);
-  DestroyMenu(menu);
-}
-
-TEST_F(ThreadMessageHook, MayBeUnhookedByItsHandler) {
-  hook_.on_message = [&](const MSG&) { EXPECT_EQ(hook_.RemoveHook(), S_OK); };
-  hook_.SetHook();
-  post_to_this_thread(listed, 1);
-  post_to_this_thread(listed, 2);
-  MSG taken;
-  EXPECT_TRUE(PeekMessageA(&taken, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(taken.wParam, 1u);
-  EXPECT_EQ(hook_.IsHooked(), 0);
-  EXPECT_TRUE(PeekMessageA(&taken, nullptr, 0, 0, PM_REMOVE));
-  EXPECT_EQ(taken.wParam, 2u);
-  EXPECT_EQ(hook_.handled.size(), 1u);
-}
-
-// ---- two objects ---------------------------------------------------------------------------------------------------
-
-// Both hooks lead to the object that came last: it gets each message twice, the first one none.
+// Both hooks call the object that was hooked last: it gets each message twice, the first one none.
 TEST_F(ThreadMessageHook, IsTakenOverByASecondObject) {
   hook_.SetHook();
   RecordingHook second;
@@ -390,7 +175,7 @@ TEST_F(ThreadMessageHook, IsTakenOverByASecondObject) {
   EXPECT_EQ(hook_.IsHooked(), 1);
   post_to_this_thread(listed);
   pump_waiting();
-  EXPECT_EQ(hook_.handled.size(), 0u);  // nobody is the hooked one now
+  EXPECT_EQ(hook_.handled.size(), 0u);  // there is no hooked instance now
   EXPECT_EQ(second.handled.size(), 2u);
 
   EXPECT_EQ(hook_.RemoveHook(), S_OK);
@@ -410,7 +195,7 @@ TEST_F(ThreadMessageHook, RemovingTheFirstOfTwoStopsTheSecondToo) {
   EXPECT_EQ(second.handled.size(), 0u);
 }
 
-// ---- posting -------------------------------------------------------------------------------------------------------
+// ---- posting --------------------------------------------------------------------------------------------------------
 
 TEST_F(ThreadMessageHook, PostsWhatIsListedToItsThread) {
   hook_.SetHook();
@@ -470,98 +255,6 @@ TEST_F(ThreadMessageHook, PostsOnceMoreAfterAMillisecondWhereTheSystemRefuses) {
   EXPECT_EQ(posts, 2);
   EXPECT_EQ(naps, std::vector<DWORD>{1});
   EXPECT_FALSE(take(listed));
-}
-
-// ---- threads -------------------------------------------------------------------------------------------------------
-
-TEST_F(ThreadMessageHook, HandlesTheMessagesOfAnotherThreadThere) {
-  CEvent ready, handled;
-  DWORD id = 0;
-  std::thread other([&] {
-    pump_waiting();  // makes its queue
-    id = GetCurrentThreadId();
-    ready.SetEvent();
-    MSG message;
-    while (GetMessageA(&message, nullptr, 0, 0)) DispatchMessageA(&message);
-  });
-  ASSERT_TRUE(ready.Lock(ages));
-  RecordingHook hook(1, id);
-  hook.on_message = [&](const MSG&) { handled.SetEvent(); };
-  EXPECT_NE(hook.PostHookMessage(listed, 0, 0), 0);
-  EXPECT_TRUE(handled.Lock(ages));
-  EXPECT_EQ(hook.RemoveHook(), S_OK);
-  EXPECT_EQ(hook.threads, std::vector<DWORD>{id});
-  PostThreadMessageA(id, WM_QUIT, 0, 0);
-  other.join();
-}
-
-// Its hook has gone with the thread, which the object does not know.
-TEST_F(ThreadMessageHook, CannotBeUnhookedAfterTheEndOfItsThread) {
-  RecordingHook* hook = nullptr;
-  std::thread([&] { hook = new RecordingHook(1); }).join();
-  EXPECT_EQ(hook->RemoveHook(), HRESULT_FROM_WIN32(ERROR_INVALID_HOOK_HANDLE));
-  EXPECT_EQ(hook->IsHooked(), 1);
-  EXPECT_EQ(hook->PostHookMessage(listed, 0, 0), 0);
-  delete hook;
-  hook_.SetHook();
-  post_to_this_thread(listed);
-  pump_waiting();
-  EXPECT_EQ(hook_.handled.size(), 1u);
-}
-
-TEST_F(ThreadMessageHook, GetsTenThousandMessagesOfFourThreadsOnceEach) {
-  constexpr int senders = 4;
-  constexpr int each = 2500;
-  std::vector<int> arrived(senders * each, 0);
-  int count = 0;
-  hook_.on_message = [&](const MSG& message) {
-    ++arrived[message.wParam];
-    ++count;
-  };
-  hook_.SetHook();
-  std::vector<std::thread> threads;
-  for (int sender = 0; sender < senders; ++sender)
-    threads.emplace_back([&, sender] {
-      for (int i = 0; i < each; ++i)
-        EXPECT_NE(hook_.PostHookMessage(listed, static_cast<WPARAM>(sender * each + i), 0), 0);
-    });
-  EXPECT_TRUE(pump_until([&] { return count == senders * each; }, std::chrono::seconds(60)));
-  for (std::thread& thread : threads) thread.join();
-  pump_waiting();
-  EXPECT_EQ(arrived, std::vector<int>(senders * each, 1));
-}
-
-TEST_F(ThreadMessageHook, KeepsOtherThreadsWaitingWhileItsHandlerRuns) {
-  CEvent in_handler, answered;
-  bool answered_early = true;
-  int hooked = 0;
-  hook_.on_message = [&](const MSG&) {
-    in_handler.SetEvent();
-    answered_early = answered.Lock(200);
-  };
-  hook_.SetHook();
-  std::thread other([&] {
-    in_handler.Lock(ages);
-    hooked = hook_.IsHooked();
-    answered.SetEvent();
-  });
-  post_to_this_thread(listed);
-  pump_waiting();
-  other.join();
-  EXPECT_FALSE(answered_early);
-  EXPECT_EQ(hooked, 1);
-  EXPECT_TRUE(answered.Lock(0));
-}
-
-TEST(ThreadMessageHookInChildProcess, AnExceptionThatLeavesTheHandlerEndsTheProgram) {
-  EXPECT_EXIT(
-      {
-        RecordingHook hook(1);
-        hook.on_message = [](const MSG&) { throw 1; };
-        post_to_this_thread(listed);
-        pump_waiting();
-      },
-      testing::ExitedWithCode(3), "terminate called");
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
-#include <support/child_process.h>
-
 #include <windows.h>
 
+#include <support/child_process.h>
 #include <support/files.h>
 
 unsigned run_program(const std::string& name, const std::string& arguments) {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-// What run_program returns for a program that did not end in time; it has been ended then.
+// The result of run_program for a program that did not end in time and was terminated.
 constexpr unsigned program_hangs = 0xDEAD;
 
 // Runs a program that lies beside the test, in the current folder, and returns its exit code.

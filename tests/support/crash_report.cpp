@@ -1,14 +1,13 @@
-#include <support/crash_report.h>
-
 #include <windows.h>
-
 #include <dbghelp.h>
+
+#include <support/crash_report.h>
 
 #include <cstdio>
 
 namespace {
 
-// Function, file and line where the debug information tells them.
+// Function, file and line, if the debug information contains them.
 void print_frame(HANDLE process, void* address) {
   alignas(SYMBOL_INFO) char memory[sizeof(SYMBOL_INFO) + MAX_SYM_NAME];
   SYMBOL_INFO& symbol = *reinterpret_cast<SYMBOL_INFO*>(memory);
@@ -40,6 +39,30 @@ LONG WINAPI report(EXCEPTION_POINTERS* exception) {
   return EXCEPTION_EXECUTE_HANDLER;
 }
 
+bool is_fault(DWORD code) {
+  return code == EXCEPTION_ACCESS_VIOLATION || code == EXCEPTION_IN_PAGE_ERROR ||
+         code == EXCEPTION_ILLEGAL_INSTRUCTION || code == EXCEPTION_PRIV_INSTRUCTION ||
+         code == EXCEPTION_INT_DIVIDE_BY_ZERO;
+}
+
+// The system's own code raises and handles faults, for instance to probe a pointer.
+bool is_ours(void* instruction) {
+  HMODULE module = nullptr;
+  constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+  if (!GetModuleHandleExA(flags, static_cast<const char*>(instruction), &module)) return true;
+  return module == GetModuleHandleA(nullptr) || module == GetModuleHandleA("kexlib.dll") ||
+         module == GetModuleHandleA("kexframework.dll");
+}
+
+LONG WINAPI observe(EXCEPTION_POINTERS* exception) {
+  const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
+  return is_fault(record.ExceptionCode) && is_ours(record.ExceptionAddress) ? report(exception)
+                                                                            : EXCEPTION_CONTINUE_SEARCH;
+}
+
 }  // namespace
 
-void report_crashes() { SetUnhandledExceptionFilter(report); }
+void report_crashes() {
+  SetUnhandledExceptionFilter(report);
+  AddVectoredExceptionHandler(TRUE, observe);
+}

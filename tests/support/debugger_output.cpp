@@ -1,6 +1,6 @@
-#include <support/debugger_output.h>
-
 #include <windows.h>
+
+#include <support/debugger_output.h>
 
 #include <utility>
 
@@ -9,7 +9,8 @@ namespace {
 std::vector<std::string> caught;
 std::function<void()> call;
 
-// Without a debugger the system raises each text as an exception: the length with terminator, and the text.
+// Without a debugger the system raises an exception for each text. Its parameters are the length with terminator and
+// the text.
 LONG CALLBACK catch_text(EXCEPTION_POINTERS* exception) {
   constexpr DWORD print_exception = 0x40010006;
   const EXCEPTION_RECORD& record = *exception->ExceptionRecord;

@@ -1,8 +1,7 @@
-#include <support/decoded_image.h>
-
 #include <objidl.h>
-
 #include <gdiplus.h>
+
+#include <support/decoded_image.h>
 
 #include <filesystem>
 

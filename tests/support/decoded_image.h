@@ -1,4 +1,4 @@
-// Reads image files with GDI+, which encodes none of what is tested.
+// Reads image files with GDI+, which does not encode the images under test.
 #ifndef TESTS_SUPPORT_DECODED_IMAGE_H
 #define TESTS_SUPPORT_DECODED_IMAGE_H
 
@@ -7,7 +7,7 @@
 #include <vector>
 
 struct DecodedImage {
-  int width = 0;  // 0 where it is no image
+  int width = 0;  // 0 if the file is not an image
   int height = 0;
   bool has_alpha = false;
   std::vector<std::uint32_t> pixels;  // 0xAARRGGBB, the top row first

@@ -1,6 +1,6 @@
-#include <support/desktop_folder.h>
-
 #include <windows.h>
+
+#include <support/desktop_folder.h>
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <string>
 
-// Moves the user's desktop folder, as the shell tells it, for as long as the object lives. The registry that says where
-// it is belongs to all processes: such tests run one at a time.
+// Moves the user's desktop folder in the shell's registry while the object lives. All processes of a session share the
+// registry.
 class DesktopFolder {
  public:
   explicit DesktopFolder(const std::filesystem::path& folder);
@@ -19,7 +19,7 @@ class DesktopFolder {
   std::string previous_;
 };
 
-// Puts the desktop folder where it is on a new system: a test that was killed may have left it elsewhere.
+// Resets the desktop folder to its default: a test that was terminated may have left it elsewhere.
 void restore_desktop_folder();
 
 #endif

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// A new folder, the current one for as long as the object lives, removed at its end.
+// A new folder, which is the current one while the object lives. The destructor removes it.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -29,7 +29,7 @@ void write_file(const std::filesystem::path& path, const std::string& bytes);
 // The names of the files in a folder, sorted.
 std::vector<std::string> files_in(const std::filesystem::path& folder);
 
-// CR LF becomes "\n"; a test that uses it asserts the line ends elsewhere.
+// CR LF becomes "\n". Use it only where another test asserts the line ends.
 std::string without_carriage_returns(std::string text);
 
 // The folder of the running program.

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The place where the importer keeps the function's address; null where it does not import it.
+// The importer's address table entry for the function; null if it does not import the function.
 ULONG_PTR* find_slot(char* module, const char* library, const char* function) {
   auto* dos = reinterpret_cast<IMAGE_DOS_HEADER*>(module);
   auto* headers = reinterpret_cast<IMAGE_NT_HEADERS*>(module + dos->e_lfanew);

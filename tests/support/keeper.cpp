@@ -1,5 +1,5 @@
-// Holds the desktop open while tests run: without a window the desktop process ends, and each program would wait for a
-// new one. Makes the file that it is given once its window stands.
+// Keeps the desktop process alive while tests run. It ends when the last window is destroyed, and each program would
+// wait for a new one. Creates the file named by its argument when its window exists.
 #include <windows.h>
 
 #include <support/desktop_folder.h>

@@ -1,5 +1,5 @@
-// The pixel effects as one would write them down first: pixel by pixel, column by column where the order allows. What
-// the quick ones must equal bit for bit.
+// The pixel effects in their simplest form: pixel by pixel, column by column where the order allows. The library's must
+// equal them bit for bit.
 #ifndef TESTS_SUPPORT_LITERAL_EFFECTS_H
 #define TESTS_SUPPORT_LITERAL_EFFECTS_H
 
@@ -71,7 +71,7 @@ inline void tint_pixel(std::uint32_t& pixel, std::uint32_t dark, std::uint32_t m
   pixel = (pixel & 0xFF000000) + r * 65536 + g * 256 + b;
 }
 
-// By rows: the quickest way of its kind, to measure against.
+// By rows, the fastest loop of its kind, to measure against.
 inline void tint_all(Picture p, std::uint32_t dark, std::uint32_t mid, std::uint32_t light, std::uint32_t skip,
                      std::uint8_t threshold) {
   if ((mid & 0xFFFFFF) == 0) mid = 0x808080;
@@ -99,7 +99,7 @@ inline void shift_down_right(Picture p) {
     for (int x = 0; x <= p.width - 2; ++x) p.at(x + 1, y) = p.at(x, y + 1);
 }
 
-// Gives the same, since a row is only read before it is written either way.
+// The result is the same: in both orders a row is only read before it is written.
 inline void shift_down_right_by_columns(Picture p) {
   for (int x = p.width - 2; x >= 0; --x)
     for (int y = 0; y <= p.height - 2; ++y) p.at(x + 1, y) = p.at(x, y + 1);

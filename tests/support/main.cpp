@@ -1,4 +1,4 @@
-// The main function of every test program: nothing waits for a person, and nothing waits for ever.
+// The main function of every test program: no box waits for a person, and a watchdog ends a test that hangs.
 #include <gtest/gtest.h>
 
 #include <windows.h>

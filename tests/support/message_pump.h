@@ -1,4 +1,4 @@
-// Waiting for what windows do: messages are dispatched until it has happened.
+// Waits for events of windows while messages are dispatched.
 #ifndef TESTS_SUPPORT_MESSAGE_PUMP_H
 #define TESTS_SUPPORT_MESSAGE_PUMP_H
 
@@ -7,10 +7,10 @@
 #include <chrono>
 #include <functional>
 
-// Dispatches this thread's messages until `happened` says yes; false when that takes too long.
+// Dispatches this thread's messages until `happened` returns true. Returns false if that takes too long.
 bool pump_until(const std::function<bool()>& happened, std::chrono::milliseconds at_most = std::chrono::seconds(10));
 
-// Dispatches the messages that are waiting.
+// Dispatches the messages in the queue.
 void pump_waiting();
 
 // The same in a modeless dialog, where keys such as Tab move the focus (IsDialogMessage).

@@ -1,9 +1,8 @@
+#include <objidl.h>
+#include <gdiplus.h>
+
 #include <support/files.h>
 #include <support/picture.h>
-
-#include <objidl.h>
-
-#include <gdiplus.h>
 
 #include <filesystem>
 #include <utility>
@@ -58,7 +57,7 @@ Picture::~Picture() {
 bool Picture::operator==(const Picture& other) const {
   if (width_ != other.width_ || height_ != other.height_) return false;
   GdiFlush();
-  constexpr unsigned colors = 0xFFFFFF;  // the fourth byte is nobody's
+  constexpr unsigned colors = 0xFFFFFF;  // the value of the fourth byte is unspecified
   auto mine = static_cast<const unsigned*>(bits_), theirs = static_cast<const unsigned*>(other.bits_);
   for (int i = 0; i < width_ * height_; ++i)
     if ((mine[i] ^ theirs[i]) & colors) return false;

@@ -1,4 +1,4 @@
-// Pictures that tests draw into, look at, and leave in build/pictures for people to look at.
+// Pictures that tests draw into and compare, and save to build/pictures for people to look at.
 #ifndef TESTS_SUPPORT_PICTURE_H
 #define TESTS_SUPPORT_PICTURE_H
 
@@ -10,7 +10,7 @@ class Picture {
  public:
   // Of one colour.
   Picture(int width, int height, COLORREF background);
-  // Of what a window shows in its client area now.
+  // The client area of a window, as it is now.
   explicit Picture(HWND window);
   ~Picture();
   Picture(Picture&& other) noexcept;
@@ -18,10 +18,10 @@ class Picture {
 
   HDC dc() const { return dc_; }
   COLORREF at(int x, int y) const { return GetPixel(dc_, x, y); }
-  // Whether both show the same.
+  // Whether the colours of all pixels are equal.
   bool operator==(const Picture& other) const;
 
-  // As build/pictures/NAME.png, `magnified` times as large. False where it cannot be written.
+  // Writes build/pictures/NAME.png, `magnified` times as large. Returns false if it cannot be written.
   bool save(const std::string& name, int magnified = 1) const;
 
  private:

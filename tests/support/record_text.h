@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-// A record that is cleared at its end, as the library's own is when it is freed.
+// A record that its destructor clears, as the library clears its own when it is unloaded.
 struct OwnRecord : kexlib::ProfileRecord {
   ~OwnRecord() { clear(); }
 };
@@ -32,7 +32,7 @@ inline std::string written(const kexlib::ProfileRecord& record, double ticks_per
   return sink.text();
 }
 
-// The record as one would write it first: vectors, recursion, a stream. What the real one must equal byte for byte.
+// The record in its simplest form: vectors, recursion, a stream. The library's must equal it byte for byte.
 class SimpleRecord {
  public:
   void begin(std::uint32_t thread_id, const std::string& name, std::int64_t ticks) {

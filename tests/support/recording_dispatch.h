@@ -1,4 +1,4 @@
-// A COM object that records the calls that reach its IDispatch, and answers them as the test says.
+// A COM object that records the calls of its IDispatch and returns what the test sets.
 #ifndef TESTS_SUPPORT_RECORDING_DISPATCH_H
 #define TESTS_SUPPORT_RECORDING_DISPATCH_H
 
@@ -16,7 +16,7 @@ struct DispatchCall {
   bool wants_result;
 };
 
-// COM objects are deleted by Release alone.
+// COM objects are deleted by Release only.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
@@ -28,13 +28,13 @@ class RecordingDispatch : public IDispatch {
   virtual ~RecordingDispatch() { --alive; }
 
   std::vector<DispatchCall> calls;
-  // What the calls give: the result, the return value, and what else a test wants to do to the exception information.
+  // What the calls return: the result, the return value, and what a test does to the exception information.
   CComVariant answer;
   HRESULT returned = S_OK;
   std::function<void(EXCEPINFO*)> raise;
 
   ULONG references() const { return references_; }
-  // The objects that there are.
+  // The number of objects.
   inline static int alive = 0;
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) override {

@@ -1,16 +1,15 @@
-#include <support/resource_counts.h>
-
 #include <windows.h>
-
 #include <psapi.h>
 #include <winternl.h>
+
+#include <support/resource_counts.h>
 
 #include <cstring>
 #include <vector>
 
 namespace {
 
-// The table of GDI handles, which every process has in view. GetGuiResources would count them, but not everywhere.
+// The table of GDI handles, which is mapped into every process. GetGuiResources returns 0 under Wine.
 struct GdiEntry {
   unsigned long long object;
   unsigned short process;
@@ -102,5 +101,5 @@ size_t count_memory() {
   PROCESS_MEMORY_COUNTERS_EX counters = {};
   counters.cb = sizeof counters;
   GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  return counters.PagefileUsage;  // PrivateUsage is not told everywhere
+  return counters.PagefileUsage;  // PrivateUsage is 0 under Wine
 }

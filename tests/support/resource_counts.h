@@ -1,4 +1,4 @@
-// What a process holds: to see that rounds of making and releasing leave nothing behind.
+// Counts the resources of the process, to find leaks.
 #ifndef TESTS_SUPPORT_RESOURCE_COUNTS_H
 #define TESTS_SUPPORT_RESOURCE_COUNTS_H
 
@@ -11,13 +11,13 @@ int count_gdi_objects();
 // Events, threads, files and so on of this process.
 int count_kernel_handles();
 
-// The top-level windows of this thread; the system's own helper windows ("IME" and the like) are not counted.
+// The top-level windows of this thread, without the system's own ("IME" and the like).
 int count_windows();
 
-// Bytes that the process has taken for itself: too coarse to find small leaks.
+// Private bytes of the process: too coarse to find small leaks.
 size_t count_memory();
 
-// Blocks of the heaps of this process: what its modules and the system's hold in memory.
+// Blocks of all heaps of this process.
 int count_heap_blocks();
 
 struct ResourceCounts {

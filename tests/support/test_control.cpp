@@ -2,7 +2,7 @@
 
 namespace {
 
-// Everything that is left in the stream.
+// The rest of the stream.
 std::string rest_of(IStream* stream) {
   std::string text;
   char buffer[100];

@@ -1,18 +1,18 @@
-// A small ActiveX control, and a class that makes it in this process.
+// A small ActiveX control, and its class object in this process.
 #ifndef TESTS_SUPPORT_TEST_CONTROL_H
 #define TESTS_SUPPORT_TEST_CONTROL_H
 
-#include <support/recording_dispatch.h>
-
 #include <olectl.h>
+
+#include <support/recording_dispatch.h>
 
 #include <string>
 
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release only
 
-// Shows a window of its own, records the calls of its members, and takes any bytes as its state: a stream whole, of a
-// storage the stream "state".
+// Shows a window, records the calls of its members, and accepts any bytes as its state: a whole stream, or the stream
+// "state" of a storage.
 class TestControl : public RecordingDispatch,
                     public IOleObject,
                     public IOleInPlaceObject,
@@ -24,7 +24,7 @@ class TestControl : public RecordingDispatch,
   bool refuses_state = false;
   bool has_dispatch = true;
   bool is_ole_object = true;
-  const SIZEL* natural_size = nullptr;  // kept whatever the host says; null: the host's
+  const SIZEL* natural_size = nullptr;  // kept whatever extent the host sets; null: the host's
 
   bool began_anew = false;
   std::string state;      // what was loaded
@@ -81,8 +81,8 @@ class TestControl : public RecordingDispatch,
   SIZEL size_{3000, 2000};
 };
 
-// While it lives, the process knows the control's class, by its own identifier or the one given, and COM is initialised
-// on this thread.
+// While the object lives, the control's class is registered in this process, under its own identifier or the one given,
+// and COM is initialized on this thread.
 class TestControlClass : public IClassFactory2 {
  public:
   static const CLSID id;
@@ -92,12 +92,12 @@ class TestControlClass : public IClassFactory2 {
   TestControlClass& operator=(const TestControlClass&) = delete;
   virtual ~TestControlClass();
 
-  const wchar_t* license = nullptr;           // the key that is asked for; null: the control is free
+  const wchar_t* license = nullptr;           // the required key; null: the control needs no license
   std::function<void(TestControl*)> prepare;  // called for each new control
-  TestControl* made = nullptr;                // the last one, borrowed
+  TestControl* made = nullptr;                // the last one; not owned
 
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
-  STDMETHODIMP_(ULONG) AddRef() override { return 2; }  // it lives as long as the test
+  STDMETHODIMP_(ULONG) AddRef() override { return 2; }  // the object lives as long as the test
   STDMETHODIMP_(ULONG) Release() override { return 1; }
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override;
   STDMETHODIMP LockServer(BOOL) override { return S_OK; }

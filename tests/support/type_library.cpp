@@ -1,7 +1,7 @@
-#include <support/type_library.h>
-
 #include <atlbase.h>
 #include <oleauto.h>
+
+#include <support/type_library.h>
 
 namespace {
 

@@ -34,12 +34,16 @@ void type_text(const char* text) {
   }
 }
 
-void move_mouse(HWND window, int x, int y) {
+void put_mouse(HWND window, int x, int y) {
   POINT place{x, y};
   ClientToScreen(window, &place);
-  SetCursorPos(place.x + 1, place.y);
-  pump_waiting();
   SetCursorPos(place.x, place.y);
+}
+
+void move_mouse(HWND window, int x, int y) {
+  put_mouse(window, x + 1, y);
+  pump_waiting();
+  put_mouse(window, x, y);
   pump_waiting();
 }
 
@@ -55,18 +59,22 @@ void mouse_button(DWORD what) {
   SendInput(1, &input, sizeof input);
 }
 
-void click(HWND window, DWORD down, DWORD up) {
-  // The display may still be telling of where the mouse was before.
-  POINT middle = middle_of(window);
-  ClientToScreen(window, &middle);
-  pump_until([&] {
-    move_mouse_over(window);
-    POINT now;
-    GetCursorPos(&now);
-    return now.x == middle.x && now.y == middle.y;
-  });
+bool mouse_reaches(HWND window) {
+  move_mouse_over(window);
+  POINT wanted = middle_of(window), now;
+  ClientToScreen(window, &wanted);
+  GetCursorPos(&now);
+  return now.x == wanted.x && now.y == wanted.y;
+}
+
+void click_here(DWORD down, DWORD up) {
   mouse_button(down);
   mouse_button(up);
+}
+
+void click(HWND window, DWORD down, DWORD up) {
+  pump_until([&] { return mouse_reaches(window); });
+  click_here(down, up);
 }
 
 void park_mouse() {

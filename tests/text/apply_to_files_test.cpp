@@ -1,4 +1,4 @@
-// Walks through real folders: files, shortcuts, links that lead back, paths that are too long, folders that vanish.
+// Walks through real folders: files, cyclic links, paths that are too long, folders that are deleted meanwhile.
 #include <gtest/gtest.h>
 
 #include <kexlib/text/apply_to_files.h>
@@ -10,6 +10,7 @@
 #include <support/files.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
+#include <text/apply_to_files_fixture.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -21,76 +22,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using Paths = std::vector<std::string>;
-
-class Walk final : public kexApplyToFiles {
- public:
-  Paths files;    // in the order in which they came
-  Paths folders;  // that were asked for
-  std::function<void(Walk&)> on_file = [](Walk&) {};
-  std::function<int(Walk&)> veto = [](Walk&) { return 0; };
-
-  void end() { stop = 1; }
-  int stopped() const { return stop; }
-
-  void apply_to_file(char* path) override {
-    files.emplace_back(path);
-    std::fill_n(path, std::char_traits<char>::length(path), '*');  // it is ours
-    on_file(*this);
-  }
-
-  // What came, below the folder, sorted.
-  Paths found_below(const fs::path& root) const {
-    Paths names;
-    for (const std::string& file : files) {
-      EXPECT_TRUE(file.starts_with(root.string())) << file;
-      names.push_back(file.substr(root.string().size() + 1));
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-  }
-
- protected:
-  int ignore_directory(const char* const path) override {
-    folders.emplace_back(path);
-    return veto(*this);
-  }
-};
-
-class ApplyToFiles : public testing::Test {
- protected:
-  static void make(const fs::path& file) {
-    if (file.has_parent_path()) fs::create_directories(file.parent_path());
-    write_file(file, "");
-  }
-
-  long apply(const char* pattern = "*.*", int shortcuts = 0) {
-    return walk_.Apply(root().string().c_str(), pattern, shortcuts);
-  }
-  const fs::path& root() const { return folder_.path(); }
-  Paths found() const { return walk_.found_below(root()); }
-
-  TemporaryFolder folder_;
-  Walk walk_;
-};
-
-class Shortcuts : public ApplyToFiles {
- protected:
-  Shortcuts() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-  ~Shortcuts() override { CoUninitialize(); }
-
-  // Through the shell, as users make them.
-  static void make_shortcut(const std::string& path, const std::string& target) {
-    CComPtr<IShellLinkA> link;
-    CComPtr<IPersistFile> file;
-    ASSERT_EQ(link.CoCreateInstance(CLSID_ShellLink), S_OK);
-    ASSERT_EQ(link.QueryInterface(&file), S_OK);
-    ASSERT_TRUE(SUCCEEDED(link->SetPath(target.c_str())));
-    ASSERT_EQ(file->Save(CComBSTR(path.c_str()), TRUE), S_OK);
-  }
-
-  std::string below(const char* name) const { return (root() / name).string(); }
-};
+using namespace apply_to_files;
 
 TEST_F(ApplyToFiles, FindsAllFilesThatMatch) {
   for (const char* file : {"a.txt", "b.TXT", "c.dat", "no_dot", "deep\\er\\d.txt", "deep\\e.text", "x.y\\f.txt"})
@@ -158,7 +90,7 @@ TEST_F(ApplyToFiles, FindsNothingInAnEmptyFolder) {
 TEST_F(ApplyToFiles, WalksAFolderWhenItIsMet) {
   for (const char* file : {"a", "b\\c", "b\\d\\e", "b\\f", "g"}) make(file);
   EXPECT_EQ(apply(), S_OK);
-  // Whatever the order of the file system is: what is in b comes in one piece.
+  // The files in b are consecutive, whatever the order of the file system.
   const auto first = std::find_if(walk_.files.begin(), walk_.files.end(),
                                   [](const std::string& path) { return path.find("\\b\\") != path.npos; });
   ASSERT_GE(walk_.files.end() - first, 3);
@@ -204,7 +136,7 @@ TEST_F(ApplyToFiles, StaysOutOfFoldersThatAreVetoed) {
   EXPECT_EQ(walk_.folders.size(), 3u);
 }
 
-// Entering a folder begins anew, so only a veto stops from there: that is meant, the files are what stops a walk.
+// By design each folder resets the flag: only apply_to_file can stop the walk.
 TEST_F(ApplyToFiles, ForgetsAStopThatIsSetBeforeAFolderIsEntered) {
   make("in\\a");
   make("in\\b");
@@ -244,7 +176,7 @@ TEST_F(ApplyToFiles, TakesNamesOf255Characters) {
   fs::remove("\\\\?\\" + (root() / name).string());
 }
 
-// A mask has to fit 260 characters: "\*.*" and the zero behind the folder.
+// The mask is limited to 260 characters: the folder, "\*.*" and the terminator.
 TEST_F(ApplyToFiles, WalksFoldersOf255CharactersAndEndsAtLongerOnes) {
   const std::size_t left = 255 - root().string().size() - 1;
   const std::string fitting = "a" + std::string(left - 1, 'd');
@@ -264,7 +196,7 @@ TEST_F(ApplyToFiles, WalksFoldersOf255CharactersAndEndsAtLongerOnes) {
   fs::remove_all("\\\\?\\" + (root() / fitting).string());
 }
 
-// A folder that is a link to the one above it: by the host's own means under Wine, which makes no junctions.
+// A folder that is a link to its parent. Under Wine, which creates no junctions, a program of the host creates it.
 class LinkUpwards {
  public:
   explicit LinkUpwards(const fs::path& link) : link_(link) {
@@ -273,7 +205,7 @@ class LinkUpwards {
   }
   LinkUpwards(const LinkUpwards&) = delete;
   LinkUpwards& operator=(const LinkUpwards&) = delete;
-  // At once: whoever removed the folder with the link in it would go round.
+  // Removes the link immediately: deleting the folder recursively would not terminate.
   ~LinkUpwards() {
     run("rm " + name(), "rmdir " + name());
     wait_until([this] { return !is_there(); });
@@ -298,7 +230,7 @@ class LinkUpwards {
     CloseHandle(process.hProcess);
   }
 
-  // The host's program may go on after what stands for it here has ended.
+  // The host's program may still run after the Windows process that represents it has ended.
   template <class Condition>
   static void wait_until(Condition holds) {
     for (const ULONGLONG end = GetTickCount64() + 10000; !holds() && GetTickCount64() < end;) SwitchToThread();
@@ -327,7 +259,7 @@ TEST_F(ApplyToFiles, ClosesItsSearchesWhenAnOperationThrows) {
   for (int i = 0; i < 5; ++i) make("in\\deep\\" + std::to_string(i));
   walk_.on_file = [](Walk&) { throw std::runtime_error("no"); };
   EXPECT_THROW(apply(), std::runtime_error);
-  static_cast<void>(ResourceCounts());  // the first one loads what it asks
+  static_cast<void>(ResourceCounts());  // the first object loads the libraries that it queries
   const ResourceCounts counts;
   for (int i = 0; i < 20; ++i) EXPECT_THROW(apply(), std::runtime_error);
   EXPECT_EQ(ResourceCounts(), counts);
@@ -391,7 +323,7 @@ TEST_F(ApplyToFiles, ReturnsTheErrorOfASearchThatFails) {
   next_error = ERROR_ACCESS_DENIED;
   EXPECT_EQ(apply(), E_ACCESSDENIED);
   next_error = ERROR_SUCCESS;
-  EXPECT_EQ(apply(), S_OK);  // without an error there is none to return
+  EXPECT_EQ(apply(), S_OK);  // no error occurred
   EXPECT_TRUE(walk_.files.empty());
 }
 
@@ -403,66 +335,6 @@ TEST_F(ApplyToFiles, ReturnsTheErrorOfASearchThatBreaksOff) {
   next_error = ERROR_NETNAME_DELETED;
   EXPECT_EQ(apply(), HRESULT_FROM_WIN32(ERROR_NETNAME_DELETED));
   EXPECT_TRUE(walk_.files.empty());
-}
-
-TEST_F(Shortcuts, StandForTheirTargets) {
-  make("elsewhere\\target.txt");
-  make("tree\\plain.dat");
-  make_shortcut(below("tree\\link.lnk"), below("elsewhere\\target.txt"));
-  make_shortcut(below("tree\\LOUD.LNK"), below("elsewhere\\target.txt"));
-  EXPECT_EQ(walk_.Apply(below("tree").c_str(), "*.txt", 1), S_OK);
-  ASSERT_EQ(walk_.files.size(), 2u);
-  EXPECT_TRUE(walk_.files[0].ends_with("elsewhere\\target.txt")) << walk_.files[0];
-  EXPECT_TRUE(walk_.files[1].ends_with("elsewhere\\target.txt")) << walk_.files[1];
-}
-
-TEST_F(Shortcuts, AreFilesLikeOthersUnlessTheyAreToBeFollowed) {
-  make("target.txt");
-  make_shortcut(below("link.lnk"), below("target.txt"));
-  EXPECT_EQ(apply("*.txt", 0), S_OK);
-  EXPECT_EQ(found(), Paths{"target.txt"});
-}
-
-TEST_F(Shortcuts, ThatMatchThemselvesAreNotFollowed) {
-  make("elsewhere\\target.txt");
-  make("tree\\plain.dat");
-  make_shortcut(below("tree\\link.lnk"), below("elsewhere\\target.txt"));
-  EXPECT_EQ(walk_.Apply(below("tree").c_str(), "*.*", 1), S_OK);
-  EXPECT_EQ(walk_.found_below(root() / "tree"), (Paths{"link.lnk", "plain.dat"}));
-}
-
-TEST_F(Shortcuts, AreSkippedWhereThereIsNoFileToStandFor) {
-  make("elsewhere\\target.txt");
-  make("elsewhere\\folder.txt\\in.txt");
-  make("elsewhere\\other.dat");
-  fs::create_directory("tree");
-  make_shortcut(below("tree\\folder.lnk"), below("elsewhere\\folder.txt"));
-  make_shortcut(below("tree\\missing.lnk"), below("elsewhere\\missing.txt"));
-  make_shortcut(below("tree\\other.lnk"), below("elsewhere\\other.dat"));
-  make("tree\\junk.lnk");
-  write_file("tree\\more junk.lnk", std::string(1000, 'x'));
-  EXPECT_EQ(walk_.Apply(below("tree").c_str(), "*.txt", 1), S_OK);
-  EXPECT_EQ(walk_.files, Paths{});
-}
-
-TEST_F(Shortcuts, AreSkippedWhereComIsNotThere) {
-  make("elsewhere\\target.txt");
-  fs::create_directory("tree");
-  make_shortcut(below("tree\\link.lnk"), below("elsewhere\\target.txt"));
-  CoUninitialize();
-  EXPECT_EQ(walk_.Apply(below("tree").c_str(), "*.txt", 1), S_OK);
-  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-  EXPECT_EQ(walk_.files, Paths{});
-}
-
-TEST_F(Shortcuts, MayStopTheWalk) {
-  make("elsewhere\\target.txt");
-  fs::create_directory("tree");
-  for (const char* link : {"tree\\a.lnk", "tree\\b.lnk", "tree\\c.lnk"})
-    make_shortcut(below(link), below("elsewhere\\target.txt"));
-  walk_.on_file = [](Walk& walk) { walk.end(); };
-  EXPECT_EQ(walk_.Apply(below("tree").c_str(), "*.txt", 1), S_OK);
-  EXPECT_EQ(walk_.files.size(), 1u);
 }
 
 TEST_F(ApplyToFiles, FindsTenThousandFiles) {

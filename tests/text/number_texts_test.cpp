@@ -1,4 +1,4 @@
-// Numbers with one decimal, each made into a text once.
+// Numbers with one decimal, each formatted once.
 #include <gtest/gtest.h>
 
 #include <text/number_texts.h>
@@ -51,7 +51,7 @@ TEST(NumberTexts, TakeBothZerosAsOneNumber) {
   EXPECT_STREQ(others.text(0.0), "-0.0");
 }
 
-// A NaN is never found again: that is meant.
+// A NaN is never found: it compares unequal to every value.
 TEST(NumberTexts, KeepEachNanAnew) {
   NumberTexts numbers;
   const double nan = std::numeric_limits<double>::quiet_NaN();

@@ -1,11 +1,14 @@
-// Identifiers for automated tests: any automation type in and out, and one text with a meaning of its own.
+// Identifiers for automated tests: parameters of any automation type, and one text with a special meaning.
 #include <gtest/gtest.h>
 
 #include <kexlib/text/test_object_id.h>
 
 #include <afxdisp.h>
+
+#include <support/failing_record.h>
 #include <support/import_override.h>
 #include <support/recording_dispatch.h>
+#include <support/resource_counts.h>
 
 #include <string>
 
@@ -32,6 +35,13 @@ TEST(TestObjectId, IsNotConfiguredAtFirst) {
   EXPECT_FALSE(id.is_configured());
 }
 
+TEST(TestObjectId, IsMadeOfItsSpecialText) {
+  kexTestObjectID id = "auto";
+  EXPECT_FALSE(id.is_configured());
+  id.put_id(CComVariant(L"auto"));
+  EXPECT_TRUE(id.is_special_value());
+}
+
 TEST(TestObjectId, IsNotConfiguredAnyMoreOnceItIsEmptied) {
   kexTestObjectID id;
   id.put_id(CComVariant(L"name"));
@@ -49,6 +59,29 @@ TEST(TestObjectId, IsSpecialWhereItIsTheSpecialText) {
     EXPECT_FALSE(id.is_special_value()) << text;
     EXPECT_TRUE(id.is_configured());
   }
+}
+
+struct Comparison {
+  int calls;
+  LCID locale;
+  ULONG flags;
+} comparison;
+
+HRESULT WINAPI recorded_comparison(BSTR left, BSTR right, LCID locale, ULONG flags) {
+  comparison = {comparison.calls + 1, locale, flags};
+  return VarBstrCmp(left, right, locale, flags);
+}
+
+TEST(TestObjectId, IsComparedInTheUsersLocale) {
+  kexTestObjectID id("auto");
+  id.put_id(CComVariant(L"auto"));
+  comparison = {};
+  const ImportOverride recorded("kexlib.dll", "oleaut32.dll", "VarBstrCmp", recorded_comparison);
+  ASSERT_TRUE(recorded.made());
+  EXPECT_TRUE(id.is_special_value());
+  EXPECT_EQ(comparison.calls, 1);
+  EXPECT_EQ(comparison.locale, 0x400u);
+  EXPECT_EQ(comparison.flags, 0u);
 }
 
 TEST(TestObjectId, IsNeverSpecialWhereItIsNoText) {
@@ -170,9 +203,24 @@ TEST(TestObjectId, ClearsWhatItIsReadInto) {
     EXPECT_EQ(value.lVal, 5);
   }
   object->Release();
-  CComVariant text(L"freed");
-  EXPECT_EQ(id.get_id(&text), S_OK);
-  EXPECT_EQ(text.vt, VT_I4);
+}
+
+TEST(TestObjectId, FreesTheTextThatItIsReadInto) {
+  kexTestObjectID id;
+  id.put_id(CComVariant(5));
+  const std::wstring large(100000, L'x');  // too large for the system to cache its memory
+  const auto round = [&] {
+    VARIANT text = {};
+    text.vt = VT_BSTR;
+    text.bstrVal = SysAllocString(large.c_str());
+    EXPECT_EQ(id.get_id(&text), S_OK);
+    EXPECT_EQ(text.vt, VT_I4);
+    EXPECT_EQ(text.lVal, 5);
+  };
+  for (int i = 0; i < 3; ++i) round();
+  const int before = count_heap_blocks();
+  for (int i = 0; i < 50; ++i) round();
+  EXPECT_LT(count_heap_blocks() - before, 25);
 }
 
 TEST(TestObjectId, NeedsAPlaceToBeReadInto) { EXPECT_EQ(kexTestObjectID().get_id(nullptr), E_POINTER); }
@@ -206,6 +254,43 @@ TEST(TestObjectId, HoldsTheFailureOfACopyAndThrowsIt) {
   EXPECT_FALSE(id.is_special_value());
 }
 
+TEST(TestObjectId, LeavesTheCallersRecordAloneWhereItCannotBeCopied) {
+  FailingRecord record;
+  auto* object = new RecordingDispatch;
+  {
+    kexTestObjectID id;
+    id.put_id(CComVariant(static_cast<IDispatch*>(object)));
+    EXPECT_EQ(object->references(), 2u);
+    EXPECT_THROW(id.put_id(record.value()), COleException*);
+    EXPECT_EQ(object->references(), 1u) << "the previous identifier is cleared";
+    const CComVariant held = id_of(id);
+    EXPECT_EQ(held.vt, VT_ERROR);
+    EXPECT_EQ(held.scode, FailingRecord::failure);
+  }
+  EXPECT_EQ(record.references(), 1u);
+  EXPECT_EQ(record.clears(), 0);
+  object->Release();
+}
+
+TEST(TestObjectId, KeepsItsRecordWhereItCannotBeCopiedToTheCaller) {
+  FailingRecord record;
+  {
+    kexTestObjectID id;
+    record.fails = false;
+    EXPECT_EQ(id.put_id(record.value()), S_OK);
+    EXPECT_EQ(record.references(), 2u);
+    record.fails = true;
+    CComVariant read;
+    EXPECT_THROW(id.get_id(&read), COleException*);
+    EXPECT_EQ(read.vt, VT_ERROR);
+    EXPECT_EQ(read.scode, FailingRecord::failure);
+    EXPECT_EQ(record.references(), 2u);
+    EXPECT_EQ(record.clears(), 0);
+  }
+  EXPECT_EQ(record.references(), 1u);
+  EXPECT_EQ(record.clears(), 1);
+}
+
 HRESULT WINAPI no_memory(VARIANT*, VARIANT*) { return E_OUTOFMEMORY; }
 
 TEST(TestObjectId, LeavesNothingBehindWhereACopyFails) {
@@ -222,7 +307,7 @@ TEST(TestObjectId, LeavesNothingBehindWhereACopyFails) {
     EXPECT_EQ(read.scode, E_OUTOFMEMORY);
     EXPECT_EQ(object->references(), 2u);
     EXPECT_THROW(id.put_id(CComVariant(5)), CMemoryException*);
-    EXPECT_EQ(object->references(), 1u) << "the object before is let go of";
+    EXPECT_EQ(object->references(), 1u) << "the previous object is released";
   }
   object->Release();
 }

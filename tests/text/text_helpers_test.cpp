@@ -1,4 +1,4 @@
-// Text helpers: names for files, the bitness of a product, texts in the user's language.
+// Text helpers: file names, the bitness of a product, texts in the user's language.
 #include <gtest/gtest.h>
 
 #include <kexlib/text/text_helpers.h>
@@ -7,8 +7,9 @@
 #include <atlbase.h>
 #include <mbctype.h>
 
+#include <support/failing_record.h>
 #include <support/import_override.h>
-#include <text/resources.h>
+#include <support/string_table.h>
 
 #include <climits>
 #include <random>
@@ -28,7 +29,7 @@ std::string strict(const std::string& text, char replacement = '_') {
   return {copy.GetString(), static_cast<std::size_t>(copy.GetLength())};
 }
 
-// One character after the other, in the order that is fixed for them.
+// Replaces one character after the other, in a fixed order.
 std::string one_by_one(std::string text, const std::string& forbidden, char replacement) {
   for (const char each : forbidden)
     for (char& character : text)
@@ -48,7 +49,7 @@ TEST(ForbiddenSymbols, KeepPathsPathsUnlessTheyAreNames) {
   EXPECT_EQ(strict("*?\"<>|/\\:"), "_________");
 }
 
-// The file system would not take them; they are for the caller to see to: that is meant.
+// By design these are not replaced: the file system rejects some of them, but callers expect them unchanged.
 TEST(ForbiddenSymbols, AreNeitherControlCharactersNorDotsAndBlanksAtTheEnd) {
   EXPECT_EQ(strict("a\x01\t\n. ."), "a\x01\t\n. .");
   EXPECT_EQ(strict(std::string("a\0*b", 4)), std::string("a\0_b", 4));
@@ -85,6 +86,24 @@ TEST(ForbiddenSymbols, AreNotSecondBytesOfDoubleByteCharacters) {
   EXPECT_EQ(text, "\x83\x5c_\x83\x7c_\x83");
 }
 
+// The terminator and the bytes after it are not a trail byte.
+TEST(ForbiddenSymbols, DoNotContinueADoubleByteCharacterThatIsCutAtTheEnd) {
+  ASSERT_EQ(_setmbcp(932), 0);
+  CString text("*a\x83*|");
+  char* const buffer = text.GetBuffer();
+  text.ReleaseBufferSetLength(3);
+  buffer[4] = '|';
+  kex_replace_forbidden_symbols_strict(text, '_');
+  CString alone("\x83");
+  kex_replace_forbidden_symbols(alone, '_');
+  _setmbcp(_MB_CP_ANSI);
+  EXPECT_EQ(text, "_a\x83");
+  EXPECT_EQ(text.GetLength(), 3);
+  EXPECT_EQ(buffer[3], '\0');
+  EXPECT_EQ(buffer[4], '|');
+  EXPECT_EQ(alone, "\x83");
+}
+
 TEST(ProductBitness, IsAppendedEachTime) {
   bzString name("Gauge");
   kex_append_product_bitness(nullptr, name);
@@ -98,7 +117,7 @@ TEST(ProductBitness, IsAppendedEachTime) {
 
 class LocalizedString : public testing::Test {
  protected:
-  LocalizedString() : strings_(LoadLibraryA("text_strings.dll")) {}
+  LocalizedString() : strings_(LoadLibraryA("string_table.dll")) {}
   ~LocalizedString() override { FreeLibrary(strings_); }
 
   struct Answer {
@@ -128,7 +147,7 @@ TEST_F(LocalizedString, IsTheResourceThatTheTextRefersTo) {
   EXPECT_EQ(localized(L"{+5 and more}x"), (Answer{S_OK, L"the fifth"}));
   EXPECT_EQ(localized(L"{100}x").text.size(), 250u);
   EXPECT_EQ(localized(L"{6}x", 999), (Answer{S_OK, L"the fifth"}));
-  EXPECT_EQ(localized(L"{1006}x", UINT_MAX), (Answer{S_OK, L"the fifth"}));  // the sum goes round
+  EXPECT_EQ(localized(L"{1006}x", UINT_MAX), (Answer{S_OK, L"the fifth"}));  // the sum wraps around
 }
 
 TEST_F(LocalizedString, IsTheTextsOwnWordingWhereThereIsNoResource) {
@@ -161,7 +180,7 @@ TEST_F(LocalizedString, IsAnErrorWhereTheValueIsNoText) {
   EXPECT_EQ(localized(CComVariant()), error);
   EXPECT_EQ(localized(CComVariant(2.5)), error);
 
-  // A text by reference is no text: that is meant.
+  // By design only VT_BSTR is accepted as a text: callers see the error for references.
   CComBSTR text(L"{5}");
   VARIANT by_reference = {};
   by_reference.vt = VT_BYREF | VT_BSTR;
@@ -209,6 +228,30 @@ TEST_F(LocalizedString, ReturnsTheFailureOfACopy) {
   ASSERT_TRUE(FAILED(expected));
   EXPECT_EQ(kexLocalizeString(strings_, IDS_BASE, bad, &result), expected);
   EXPECT_EQ(result, marker);
+}
+
+TEST_F(LocalizedString, LeavesARecordAloneThatCannotBeCopied) {
+  FailingRecord record;
+  VARIANT value = record.value(), reference = {};
+  reference.vt = VT_BYREF | VT_VARIANT;
+  reference.pvarVal = &value;
+  wchar_t* result = nullptr;
+  EXPECT_EQ(kexLocalizeString(strings_, IDS_BASE, reference, &result), FailingRecord::failure);
+  EXPECT_EQ(result, nullptr);
+  EXPECT_EQ(record.references(), 1u);
+  EXPECT_EQ(record.clears(), 0);
+}
+
+// The bits of VT_BYREF | VT_VARIANT are tested, not the type: callers see the failure of VariantCopyInd.
+TEST_F(LocalizedString, ReturnsTheFailureOfACopyOfATypeWithTheSameBits) {
+  VARIANT bad = {};
+  bad.vt = 0x400F;
+  VARIANT copy = {};
+  const HRESULT expected = VariantCopyInd(&copy, &bad);
+  ASSERT_TRUE(FAILED(expected));
+  wchar_t* result = nullptr;
+  EXPECT_EQ(kexLocalizeString(strings_, IDS_BASE, bad, &result), expected);
+  EXPECT_EQ(result, nullptr);
 }
 
 TEST_F(LocalizedString, NeedsAPlaceForTheResult) {

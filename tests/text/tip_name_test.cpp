@@ -9,7 +9,7 @@
 
 namespace {
 
-// Everything there is, and which of it is wanted.
+// All parts, and the flags that select them.
 struct Parts {
   CComBSTR name = L"Left";
   long number = 3;
@@ -53,7 +53,7 @@ TEST(TipName, ShowsTheNamesThatThereAre) {
   }
 }
 
-// The separator is there without a name before it too: that is meant.
+// By design the separator is shown without a name, too: callers append the result to a heading.
 TEST(TipName, ShowsTheNumberBehindASeparator) {
   EXPECT_EQ((Parts{.number = 7, .show_number = true}.text()), " - 7 ");
   EXPECT_EQ((Parts{.number = -7, .show_names = true, .show_number = true}.text()), "Left - Upper - -7 ");

@@ -1,8 +1,9 @@
 #define _WTL_NO_AUTOMATIC_NAMESPACE
-#include <kexlib/windowtools/combo_list_utils.h>
-
 #include <gtest/gtest.h>
 
+#include <kexlib/windowtools/combo_list_utils.h>
+
+#include <afx.h>
 #include <commctrl.h>
 
 #include <support/expect_flat.h>
@@ -58,7 +59,7 @@ TEST_F(ComboBoxUtils, FillComboBoxesOfAllStylesInTheOrderOfTheList) {
   for (const unsigned style : {1u, 2u, 3u}) {  // CBS_SIMPLE, CBS_DROPDOWN, CBS_DROPDOWNLIST
     ComboBox box = combo(style);
     box.AddString("old");
-    kexWTLComboBoxUtils utils(box);
+    kexWTLComboBoxUtils utils = box;
     const Texts items{"pear", "", "apple", "pear", "\xE4pfel"};
     utils.populate(items);
     EXPECT_EQ(items_of(box), items) << style;
@@ -93,7 +94,7 @@ TEST_F(ComboBoxUtils, FollowTheWrapperToAnotherWindow) {
 
 // ---- the text of cells ---------------------------------------------------------------------------------------------
 
-// The sizes of the buffers that the list view was asked to fill.
+// The sizes of the buffers that the list view received.
 std::vector<int> asked;
 
 LRESULT CALLBACK record_buffers(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR) {
@@ -108,7 +109,7 @@ class ListViewCell : public Controls {
     SetWindowSubclass(list_, &record_buffers, 1, 0);
   }
 
-  // With what was asked of the list view meanwhile in `asked`.
+  // Stores the buffer sizes of the requests in `asked`.
   std::string text_of(int row, int column) {
     asked.clear();
     const CStringA text = kexWTLListViewCtrlUtils(list_).get_item_text(row, column);
@@ -173,7 +174,7 @@ TEST_F(ListViewCell, GivesNoTextWithoutAWindow) {
   EXPECT_EQ(kexWTLListViewCtrlUtils(nothing).get_item_text(0, 0).GetLength(), 0);
 }
 
-// A control that fills each buffer to its end and tells of more, for some rounds.
+// A control that fills each buffer to its end and reports a longer text, for some rounds.
 LRESULT CALLBACK fill_endlessly(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR rounds) {
   if (message != LVM_GETITEMTEXTA) return DefSubclassProc(window, message, w, l);
   const auto& item = *reinterpret_cast<const LVITEMA*>(l);
@@ -198,6 +199,45 @@ TEST_F(ListViewCell, GivesAsMuchAsThereIsMemoryFor) {
   ASSERT_TRUE(little.made());
   EXPECT_EQ(text_of(0, 0), std::string(2048, 'x'));
   EXPECT_EQ(asked, (std::vector<int>{256, 512, 1024, 2048}));
+}
+
+// Replaces MFC's memory exception, which is not counted.
+class CountedException : public CException {
+ public:
+  CountedException() { ++alive; }
+  ~CountedException() override { --alive; }
+  static inline int alive = 0, made = 0;
+};
+void throw_counted(HRESULT) {
+  ++CountedException::made;
+  throw static_cast<CException*>(new CountedException);
+}
+
+TEST_F(ListViewCell, DeletesTheExceptionForMemoryThatIsNotThere) {
+  SetWindowSubclass(list_, &fill_endlessly, 2, 1000);
+  const ImportOverride little("kexframework.dll", "msvcrt.dll", "malloc", &little_memory);
+  const ImportOverride counted("kexlib.dll", "kexframework.dll", "_ZN3ATL8AtlThrowEl", &throw_counted);
+  ASSERT_TRUE(little.made() && counted.made());
+  CountedException::made = 0;
+  EXPECT_EQ(text_of(0, 0), std::string(2048, 'x'));
+  EXPECT_EQ(CountedException::made, 1);
+  EXPECT_EQ(CountedException::alive, 0);
+}
+
+// A control that fills the buffer and the character after it, and reports a longer text until the buffer has this size.
+LRESULT CALLBACK fill_without_end(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR, DWORD_PTR whole_at) {
+  if (message != LVM_GETITEMTEXTA) return DefSubclassProc(window, message, w, l);
+  const auto& item = *reinterpret_cast<const LVITEMA*>(l);
+  std::fill_n(item.pszText, item.cchTextMax + 1, 'x');
+  return static_cast<DWORD_PTR>(item.cchTextMax) < whole_at ? item.cchTextMax : item.cchTextMax - 2;
+}
+
+// The terminator is one character past the buffer size that the control receives.
+TEST_F(ListViewCell, EndsATextThatFillsItsRoom) {
+  for (const std::size_t room : {256u, 512u, 1024u}) {
+    SetWindowSubclass(list_, &fill_without_end, 2, room);
+    EXPECT_EQ(text_of(0, 0), std::string(room, 'x'));
+  }
 }
 
 TEST_F(ListViewCell, LeavesNothingBehind) {

@@ -1,10 +1,9 @@
 #define _WTL_NO_AUTOMATIC_NAMESPACE
-#include <kexlib/windowtools/tree_iterators.h>
-
 #include <gtest/gtest.h>
 
-#include <atlbase.h>
+#include <kexlib/windowtools/tree_iterators.h>
 
+#include <atlbase.h>
 #include <atlapp.h>
 #include <atlctrls.h>
 
@@ -150,7 +149,7 @@ TEST_F(TreeIterators, CopyTheirPolicies) {
   EXPECT_EQ(walk(other), (Items{children_[1], children_[2]}));
 }
 
-// What an application adds.
+// The definitions that an application adds.
 class Children : public kexTreeIterNext {
  public:
   Children(WTL::CTreeViewCtrlT<ATL::CWindow> tree, HTREEITEM parent) : tree_(tree), parent_(parent) {}

@@ -12,7 +12,7 @@
 
 namespace {
 
-// The buffer, filled up to its end and no further.
+// Writes to the buffer and truncates at its end.
 class Text {
  public:
   Text(char* buffer, std::size_t size) : next_(buffer), end_(buffer + size - 1), begin_(buffer) {}
@@ -30,7 +30,7 @@ class Text {
     next_ += fitting;
   }
 
-  // What the run-time library makes of one conversion. False where it refuses.
+  // Prints one conversion with the run-time library. Returns false if that fails.
   template <typename... Values>
   bool print(const char* format, Values... values) {
     const int length = std::snprintf(next_, room() + 1, format, values...);
@@ -49,7 +49,7 @@ class Text {
 
  private:
   char* next_;
-  char* end_;  // the last character, kept for the zero
+  char* end_;  // the last character, reserved for the terminator
   char* begin_;
 };
 
@@ -60,7 +60,7 @@ struct Arguments {
 // One conversion: "%", flags, width, precision, length and type.
 struct Conversion {
   std::string_view flags;
-  int width = 0;       // negative as the flag "-" has it
+  int width = 0;       // negative: left-aligned, as the flag "-"
   int precision = -1;  // negative: not given
   std::string_view length;
   char type = '\0';
@@ -69,7 +69,7 @@ struct Conversion {
   bool is(std::string_view modifier) const { return length == modifier; }
 };
 
-// Reads what `characters` holds, as far as it goes.
+// Reads the longest run of characters that `characters` contains.
 std::string_view take_any_of(const char*& at, const char* characters) {
   const std::size_t count = std::strspn(at, characters);
   at += count;
@@ -87,7 +87,7 @@ int take_number(const char*& at, Arguments& arguments) {
   return number;
 }
 
-// From behind the "%" to behind the type.
+// Reads from the character after the "%" to the type, inclusive.
 Conversion take_conversion(const char*& at, Arguments& arguments) {
   Conversion conversion;
   conversion.flags = take_any_of(at, "-+ #0");
@@ -102,13 +102,13 @@ Conversion take_conversion(const char*& at, Arguments& arguments) {
   return conversion;
 }
 
-// The same conversion for the run-time library, with width and precision as arguments. False where it is too long.
+// The same conversion for the run-time library, with width and precision as arguments. Returns false if it is too long.
 bool rebuild(const Conversion& conversion, char (&format)[32]) {
   if (conversion.flags.size() + conversion.length.size() > 24) return false;
   char* at = format;
   *at++ = '%';
   at = std::copy(conversion.flags.begin(), conversion.flags.end(), at);
-  const std::string_view numbers = conversion.type == 'p' ? "*" : "*.*";  // an address takes no precision
+  const std::string_view numbers = conversion.type == 'p' ? "*" : "*.*";  // an address has no precision
   at = std::copy(numbers.begin(), numbers.end(), at);
   at = std::copy(conversion.length.begin(), conversion.length.end(), at);
   *at++ = conversion.type;
@@ -116,9 +116,9 @@ bool rebuild(const Conversion& conversion, char (&format)[32]) {
   return true;
 }
 
-// "%f" by std::to_chars, which asks for no locale and takes a third of the time.
+// "%f" by std::to_chars, which does not use the locale and takes a third of the time.
 void put_fixed(Text& text, const Conversion& conversion, double value) {
-  constexpr int most_places = 1074;  // of a double; behind them there are zeros only
+  constexpr int most_places = 1074;  // of a double; all further places are zeros
   char digits[309 + 1 + most_places];
   const int precision = conversion.precision < 0 ? 6 : conversion.precision;
   std::string_view number;
@@ -149,7 +149,7 @@ void put_fixed(Text& text, const Conversion& conversion, double value) {
   if (left) text.put(padding, ' ');
 }
 
-// The other ways to write a number with a point: the run-time library's, with its locale's point exchanged.
+// The other conversions with a decimal point: by the run-time library, with the locale's decimal point replaced.
 template <typename Value>
 bool print_with_point(Text& text, const char* format, const Conversion& conversion, Value value) {
   char* const start = text.next();

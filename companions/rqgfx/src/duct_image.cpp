@@ -16,7 +16,7 @@ hnDuctImage* rq_duct_image_from_dib(HBITMAP bitmap) try {
   constexpr std::uint32_t opaque = 0xFF000000;
   DIBSECTION section{};
   if (GetObjectA(bitmap, sizeof section, &section) != sizeof section || section.dsBmih.biBitCount != 32) return nullptr;
-  GdiFlush();  // what was drawn may be held back
+  GdiFlush();  // GDI batches drawing calls
 
   const int width = section.dsBm.bmWidth, height = section.dsBm.bmHeight;
   const auto* pixels = static_cast<const std::uint32_t*>(section.dsBm.bmBits);

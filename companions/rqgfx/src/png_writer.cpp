@@ -1,7 +1,7 @@
-#include <rqgfx/png_writer.h>
-
 #include <atlbase.h>
 #include <wincodec.h>
+
+#include <rqgfx/png_writer.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +14,7 @@ namespace {
 
 constexpr int rows_of_a_band = 32;
 
-// Keeps COM on this thread for as long as it lives; a thread that has it already keeps its own way.
+// Keeps COM initialised on this thread while the object exists, unless it is already initialised.
 class ComOnThread {
  public:
   ComOnThread() : result_(CoInitializeEx(nullptr, COINIT_MULTITHREADED)) {}
@@ -31,7 +31,7 @@ class ComOnThread {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
 
-// A stream that can only be written to, from its beginning to its end. Lives on the stack: it outlives the encoder.
+// A write-only stream without seeking. It is on the stack and outlives the encoder, so references are not counted.
 class SinkStream final : public IStream {
  public:
   SinkStream(rqPNGWriterDuctImage::Sink sink, void* context) : sink_(sink), context_(context) {}
@@ -49,13 +49,13 @@ class SinkStream final : public IStream {
 
   STDMETHODIMP Write(const void* data, ULONG count, ULONG* written) override {
     if (written) *written = 0;
-    if (!sink_(context_, static_cast<const unsigned char*>(data), count)) return E_FAIL;
+    if (!is_taken(static_cast<const unsigned char*>(data), count)) return E_FAIL;
     position_ += count;
     if (written) *written = count;
     return S_OK;
   }
   STDMETHODIMP Seek(LARGE_INTEGER distance, DWORD from, ULARGE_INTEGER* position) override {
-    const auto here = static_cast<LONGLONG>(position_);  // which is the end as well
+    const auto here = static_cast<LONGLONG>(position_);  // also the end
     if ((from == STREAM_SEEK_SET ? distance.QuadPart : here + distance.QuadPart) != here) return STG_E_INVALIDFUNCTION;
     if (position) position->QuadPart = position_;
     return S_OK;
@@ -76,6 +76,11 @@ class SinkStream final : public IStream {
   STDMETHODIMP Clone(IStream**) override { return E_NOTIMPL; }
 
  private:
+  // No exception may propagate: the encoder's stack frames are between this function and the caller.
+  bool is_taken(const unsigned char* data, ULONG count) try { return sink_(context_, data, count); } catch (...) {
+    return false;
+  }
+
   rqPNGWriterDuctImage::Sink sink_;
   void* context_;
   ULONGLONG position_ = 0;
@@ -83,7 +88,7 @@ class SinkStream final : public IStream {
 
 #pragma GCC diagnostic pop
 
-// Whether most pixels equal their left neighbours, in one row of each band: filters would spoil such pictures.
+// Whether most pixels equal their left neighbours, sampled in one row of each band: filters make such files larger.
 bool is_flat(const hnDuctImage& image) {
   LONGLONG equal = 0, all = 0;
   for (int y = 0; y < image.height(); y += rows_of_a_band) {
@@ -104,7 +109,7 @@ HRESULT set_filter(IPropertyBag2* options, WICPngFilterOption filter) {
   return options->Write(1, &option, &value);
 }
 
-// What WIC takes of a band, and how long its rows are.
+// A band in the format that is passed to WIC; the stride is in bytes.
 struct Band {
   BYTE* bytes;
   UINT stride;
@@ -157,6 +162,8 @@ HRESULT encode(hnDuctImage* image, IStream* stream, int filter, int bits) {
   return result;
 }
 
+bool has_pixels(const hnDuctImage* image) { return image && image->width() > 0 && image->height() > 0; }
+
 bool write_to_stream(void* stream, const unsigned char* data, unsigned __int64 count) {
   auto& file = *static_cast<std::ofstream*>(stream);
   return static_cast<bool>(file.write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(count)));
@@ -165,16 +172,19 @@ bool write_to_stream(void* stream, const unsigned char* data, unsigned __int64 c
 }  // namespace
 
 int rqPNGWriterDuctImage::write_file(hnDuctImage* image, Sink sink, void* context, int filter, int bits) try {
-  if (!image || image->width() < 1 || image->height() < 1) return 0;
+  if (!has_pixels(image)) return 0;
   SinkStream stream(sink, context);
   return SUCCEEDED(encode(image, &stream, filter, bits));
 } catch (const std::bad_alloc&) {
   return 0;
 }
 
-int rqPNGWriterDuctImage::write_file(hnDuctImage* image, const bzString& path, int filter, int bits) {
+int rqPNGWriterDuctImage::write_file(hnDuctImage* image, const bzString& path, int filter, int bits) try {
+  if (!has_pixels(image)) return 0;  // before an existing file is truncated
   std::ofstream file(path.c_str(), std::ios::binary | std::ios::trunc);
   if (!file || !write_file(image, write_to_stream, &file, filter, bits)) return 0;
   file.close();
   return !file.fail();
+} catch (const std::bad_alloc&) {
+  return 0;
 }

@@ -1,11 +1,12 @@
-#include <wbzframe/themed_std_button.h>
-
+#include <windows.h>
 #include <uxtheme.h>
 #include <vsstyle.h>
 
+#include <wbzframe/themed_std_button.h>
+
 namespace {
 
-// The visual style of a window's buttons, while it is drawn with.
+// The visual style of a window's buttons, open while the object exists.
 class ButtonTheme {
  public:
   explicit ButtonTheme(HWND window) : theme_(window ? OpenThemeData(window, L"BUTTON") : nullptr) {}

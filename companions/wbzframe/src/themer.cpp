@@ -12,7 +12,7 @@ std::shared_ptr<wbzThemer> wbzThemer::create(std::shared_ptr<wbzThemeDrawer> dra
   return std::shared_ptr<wbzThemer>(new wbzThemer(std::move(drawer), std::move(second)));
 }
 
-// By value, as its users call it.
+// By value, since callers depend on this signature.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool wbzThemer::can_draw(std::shared_ptr<wbzThemer> themer) {
   if (!themer || (!themer->drawer_ && !themer->second_)) return false;

@@ -1,10 +1,9 @@
-#include "digit_control.h"
+#include <digit_control/digit_control.h>
+#include <digit_control/state.h>
 
 #include <algorithm>
 #include <climits>
 #include <new>
-
-#include "state.h"
 
 namespace {
 
@@ -16,7 +15,7 @@ constexpr int smallest_digit = 6, largest_digit = 1000;  // pixels
 const wchar_t* const no_line = L"There is no such line.";
 const wchar_t* const not_shown = L"This value cannot be shown.";
 
-// The result, with a text for whoever asks the thread for it.
+// Stores a text in the thread's error object and returns the result.
 HRESULT refuse(HRESULT result, const wchar_t* why) {
   CComPtr<ICreateErrorInfo> error;
   if (FAILED(CreateErrorInfo(&error))) return result;
@@ -50,7 +49,7 @@ SIZE natural_size_with(DigitDisplay display, int digit_height) {
   return display.natural_size();
 }
 
-// The largest digits with which the display is no larger than the room; the smallest ones where none are.
+// The largest digits that fit the available size; the smallest digits if none fit.
 int largest_digit_in(const DigitDisplay& display, SIZE room) {
   int fits = smallest_digit, too_large = largest_digit + 1;
   while (too_large - fits > 1) {
@@ -217,7 +216,7 @@ HRESULT DigitControlObject::get_Font(IDispatch** font) {
   return font_ ? font_.QueryInterface(font) : S_OK;
 }
 
-// The font is shared with whoever gave it: what is changed there later is seen here.
+// The font is shared with the caller: later changes to it are visible here.
 HRESULT DigitControlObject::putref_Font(IDispatch* font) {
   CComQIPtr<IFontDisp> shared(font);
   if (!shared || FAILED(use(shared))) return refuse(E_INVALIDARG, L"This is no font.");
@@ -284,7 +283,7 @@ void DigitControlObject::set_values(std::initializer_list<double> values) {
 }
 
 HRESULT DigitControlObject::CalculateOptimizeSize() {
-  extent_ = {};  // from now on, until the host says otherwise, it is the natural one
+  extent_ = {};  // the natural size, until the host sets another one
   if (!window_) return S_OK;
   RECT place;
   window_.GetWindowRect(&place);
@@ -292,7 +291,7 @@ HRESULT DigitControlObject::CalculateOptimizeSize() {
   const SIZE size = natural_size();
   place.right = place.left + size.cx;
   place.bottom = place.top + size.cy;
-  // Whether there is room is the host's to say.
+  // The host decides whether there is room.
   if (CComQIPtr<IOleInPlaceSite> in_place{site_}) in_place->OnPosRectChange(&place);
   return S_OK;
 }
@@ -327,7 +326,7 @@ HRESULT DigitControlObject::GetOptimalFontSize(LONG height, CURRENCY* size) {
   return S_OK;
 }
 
-// In that font size, or in the largest one that the height has room for.
+// For that font size, or for the largest one that fits the height.
 HRESULT DigitControlObject::GetOptimalWidth2(short height, CURRENCY size, short* width) {
   if (!width) return E_POINTER;
   *width = 0;
@@ -371,7 +370,7 @@ HRESULT DigitControlObject::Save(IStream* stream, BOOL clear_dirty) try {
   return E_OUTOFMEMORY;
 }
 
-// A state that is none leaves everything as it was.
+// An invalid state changes nothing.
 HRESULT DigitControlObject::Load(IStream* stream) try {
   if (!stream) return E_POINTER;
   StateReader reader(stream);

@@ -5,15 +5,15 @@
 #include <digits.h>
 #include <in_process_server.h>
 
-#include "digit_display.h"
-#include "font_watch.h"
-#include "ole_control.h"
+#include <digit_control/digit_display.h>
+#include <digit_control/font_watch.h>
+#include <digit_control/ole_control.h>
 
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
 
-// Members refuse what they cannot show with E_INVALIDARG and lines that there are not with DISP_E_BADINDEX, and say why
-// in the thread's error object; everything stays as it was then.
+// Members fail with E_INVALIDARG for values that cannot be shown and with DISP_E_BADINDEX for lines that do not exist.
+// They store the reason in the thread's error object and change nothing.
 class DigitControlObject final
     : public in_process::Counted<IDigits, IPersistStreamInit, ISupportErrorInfo, OleControl> {
  public:
@@ -104,7 +104,7 @@ class DigitControlObject final
   void activated() override;
   void tick() override;
 
-  // Automation's types and ours.
+  // Conversions between automation's types and C++ types.
   static void convert(short from, short& to) { to = from; }
   static void convert(double from, double& to) { to = from; }
   static void convert(LONG from, COLORREF& to) { to = static_cast<COLORREF>(from); }

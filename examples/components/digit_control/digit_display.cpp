@@ -1,6 +1,6 @@
-#include "digit_display.h"
-
 #include <olectl.h>
+
+#include <digit_control/digit_display.h>
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +20,7 @@ COLORREF between(COLORREF one, COLORREF other) {
              middle(GetBValue(one), GetBValue(other)));
 }
 
-// Selects an object of its own for as long as it lives.
+// Owns a GDI object and keeps it selected during its lifetime.
 class Selected {
  public:
   Selected(HDC dc, HGDIOBJ object) : dc_(dc), object_(object), before_(SelectObject(dc, object)) {}
@@ -53,7 +53,7 @@ int width_of(HDC dc, const std::wstring& text) {
   return size.cx;
 }
 
-// Where everything is, in units of which `scale` make a pixel; from the block's own top left corner.
+// The layout, relative to the block's top left corner, in units of 1 / `scale` pixel.
 struct Layout {
   int scale, digit_height, text_height, stroke, slant, cell, gap, point, margin, frame, line_gap;
   int titles = 0, heading = 0;  // widths and heights with the space after them
@@ -90,14 +90,14 @@ struct Layout {
   }
 };
 
-// The bars that make a figure, clockwise from the top, and the middle one last.
+// The bars of a figure: clockwise from the top, the middle bar last.
 int bars_of(char figure) {
   constexpr int bars[] = {0x3F, 0x06, 0x5B, 0x4F, 0x66, 0x6D, 0x7D, 0x07, 0x7F, 0x6F};
   if (figure == '-') return 0x40;
   return figure >= '0' && figure <= '9' ? bars[figure - '0'] : 0;
 }
 
-// A bar between two places, pointed at its ends, with a fine line to its neighbours.
+// A bar between two points, with pointed ends and a thin gap to its neighbours.
 void draw_bar(HDC dc, POINT from, POINT to, int stroke, int slant, int slant_height, POINT corner) {
   const int half = stroke / 2, away = std::max(stroke / 8, 1);
   POINT points[6];
@@ -143,7 +143,7 @@ void draw_figure(HDC dc, const Layout& layout, short type, POINT corner, char fi
   draw_text(dc, std::wstring(1, static_cast<wchar_t>(figure)), place, DT_CENTER | DT_VCENTER, color);
 }
 
-// On the ground that the digits stand on.
+// Draws the point on the baseline of the digits.
 void draw_point(HDC dc, const Layout& layout, short type, POINT corner, COLORREF color) {
   const LONG bottom = corner.y + layout.digit_height;
   if (type == DigitLook::glyphs) {
@@ -194,7 +194,7 @@ void draw_block(HDC dc, const Layout& layout, const DigitDisplay& display, POINT
     }
   }
   const Selected digit_font(dc, CreateFontIndirectW(&large_font));
-  // The digits stand at the right, whatever the heading needs.
+  // The digits are right-aligned, whatever the width of the heading.
   x = corner.x + layout.width - layout.margin - layout.line_width;
   for (const DigitLine& line : display.lines) {
     if (look.has_line_borders) {
@@ -221,7 +221,7 @@ void draw_border(HDC dc, RECT place, const DigitLook& look) {
   }
 }
 
-// A bitmap to draw in, larger than what it is for, which makes for smooth edges.
+// A bitmap to draw in, larger than the target: scaling it down makes the edges smooth.
 class Canvas {
  public:
   Canvas(HDC screen, int width, int height)
@@ -282,7 +282,7 @@ void DigitDisplay::draw(HDC dc, const RECT& place, bool lit) const {
   const Canvas canvas(dc, width * scale, height * scale);
   fill(canvas.dc(), {0, 0, width * scale, height * scale}, rgb(look.back));
   const Layout layout(canvas.dc(), *this, scale);
-  // On whole pixels, where the digits' straight edges are sharp.
+  // Aligned to whole pixels, so that the digits' straight edges are sharp.
   const auto in_the_middle = [=](int room, int needed) { return (room - needed / scale) / 2 * scale; };
   draw_block(canvas.dc(), layout, *this, {in_the_middle(width, layout.width), in_the_middle(height, layout.height)},
              lit);

@@ -1,4 +1,4 @@
-// Lines of digits: what they look like, how large they are, and their drawing. It knows nothing of COM.
+// Lines of digits: their appearance, size and drawing. Independent of COM.
 //
 //     +-----------------------+
 //     | Text                  |    the heading
@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-// Numbers and switches only: a saved state holds it as it is.
+// Numbers and flags only. A saved state contains all members.
 struct DigitLook {
   enum Type : short { segments, glyphs };  // seven bars each, or the font's own figures
 
@@ -35,10 +35,10 @@ struct DigitLook {
   bool has_line_borders = false;
   bool is_enabled = true;
   bool finds_own_size = true;
-  double lower = -1e300;  // values beyond the bounds are in colours of their own
+  double lower = -1e300;  // values beyond the bounds have separate colours
   double upper = 1e300;
 
-  // What a setting may be.
+  // The valid settings.
   static constexpr short most_digits = 32, most_lines = 64, most_decimals = 15, largest_gap = 200;
   bool is_sound() const;
 };
@@ -50,18 +50,18 @@ struct DigitLine {
 
 struct DigitDisplay {
   DigitLook look;
-  LOGFONTW font = {};  // its height, in pixels, is that of a digit
+  LOGFONTW font = {};  // its height is the height of a digit, in pixels
   std::wstring text;
   std::vector<DigitLine> lines = std::vector<DigitLine>(1);
 
-  // The size at which nothing is cut off, in pixels.
+  // The size in pixels at which nothing is clipped.
   SIZE natural_size() const;
-  // Into a rectangle of that or any other size, in the middle of it. `lit` is for digits that flash.
+  // Draws in the middle of a rectangle of any size. `lit` applies to digits that flash.
   void draw(HDC dc, const RECT& place, bool lit = true) const;
 };
 
-// The characters of the cells from left to right, and the point, if there is one, where it comes; a dash for each cell
-// where the number has no room.
+// The characters of the cells from left to right, with the point, if any, at its position. If the number does not fit,
+// each cell contains a dash.
 std::string digits_of(double value, short digits, short precision);
 
 #endif

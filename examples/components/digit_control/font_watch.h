@@ -22,7 +22,7 @@ class FontWatch {
     stop();
     CComQIPtr<IConnectionPointContainer> points(font);
     if (!points || FAILED(points->FindConnectionPoint(IID_IPropertyNotifySink, &point_))) return;
-    // An object of its own: the font outlives its watch where others hold it, and must not hold the watch's owner.
+    // A separate object: the font may outlive the watch, and must not hold a reference to the watch's owner.
     sink_.Attach(new Sink(this));
     if (FAILED(point_->Advise(sink_, &cookie_))) stop();
   }

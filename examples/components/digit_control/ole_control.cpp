@@ -1,4 +1,4 @@
-#include "ole_control.h"
+#include <digit_control/ole_control.h>
 
 namespace {
 

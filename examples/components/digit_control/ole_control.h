@@ -1,4 +1,4 @@
-// The OLE side of a control that has a window while it is active: what its host asks of it.
+// The OLE interfaces for the host of a control that has a window while it is active.
 #ifndef EXAMPLES_COMPONENTS_DIGIT_CONTROL_OLE_CONTROL_H
 #define EXAMPLES_COMPONENTS_DIGIT_CONTROL_OLE_CONTROL_H
 
@@ -53,11 +53,11 @@ class OleControl : public IOleObject, public IOleInPlaceObject, public IViewObje
   OleControl() = default;
   ~OleControl() { OleControl::InPlaceDeactivate(); }
 
-  // The control's own size, in pixels, and whether it keeps to it whatever its host says.
+  // The control's natural size, in pixels, and whether it keeps that size and ignores the host's.
   virtual SIZE natural_size() const = 0;
   virtual bool keeps_natural_size() const = 0;
   virtual void paint(HDC dc, const RECT& place) const = 0;
-  virtual void activated() = 0;  // there is a window now
+  virtual void activated() = 0;  // the window was created
   virtual void tick() = 0;       // of the window's timer
 
   class Window : public CWindowImpl<Window, CWindow, CControlWinTraits> {
@@ -72,7 +72,7 @@ class OleControl : public IOleObject, public IOleInPlaceObject, public IViewObje
 
    private:
     LRESULT on_paint(UINT, WPARAM, LPARAM, BOOL&);
-    LRESULT on_erase(UINT, WPARAM, LPARAM, BOOL&) { return TRUE; }  // painting covers all of it
+    LRESULT on_erase(UINT, WPARAM, LPARAM, BOOL&) { return TRUE; }  // painting covers the whole client area
     LRESULT on_timer(UINT, WPARAM, LPARAM, BOOL&);
 
     OleControl& owner_;
@@ -80,7 +80,7 @@ class OleControl : public IOleObject, public IOleInPlaceObject, public IViewObje
 
   CComPtr<IOleClientSite> site_;
   Window window_{*this};
-  SIZEL extent_ = {0, 0};  // the host's, in hundredths of a millimetre; 0: none yet
+  SIZEL extent_ = {0, 0};  // set by the host, in hundredths of a millimetre; 0: not set
 };
 
 #pragma GCC diagnostic pop

@@ -1,5 +1,5 @@
-// What COM calls of digit_control.dll.
-#include "digit_control.h"
+// The functions of digit_control.dll that COM calls.
+#include <digit_control/digit_control.h>
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID wanted, void** object) {
   *object = nullptr;

@@ -1,16 +1,15 @@
-// What a display is saved as: the same list of values, written to a stream or read from one.
+// The saved state of a display: one list of values, written to a stream or read from it.
 #ifndef EXAMPLES_COMPONENTS_DIGIT_CONTROL_STATE_H
 #define EXAMPLES_COMPONENTS_DIGIT_CONTROL_STATE_H
 
 #include <windows.h>
-
 #include <objidl.h>
+
+#include <digit_control/digit_display.h>
 
 #include <string>
 
-#include "digit_display.h"
-
-constexpr size_t longest_text = 1000;  // of titles and the like
+constexpr size_t longest_text = 1000;  // of titles, headings and font names
 
 class StateWriter {
  public:
@@ -66,7 +65,7 @@ class StateReader {
   void read(void* bytes, size_t count) {
     ULONG had = 0;
     if (SUCCEEDED(result)) result = stream_->Read(bytes, static_cast<ULONG>(count), &had);
-    if (SUCCEEDED(result) && had != count) result = E_FAIL;  // the end comes early
+    if (SUCCEEDED(result) && had != count) result = E_FAIL;  // the stream is too short
   }
 
   IStream* stream_;

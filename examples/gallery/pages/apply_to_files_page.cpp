@@ -1,12 +1,11 @@
 // Apply to files: an operation on every file below a folder whose name matches a pattern.
-#include <page.h>
-#include <tour.h>
-
 #include <kexlib/text.h>
 
+#include <atlcomcli.h>
 #include <shlobj.h>
 
-#include <atlcomcli.h>
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <filesystem>
 #include <fstream>
@@ -20,7 +19,7 @@ enum { id_pattern = 100, id_list, id_enter_build, id_shortcuts, id_first_only, i
 
 namespace fs = std::filesystem;
 
-// A folder that was not there before, for as long as this object lives.
+// Creates a new folder, and deletes it with the object.
 class NewFolder {
  public:
   explicit NewFolder(fs::path path) : path_(std::move(path)) {
@@ -39,7 +38,7 @@ class NewFolder {
   fs::path path_;
 };
 
-// A small project in a folder below the current one.
+// A small project in a folder below the current folder.
 class SampleProject {
  public:
   SampleProject() {

@@ -1,16 +1,16 @@
-// Bitmap buttons: the types of them, enabled and disabled, with tooltips.
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
+// Bitmap buttons: all types, enabled and disabled, with tooltips.
 #include <kexlib/controls.h>
+
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 #include <deque>
 #include <iterator>
 
 namespace {
 
-// A button's type is its place in the table of types, and its identifier from one of these on.
+// The identifier of a button is one of these bases plus the index of its type in the table of types.
 enum { id_enabled = 100, id_disabled = 110, id_clicked = 120, id_picture };
 
 constexpr struct {
@@ -37,7 +37,7 @@ class BitmapButtonPage : public gallery::Page {
 
  private:
   void add_controls() override {
-    ModifyStyle(WS_CLIPCHILDREN, 0);  // the buttons have the page paint what lies behind them
+    ModifyStyle(WS_CLIPCHILDREN, 0);  // the buttons let the page paint their background
     take_place(label_width, 16);
     for (const auto& type : types) add(WC_STATIC, type.name, 0, -1, column - gap, 16);
     add_line("Enabled:", id_enabled, 0);
@@ -59,7 +59,7 @@ class BitmapButtonPage : public gallery::Page {
       take_place(column - button_width - 2 * gap, button_height);
       kexWTLBitmapButton& button = buttons_.emplace_back(types[i].type);
       button.SetInfo(window, &images_, IDB_SAVE, "Save the file", module);
-      save_.push_back(images_.GetImageCount() - 2);  // SetInfo has added the picture and its disabled look
+      save_.push_back(images_.GetImageCount() - 2);  // SetInfo has added the picture and its disabled version
       print_.push_back(button.AddImage(&images_, IDB_PRINT, module));
     }
   }
@@ -78,12 +78,12 @@ class BitmapButtonPage : public gallery::Page {
   }
 
   WTL::CImageListT<false> images_;
-  std::deque<kexWTLBitmapButton> buttons_;  // which stay where they are: their windows refer to them
-  std::vector<int> save_, print_;           // the numbers of their pictures
+  std::deque<kexWTLBitmapButton> buttons_;  // a deque does not move them: their windows refer to them
+  std::vector<int> save_, print_;           // the indexes of their pictures
   bool prints_ = false;
 };
 
-// The tooltip that is shown now, of the gallery's thread.
+// The visible tooltip of the gallery's thread.
 std::string shown_tooltip(HWND frame) {
   std::string text;
   EnumThreadWindows(
@@ -106,7 +106,7 @@ std::string shown_tooltip(HWND frame) {
 
 void tour(gallery::Tour& user) {
   constexpr COLORREF blue = RGB(40, 90, 190), printer = RGB(190, 195, 200);
-  // A place in the picture, which stands in the middle of the button.
+  // A position in the picture, which is centred in the button.
   const auto color = [&](int id, int x, int y) {
     return gallery::Tour::color_at(user.control(id), (button_width - picture_size) / 2 + x,
                                    (button_height - picture_size) / 2 + y);
@@ -140,7 +140,7 @@ void tour(gallery::Tour& user) {
 
   user.click(id_picture);
   user.check("a plain button has no edge otherwise", [&] {
-    // A leave that was too fast for the system to see is made up for by the next one.
+    // The system can miss a leave that is too fast. In that case, the mouse leaves again.
     if (edge() != face) {
       user.point_at(user.control(id_enabled + plain));
       user.point_at(user.control(id_picture));

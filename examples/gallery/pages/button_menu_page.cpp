@@ -1,9 +1,9 @@
-// Button menu: a button, and beside it a small one with an arrow that opens a menu of what else there is.
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
+// Button menu: a button, and beside it a small arrow button that opens a menu of further commands.
 #include <kexlib/controls.h>
+
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 namespace {
 

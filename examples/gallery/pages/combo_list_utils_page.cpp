@@ -1,8 +1,8 @@
 // Combo box and list view utilities: filling a combo box, and reading a list view's selection and its texts.
-#include <page.h>
-#include <tour.h>
-
 #include <kexlib/windowtools.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <string>
 
@@ -87,7 +87,7 @@ void tour(gallery::Tour& user) {
   user.press(VK_RETURN);
   user.check_text(id_combo, "inch");
 
-  // The first row, and with Control and the blank the third.
+  // Selects the first row, and the third with Control and the space bar.
   user.click(id_list);
   user.press(VK_HOME);
   user.press_with(VK_CONTROL, VK_DOWN);

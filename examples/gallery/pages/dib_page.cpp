@@ -1,18 +1,19 @@
-// Every effect of the DIB, each beside the picture that it was made from.
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
+// Every effect of the DIB, beside the original picture.
 #include <kexlib/imaging.h>
+
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 #include <deque>
 #include <iterator>
+#include <string_view>
 
 namespace {
 
 constexpr int picture_size = 64;
 
-// An effect's pictures have its place in the table of effects as identifier, from these on.
+// The identifiers of an effect's two pictures are these bases plus its index in the table of effects.
 enum { id_blue = 100, id_red, id_violet, id_original = 200, id_result = 300 };
 
 struct Tint {
@@ -27,32 +28,18 @@ constexpr COLORREF white = RGB(255, 255, 255);
 
 COLORREF face() { return GetSysColor(COLOR_BTNFACE); }
 
-// What the effects are made with.
+// The pictures and the colours that the effects use.
 struct Ingredients {
   kexWTLDIB as_loaded, landscape, sign;
   const Tint* tint = tints;
 };
 
-enum {
-  transparent,
-  tinted,
-  insensitive,
-  stippled,
-  down,
-  merged,
-  raised,
-  sunken,
-  flat,
-  flat_raised,
-  flat_sunken,
-  filled
-};
-
-// The effects, in the order of their numbers.
-constexpr struct {
+// The effects, in the order of the page.
+struct Effect {
   const char* name;
   void (*apply)(kexWTLDIB& picture, Ingredients& with);
-} effects[] = {
+};
+constexpr Effect effects[] = {
     {"Made transparent", [](kexWTLDIB& picture, Ingredients& with) { picture.copy_from(&with.landscape); }},
     {"Tinted",
      [](kexWTLDIB& picture, Ingredients& with) {
@@ -72,6 +59,14 @@ constexpr struct {
 };
 constexpr int effect_count = std::size(effects);
 
+// The index of an effect in the table. An unknown name does not compile.
+consteval int effect(std::string_view name) {
+  int place = 0;
+  while (effects[place].name != name) ++place;
+  return place;
+}
+constexpr int transparent = effect("Made transparent");
+
 class DibPage : public gallery::Page {
  public:
   BEGIN_MSG_MAP(DibPage)
@@ -90,24 +85,23 @@ class DibPage : public gallery::Page {
       add(WC_BUTTON, tint.name, BS_AUTORADIOBUTTON | (tint.id == id_blue ? WS_GROUP | WS_TABSTOP : 0), tint.id, 70);
     CheckRadioButton(m_hWnd, id_blue, id_violet, id_blue);
     constexpr int in_a_line = 4;
-    for (int effect = 0; effect < effect_count; effect += in_a_line) add_line(effect, in_a_line);
+    for (int first = 0; first < effect_count; first += in_a_line) add_line(first, in_a_line);
     show_originals();
     show_results();
   }
 
-  // Names, and below each of them the two pictures.
+  // The names, each with its two pictures below it.
   void add_line(int first, int count) {
     constexpr int space = 12;
     new_line(24);
-    for (int effect = first; effect < first + count; ++effect) {
-      add(WC_STATIC, effects[effect].name, WS_GROUP, -1, 2 * picture_size + gap, 16);
+    for (int i = first; i < first + count; ++i) {
+      add(WC_STATIC, effects[i].name, WS_GROUP, -1, 2 * picture_size + gap, 16);
       take_place(space, 0);
     }
     new_line(4);
-    for (int effect = first; effect < first + count; ++effect) {
+    for (int i = first; i < first + count; ++i) {
       for (const int id : {id_original, id_result})
-        pictures_.emplace_back().get_static().Attach(
-            add(WC_STATIC, "", SS_BITMAP, id + effect, picture_size, picture_size));
+        pictures_.emplace_back().get_static().Attach(add(WC_STATIC, "", SS_BITMAP, id + i, picture_size, picture_size));
       take_place(space, 0);
     }
   }
@@ -117,19 +111,19 @@ class DibPage : public gallery::Page {
   }
 
   void show_originals() {
-    for (int effect = 0; effect < effect_count; ++effect) {
+    for (int i = 0; i < effect_count; ++i) {
       kexWTLDIB original;
-      original.copy_from(effect == transparent ? &with_.as_loaded : &with_.landscape);
-      show(2 * effect, original);
+      original.copy_from(i == transparent ? &with_.as_loaded : &with_.landscape);
+      show(2 * i, original);
     }
   }
 
   void show_results() {
-    for (int effect = 0; effect < effect_count; ++effect) {
+    for (int i = 0; i < effect_count; ++i) {
       kexWTLDIB result;
       result.copy_from(&with_.landscape);
-      effects[effect].apply(result, with_);
-      show(2 * effect + 1, result);
+      effects[i].apply(result, with_);
+      show(2 * i + 1, result);
     }
   }
 
@@ -145,18 +139,23 @@ class DibPage : public gallery::Page {
 };
 
 void tour(gallery::Tour& user) {
-  const auto original = [&](int effect, int x, int y) {
-    return gallery::Tour::color_at(user.control(id_original + effect), x, y);
+  const auto original = [&](int place, int x, int y) {
+    return gallery::Tour::color_at(user.control(id_original + place), x, y);
   };
-  const auto result = [&](int effect, int x, int y) {
-    return gallery::Tour::color_at(user.control(id_result + effect), x, y);
+  const auto result = [&](int place, int x, int y) {
+    return gallery::Tour::color_at(user.control(id_result + place), x, y);
   };
-  const auto shows = [&](const std::string& promise, int effect, int x, int y, COLORREF color) {
-    user.check(promise, [&] { return result(effect, x, y) == color; });
+  const auto shows = [&](const std::string& promise, int place, int x, int y, COLORREF color) {
+    user.check(promise, [&] { return result(place, x, y) == color; });
   };
   constexpr COLORREF black = RGB(0, 0, 0), grey = RGB(128, 128, 128), magenta = RGB(255, 0, 255);
   constexpr POINT corner{2, 2}, mountain{20, 36}, snow{24, 22}, outline{31, 1};
   constexpr int middle = picture_size / 2, end = picture_size - 1;
+  constexpr int tinted = effect("Tinted"), insensitive = effect("Insensitive"), filled = effect("Filled");
+  constexpr int stippled = effect("Stippled"), down = effect("Down"), merged = effect("Merged with a sign");
+  constexpr int raised = effect("Button edge, raised"), sunken = effect("Button edge, sunken");
+  constexpr int flat = effect("Flat edge"), flat_raised = effect("Flat edge, raised");
+  constexpr int flat_sunken = effect("Flat edge, sunken");
   const COLORREF light = GetSysColor(COLOR_BTNHIGHLIGHT), shadow = GetSysColor(COLOR_BTNSHADOW);
 
   user.check("the picture has magenta around it", [&] { return original(transparent, corner.x, corner.y) == magenta; });
@@ -167,7 +166,7 @@ void tour(gallery::Tour& user) {
     user.click(tint.id);
     shows("a medium grey is tinted in the chosen colour", tinted, mountain.x, mountain.y, tint.mid);
     shows("black is tinted dark", tinted, outline.x, outline.y, tint.dark);
-    user.check("white is tinted nearly white", [&] {  // white itself is a step above the ramp's end
+    user.check("white is tinted nearly white", [&] {  // white is one step above the end of the ramp
       const COLORREF shown = result(tinted, snow.x, snow.y);
       constexpr int nearly = 250;
       return GetRValue(shown) > nearly && GetGValue(shown) > nearly && GetBValue(shown) > nearly;

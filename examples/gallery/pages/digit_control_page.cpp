@@ -1,41 +1,15 @@
-// The digit control, an ActiveX control that nobody registered, in the place of a placeholder.
+// The digit control, an ActiveX control that is not registered, and its wrapper.
+#include <kexlib/com.h>
+
 #include <afxwin.h>
 
-#include <page.h>
-#include <pages/sample_component.h>
-#include <tour.h>
-
-#include <kexlib/com.h>
+#include <gallery/page.h>
+#include <gallery/pages/sample_component.h>
+#include <gallery/tour.h>
 
 namespace {
 
 enum { id_placeholder = 100, id_value, id_show, id_italic, id_result, id_small };
-
-// The manifest of the component, in force on this thread as long as it lives.
-class Manifest {
- public:
-  Manifest() {
-    const std::string folder = gallery::components_folder();
-    const std::string path = reg_free_manifest_path(folder.c_str(), "digit_control.dll");
-    ACTCTXA wanted{};
-    wanted.cbSize = sizeof wanted;
-    wanted.dwFlags = ACTCTX_FLAG_ASSEMBLY_DIRECTORY_VALID;
-    wanted.lpSource = path.c_str();
-    wanted.lpAssemblyDirectory = folder.c_str();
-    context_ = CreateActCtxA(&wanted);
-    if (context_ != INVALID_HANDLE_VALUE) ActivateActCtx(context_, &cookie_);
-  }
-  Manifest(const Manifest&) = delete;
-  Manifest& operator=(const Manifest&) = delete;
-  ~Manifest() {
-    if (cookie_) DeactivateActCtx(0, cookie_);
-    if (context_ != INVALID_HANDLE_VALUE) ReleaseActCtx(context_);
-  }
-
- private:
-  HANDLE context_;
-  ULONG_PTR cookie_ = 0;
-};
 
 constexpr COLORREF paper = RGB(16, 24, 32), ink = RGB(80, 255, 120), unlit = RGB(28, 48, 44);
 
@@ -55,7 +29,7 @@ class DigitControlPage : public gallery::Page {
   void add_controls() override {
     const RECT place = take_place(420, 150);
     {
-      const Manifest in_force;
+      const gallery::SampleManifest in_force;
       view_.Attach(m_hWnd);
       if (!digits_.Create("", WS_CHILD | WS_VISIBLE, place, &view_, id_placeholder, nullptr, FALSE, nullptr)) {
         new_line();
@@ -90,10 +64,10 @@ class DigitControlPage : public gallery::Page {
     add(WC_STATIC, "", 0, id_result, 420);
   }
 
-  // The same control without its wrapper, in its natural size: a placeholder says where.
+  // The same control without its wrapper, in its natural size, in the place of a placeholder.
   void put_into_placeholder() {
     add(WC_STATIC, "", SS_BLACKRECT, id_small, 100, 60);
-    const Manifest in_force;
+    const gallery::SampleManifest in_force;
     const CString name = "{" + kexGUID(digits_.GetClsid()).get_str() + "}";
     small_ = CreateControl(m_hWnd, &small_host_, id_small, name);
   }
@@ -113,7 +87,7 @@ class DigitControlPage : public gallery::Page {
     return 0;
   }
 
-  CWnd view_;  // this window, as the control's class wants its parent
+  CWnd view_;  // this window, in the type that the control's class requires for its parent
   kexDigitOCX digits_;
   ATL::CAxWindow small_host_;
   ATL::CComPtr<IUnknown> small_;

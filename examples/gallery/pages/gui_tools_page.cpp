@@ -1,15 +1,14 @@
-// GUI tools: small things that dialogs do to their controls.
-#include <page.h>
-#include <tour.h>
-
+// GUI tools: static functions for the controls of dialogs.
 #include <kexlib/windowtools.h>
 
 #include <afxwin.h>
 
+#include <gallery/page.h>
+#include <gallery/texts.h>
+#include <gallery/tour.h>
+
 #include <string>
 #include <vector>
-
-#include "strings.h"
 
 namespace {
 
@@ -26,7 +25,7 @@ enum {
   id_inside,
   id_field
 };
-constexpr int id_show_button = 200, id_button = 300;  // and those that follow, one for each button
+constexpr int id_show_button = 200, id_button = 300;  // the first of one identifier for each button
 constexpr const char* buttons[] = {"New", "Open", "Print"};
 constexpr int button_count = 3, button_width = 80, button_gap = 4;
 
@@ -101,7 +100,7 @@ class GuiToolsPage : public gallery::Page {
 
   LRESULT OnFill(WORD, WORD, HWND, BOOL&) {
     unsigned views[] = {IDS_BASE + 40, IDS_BASE + 41, IDS_BASE + 42, IDS_BASE + 43};
-    kexGUITools::fill_combo_box_from_resource_ids(::GetModuleHandle("gallery_strings.dll"), combo_, views, 4);
+    kexGUITools::fill_combo_box_from_resource_ids(::GetModuleHandle("gallery_texts.dll"), combo_, views, 4);
     combo_.SetCurSel(0);
     show_width();
     return 0;
@@ -135,13 +134,13 @@ class GuiToolsPage : public gallery::Page {
     return 0;
   }
 
-  // The state of the box as MFC's dialogs get it.
+  // Reads the state of the box through MFC's dialog data exchange.
   LRESULT OnDetails(WORD, WORD, HWND, BOOL&) {
     CWnd page;
     page.Attach(m_hWnd);
     CDataExchange save(&page, TRUE);
     kexGUITools::ddx_check(&save, id_details, details_);
-    page.Detach();  // it would destroy the window
+    page.Detach();  // the destructor would destroy the window
     kexGUITools::show_contained_controls(m_hWnd, GetDlgItem(id_frame), details_ ? SW_SHOW : SW_HIDE);
     return 0;
   }

@@ -1,8 +1,8 @@
-// GUIDs: made when they are first read, as text with and without braces, and in their order.
-#include <page.h>
-#include <tour.h>
-
+// GUIDs: generated at the first read access, as text with and without braces, and sorted.
 #include <kexlib/com.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <set>
 
@@ -31,7 +31,7 @@ class GuidPage : public gallery::Page {
 
   LRESULT OnMake(WORD, WORD, HWND, BOOL&) {
     const kexGUID braced(kexWithBraces);
-    set_text(id_braced, braced.get_str());  // it gets its value here
+    set_text(id_braced, braced.get_str());  // generates the value
     set_text(id_plain, kexGUID(braced.get_GUID()).get_str());
     return 0;
   }

@@ -1,15 +1,15 @@
-// The table of windows by name: for the whole process, and in an MDI application for each child frame.
-#include <page.h>
-#include <tour.h>
-
+// The table of windows by name: one name space for the process, and in an MDI application one for each child frame.
 #include <kexlib/windowtools.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 namespace {
 
 enum { id_name = 100, id_make, id_destroy, id_colors, id_answer, id_view, id_panel = 200 };
 constexpr UINT_PTR timer_view = 1;
 
-// What is looked for by its name: an area of one colour.
+// The window that is found by its name: an area of one colour.
 class Panel : public ATL::CWindowImpl<Panel> {
  public:
   DECLARE_WND_CLASS_EX("kexlib_gallery_panel", 0, COLOR_WINDOW)
@@ -58,7 +58,7 @@ class HwndTablePage : public gallery::Page {
   kexHWNDTable& table() { return kexHWNDTable::singleton(); }
 
   LRESULT OnMake(WORD, WORD, HWND, BOOL&) {
-    if (panel_.m_hWnd) panel_.DestroyWindow();  // its name goes with it
+    if (panel_.m_hWnd) panel_.DestroyWindow();  // also removes its name
     if (!panel_.Create(m_hWnd, panel_place_, "", WS_CHILD | WS_VISIBLE, 0, static_cast<UINT>(id_panel))) return 0;
     const CString name = text_of(id_name);
     if (table().check_name(name, panel_)) {
@@ -94,7 +94,7 @@ class HwndTablePage : public gallery::Page {
     set_text(id_answer, answer);
   }
 
-  // Looks again and again: the answer is another one when another page comes to the front.
+  // Repeats the look-up: the result changes when another page is activated.
   LRESULT OnTimer(UINT, WPARAM, LPARAM, BOOL&) {
     const HWND view = table().get_handle("view");
     const CString title = view ? gallery::text_of(view) : CString();
@@ -132,7 +132,7 @@ void tour(gallery::Tour& user) {
   user.check_text(id_answer, "The name is taken in this page.");
   user.write(id_name, "outline");
 
-  // Another page comes to the front, where one is open: it has the name then.
+  // If another page is open, it is activated, and the name refers to it.
   const HWND frame = GetParent(user.page()), client = GetParent(frame);
   const bool alone = !GetWindow(frame, GW_HWNDNEXT) && !GetWindow(frame, GW_HWNDPREV);
   const auto in_front = [&] { return reinterpret_cast<HWND>(SendMessageA(client, WM_MDIGETACTIVE, 0, 0)); };

@@ -1,9 +1,9 @@
-// Image lists: the pictures of a list control as they are, disabled and tinted, and one that lies over the others.
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
+// Image lists: the pictures of a list control in their original colours, disabled and tinted, and an overlay picture.
 #include <kexlib/imaging.h>
+
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 #include <iterator>
 
@@ -60,7 +60,7 @@ class ImageListPage : public gallery::Page {
     images_.SetOverlayImage(tick, overlay);
   }
 
-  // Each look is a line of the list.
+  // One row of the list for each version.
   void insert(int image) {
     const size_t number = static_cast<size_t>(image);
     CString name = documents[number % std::size(documents)].name;
@@ -85,7 +85,7 @@ class ImageListPage : public gallery::Page {
 void tour(gallery::Tour& user) {
   enum { normal, disabled = 3, tinted = 6 };
   const HWND list = user.control(id_list);
-  // A place in a picture: the icon's place in the list, in the middle of which the picture stands.
+  // The colour of a pixel of a picture, which is centred in the icon rectangle of its item.
   const auto color = [&](int item, int x, int y) {
     RECT icon{LVIR_ICON, 0, 0, 0};
     SendMessageA(list, LVM_GETITEMRECT, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&icon));

@@ -1,8 +1,8 @@
-// A wait for a worker thread, during which the window goes on: it shows the progress and takes the click on Cancel.
-#include <page.h>
-#include <tour.h>
-
+// A wait for a worker thread. Meanwhile the window processes messages: it shows the progress and handles Cancel.
 #include <kexlib/messageloop.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <thread>
 
@@ -53,7 +53,7 @@ class MessageWaitPage : public gallery::Page {
     CloseHandle(cancelled_);
     CloseHandle(finished);
 
-    if (outcome == WAIT_OBJECT_0 + 2) {  // the application ends meanwhile, and this window is gone
+    if (outcome == WAIT_OBJECT_0 + 2) {  // WM_QUIT arrived during the wait, and this window is destroyed
       PostQuitMessage(static_cast<int>(quit.wParam));
       return 0;
     }

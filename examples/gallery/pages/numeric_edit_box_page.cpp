@@ -1,8 +1,8 @@
-// Numbers: a length in inches and in millimetres, each of which follows the other while the user types.
-#include <page.h>
-#include <tour.h>
-
+// Numbers: a length in inches and in millimetres. Typing in one box updates the other.
 #include <kexlib/controls.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +15,7 @@ enum { id_inches = 100, id_millimetres, id_bar, id_negative, id_places };
 constexpr int most_places = 6;
 constexpr int pixels_per_inch = 96, longest_bar = 640, bar_height = 12;
 
-// Values of one unit, in the other.
+// Converts values of one unit to the other.
 class Length : public kexNumberFormatting {
  public:
   Length(KRV_Units from, KRV_Units to, int places) : kexNumberFormatting(places, places, from, to) {}
@@ -57,7 +57,7 @@ class NumericEditBoxPage : public gallery::Page {
     box.SubclassWindow(add(WC_EDIT, "", WS_TABSTOP | WS_BORDER | ES_AUTOHSCROLL | ES_RIGHT, id, 90));
   }
 
-  // The other box has the same length in its unit, and the bar shows it.
+  // Shows the same length in the other box, in its unit, and on the bar.
   void follow(kexNumericEditBox& changed, kexNumericEditBox& other) {
     const bool is_inches = &changed == &inches_;
     Length length(is_inches ? KRV_Inches : KRV_Millimetres, is_inches ? KRV_Millimetres : KRV_Inches, most_places);
@@ -67,7 +67,7 @@ class NumericEditBoxPage : public gallery::Page {
                                     SWP_NOMOVE | SWP_NOZORDER);
   }
 
-  // A box that the user is in leads; the change of the other is its answer.
+  // Only the box with the focus updates the other one.
   LRESULT OnInches(WORD, WORD, HWND box, BOOL&) {
     if (::GetFocus() == box) follow(inches_, millimetres_);
     return 0;

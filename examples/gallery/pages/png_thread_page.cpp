@@ -1,8 +1,8 @@
-// PNG on a worker thread: the user's drawing is encoded into a buffer, which the page waits for and archives.
-#include <page.h>
-#include <tour.h>
-
+// PNG on a worker thread: the user's drawing is encoded into a buffer. The page waits for the buffer and archives it.
 #include <kexlib/imaging.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <iterator>
 
@@ -16,7 +16,7 @@ constexpr COLORREF paper = RGB(255, 252, 240);
 constexpr COLORREF inks[] = {RGB(200, 40, 40), RGB(40, 90, 200), RGB(30, 150, 50)};
 constexpr int radius = 12;
 
-// A picture that can be drawn into.
+// A picture to draw on.
 class Drawing : public kexWTLDIB {
  public:
   void dot(int x, int y, COLORREF ink) {
@@ -28,11 +28,11 @@ class Drawing : public kexWTLDIB {
     ::SelectObject(m_dc, brush);
   }
   void paint(WTL::CDC& to) { copy_to_dc(&to, 0, 0); }
-  // A copy for the encoder.
+  // Returns a copy for the encoder.
   std::unique_ptr<hnDuctImage> image() const { return std::unique_ptr<hnDuctImage>(rq_duct_image_from_dib(m_bitmap)); }
 };
 
-// Where the user draws: each click leaves a dot, in the next colour; dragging leaves a line of them.
+// The drawing area: a click draws a dot in the next colour; dragging draws a line of dots.
 class Canvas : public ATL::CWindowImpl<Canvas> {
  public:
   DECLARE_WND_CLASS_EX("kexlib_gallery_canvas", 0, COLOR_WINDOW)
@@ -134,7 +134,7 @@ class PngThreadPage : public gallery::Page {
     return 0;
   }
 
-  // Waits until the buffer is closed. False where it cannot be stored.
+  // Waits until the buffer is closed. Returns false if it cannot be stored.
   static bool store(kexBuffer& buffer) try {
     CFile file(archive_file, CFile::modeCreate | CFile::modeWrite);
     CArchive archive(&file, CArchive::store);
@@ -157,7 +157,7 @@ class PngThreadPage : public gallery::Page {
     set_text(id_sizes, sizes);
   }
 
-  // A copy that the control still shows would be nobody's.
+  // The destructor would not delete a copy that the control still shows.
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled) {
     decoded_.SetBitmap(nullptr);
     handled = FALSE;

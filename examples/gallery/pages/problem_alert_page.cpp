@@ -1,8 +1,8 @@
 // The problem alert: a warning that any thread can raise without waiting for the user.
-#include <page.h>
-#include <tour.h>
-
 #include <kexlib/diagnostics.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <thread>
 
@@ -60,7 +60,7 @@ class ProblemAlertPage : public gallery::Page {
 };
 
 void tour(gallery::Tour& user) {
-  constexpr char caption[] = "Error";  // the system's own
+  constexpr char caption[] = "Error";  // the system's default caption
   user.click(id_raise);
   user.check_text(id_result, "A problem was raised, and this thread went on.");
   const HWND box = user.wait_for_window(caption);
@@ -69,13 +69,13 @@ void tour(gallery::Tour& user) {
            "The problem has occurred";
   });
   user.take_picture("problem_alert_box", box);
-  // The window is alive beside the box; what is raised now belongs to the box that is there.
+  // The window stays responsive while the box is open. A problem raised now is added to the open box.
   user.click(id_raise_often);
   user.check_text(id_result, "Ten problems were raised: one box tells of all of them.");
   user.click(GetDlgItem(box, IDOK));
   user.wait_for_end_of(box);
 
-  // A second box would keep the thread from ending.
+  // The thread could not end while a second box is open.
   user.click(id_runs);
   user.check_text(id_result, "The thread has ended: what is raised now is not shown.");
   user.click(id_raise);

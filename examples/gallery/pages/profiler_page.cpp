@@ -1,8 +1,8 @@
 // The profiler: work in named blocks on two threads, recorded while Record > Profile is checked.
-#include <page.h>
-#include <tour.h>
-
 #include <kexlib/diagnostics.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <thread>
 
@@ -10,7 +10,7 @@ namespace {
 
 enum { id_work = 100, id_show, id_record };
 
-// Not a kexProfileScope, which would switch profiling on: here the menu does that.
+// Not a kexProfileScope, which would switch profiling on: on this page, the menu does.
 class Block {
  public:
   explicit Block(const char* name) { kex_begin_block(name); }
@@ -62,7 +62,7 @@ class ProfilerPage : public gallery::Page {
       background = load();
     });
     const double foreground = load();
-    worker.join();  // before the record may be written: that must not run beside other calls
+    worker.join();  // the record must not be written while other calls run
     set_text(id_record, foreground == background ? "Both threads are done." : "The threads differ.");
     return 0;
   }

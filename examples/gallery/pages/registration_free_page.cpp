@@ -1,9 +1,9 @@
-// Registration-free COM: the classes below a folder, and an object of one of them that no registry knows.
-#include <page.h>
-#include <pages/sample_component.h>
-#include <tour.h>
-
+// Registration-free COM: the classes below a folder, and an object of one of them, which is not registered.
 #include <kexlib/com.h>
+
+#include <gallery/page.h>
+#include <gallery/pages/sample_component.h>
+#include <gallery/tour.h>
 
 #include <filesystem>
 

@@ -1,10 +1,10 @@
 // Screen capture: the whole screen as a PNG file, shown smaller.
-#include <page.h>
-#include <tour.h>
-
 #include <kexlib/imaging.h>
 
 #include <atlimage.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <cstdlib>
 
@@ -38,7 +38,7 @@ class ScreenCapturePage : public gallery::Page {
   LRESULT OnCapture(WORD, WORD, HWND, BOOL&) {
     CString path = text_of(id_path);
     ATL::CImage image;
-    // The screen was seen, even where the file could not be written.
+    // Succeeds even if the file cannot be written.
     if (FAILED(kex_screen_to_file(path))) {
       set_text(id_result, "There is no screen to be seen.");
     } else if (FAILED(image.Load(path))) {
@@ -67,7 +67,7 @@ class ScreenCapturePage : public gallery::Page {
     return smaller;
   }
 
-  // A copy that the control still shows would be nobody's.
+  // The destructor would not delete a copy that the control still shows.
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled) {
     preview_.SetBitmap(nullptr);
     handled = FALSE;
@@ -89,7 +89,7 @@ void tour(gallery::Tour& user) {
   user.write(id_path, png_file);
   user.click(id_capture);
   user.check_text(id_result, std::to_string(width) + " x " + std::to_string(height) + " pixels");
-  // The middle of the page's lower end is empty, and so is its picture.
+  // The lower middle of the page is empty, and so is this part of its picture.
   RECT page;
   GetWindowRect(user.page(), &page);
   const POINT place{(page.left + page.right) / 2, page.bottom - 10};

@@ -1,11 +1,11 @@
 // Static bitmaps: a control that shows a bitmap resource, and one that shows an image file.
+#include <kexlib/imaging.h>
+
 #include <atlimage.h>
 
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
-#include <kexlib/imaging.h>
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 #include <cmath>
 
@@ -18,7 +18,7 @@ constexpr int png_size = 160;
 constexpr BYTE half = 128;
 constexpr COLORREF orange = RGB(240, 120, 30);
 
-// A disc with a rim that lets half of what is behind it through.
+// A disc with a half transparent rim.
 void write_png_with_alpha() {
   hnDuctImage image(png_size, png_size, true);
   for (int y = 0; y < png_size; ++y)
@@ -85,7 +85,7 @@ class StaticBitmapPage : public gallery::Page {
     return 0;
   }
 
-  // A copy that the control still shows would be nobody's.
+  // The destructor would not delete a copy that the control still shows.
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled) {
     resource_.SetBitmap(nullptr);
     file_.SetBitmap(nullptr);

@@ -1,13 +1,13 @@
-// Steps: a procedure of four steps, of which one can be left out.
-#include <page.h>
-#include <tour.h>
-
+// Steps: a procedure of four steps, one of which is optional.
 #include <kexlib/controls.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 namespace {
 
 enum {
-  id_number = 100,  // of the first step; the other numbers follow
+  id_number = 100,  // the number of the first step; those of the other steps follow
   id_name = 110,
   id_name_label,
   id_length,

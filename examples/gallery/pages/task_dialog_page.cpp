@@ -1,8 +1,8 @@
-// Task dialogs: buttons that close, a button that acts and stays, a link, and the four icons.
-#include <page.h>
-#include <tour.h>
-
+// Task dialogs: buttons that close the dialog, a button with an action that keeps it open, a link, and the four icons.
 #include <kexlib/dialogs.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 namespace {
 

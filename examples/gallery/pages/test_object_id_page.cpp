@@ -1,10 +1,10 @@
-// Test object identifiers: the name by which an object presents itself to automated tests.
-#include <page.h>
-#include <tour.h>
-
+// Test object identifiers: the name that identifies an object to automated tests.
 #include <kexlib/text.h>
 
 #include <atlcomcli.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <cstdlib>
 
@@ -84,7 +84,7 @@ void tour(gallery::Tour& user) {
   user.write(id_text, "Auto");
   user.click(id_put_text);
   user.check_text(id_value, "Auto");
-  check_states(true, false);  // letter case counts
+  check_states(true, false);  // case-sensitive
   user.write(id_text, special_text);
   user.click(id_put_text);
   user.check_text(id_type, "text (VT_BSTR)");

@@ -1,12 +1,11 @@
-// Text helpers: names that the file system takes, texts in the user's language, and the bitness of a product.
-#include <page.h>
-#include <tour.h>
-
+// Text helpers: valid file names, texts in the user's language, and the bitness of a product.
 #include <kexlib/text.h>
 
 #include <atlcomcli.h>
 
-#include "strings.h"
+#include <gallery/page.h>
+#include <gallery/texts.h>
+#include <gallery/tour.h>
 
 namespace {
 
@@ -72,12 +71,12 @@ class TextHelpersPage : public gallery::Page {
   }
 
   LRESULT OnLookUp(WORD, WORD, HWND, BOOL&) {
-    const HINSTANCE texts = ::GetModuleHandle("gallery_strings.dll");
+    const HINSTANCE texts = ::GetModuleHandle("gallery_texts.dll");
     ATL::CComBSTR text;
     const bool found =
         kexLocalizeString(texts, IDS_BASE, ATL::CComVariant(text_of(id_reference).GetString()), &text) == S_OK;
     set_text(id_text, CString(text));
-    set_text(id_source, found ? "It comes from gallery_strings.dll." : "It is what the reference itself says.");
+    set_text(id_source, found ? "It comes from gallery_texts.dll." : "It is what the reference itself says.");
     return 0;
   }
 
@@ -101,7 +100,7 @@ void tour(gallery::Tour& user) {
   user.write(id_reference, "{1}Gallery");
   user.click(id_look_up);
   user.check_text(id_text, "kexlib gallery");
-  user.check_text(id_source, "It comes from gallery_strings.dll.");
+  user.check_text(id_source, "It comes from gallery_texts.dll.");
 
   user.write(id_product, "Drawing");
   user.check_text(id_bitness, "Drawing (64-bit)");

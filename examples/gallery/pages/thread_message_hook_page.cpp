@@ -1,8 +1,8 @@
-// The thread message hook: sees messages without a window, in whichever loop they are taken from the queue.
-#include <page.h>
-#include <tour.h>
-
+// The thread message hook: receives messages without a window, whichever loop removes them from the queue.
 #include <kexlib/messageloop.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <atomic>
 #include <thread>
@@ -74,7 +74,7 @@ class ThreadMessageHookPage : public gallery::Page {
     return 0;
   }
 
-  // A message for a window: every loop hands it on.
+  // A message for a window: every loop dispatches it.
   LRESULT OnWorkerDone(UINT, WPARAM, LPARAM, BOOL&) {
     set_text(id_result, "The worker is done.");
     return 0;

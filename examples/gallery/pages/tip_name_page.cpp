@@ -1,10 +1,10 @@
-// Tip names: the line that names an object in a tool tip, from as many of its parts as are wanted.
-#include <page.h>
-#include <tour.h>
-
+// Tip names: the line that names an object in a tool tip, composed of the selected parts.
 #include <kexlib/text.h>
 
 #include <atlcomcli.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <cstdlib>
 
@@ -79,7 +79,7 @@ class TipNamePage : public gallery::Page {
 
   double number_of(int id) const { return std::atof(text_of(id)); }
 
-  bool complete_ = false;  // all controls are there
+  bool complete_ = false;  // all controls exist
 };
 
 void tour(gallery::Tour& user) {

@@ -1,16 +1,16 @@
-// The trace file: diagnostic lines to a file on the desktop, while Record > Trace to a file is checked.
-#include <page.h>
-#include <tour.h>
-
+// The trace file: writes diagnostic lines to a file on the desktop while Record > Trace to a file is checked.
 #include <kexlib/diagnostics.h>
 
 #include <shlobj.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 namespace {
 
 enum { id_write = 100, id_show, id_mode, id_path, id_text };
 
-// The newest trace file on the desktop; empty where there is none.
+// The newest trace file on the desktop; empty if there is none.
 CString newest_trace() {
   char desktop[MAX_PATH];
   if (FAILED(::SHGetFolderPath(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, 0, desktop))) return {};

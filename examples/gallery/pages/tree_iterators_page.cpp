@@ -1,8 +1,8 @@
-// Tree iterators: range loops over the items of a tree view, along a way that a policy tells.
-#include <page.h>
-#include <tour.h>
-
+// Tree iterators: range loops over the items of a tree view, in the order of a policy.
 #include <kexlib/windowtools.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <algorithm>
 #include <string>
@@ -11,7 +11,7 @@ namespace {
 
 enum { id_tree = 100, id_siblings, id_all, id_items, id_result };
 
-// All items below one, each before those that are in it.
+// All descendants of an item, parents before their children.
 class DepthFirst : public kexTreeIterNext {
  public:
   explicit DepthFirst(WTL::CTreeViewCtrl tree) : tree_(tree) {}
@@ -78,7 +78,7 @@ class TreeIteratorsPage : public gallery::Page {
       if (tree_.GetItemText(item, text, sizeof text)) lines += CString(text) + "\r\n";
     }
     set_text(id_items, lines);
-    // The algorithms of the standard library take the iterators too.
+    // The algorithms of the standard library accept the iterators too.
     set_text(id_result, ("Items: " + std::to_string(std::distance(way.begin(), way.end()))).c_str());
   }
 
@@ -90,7 +90,7 @@ void tour(gallery::Tour& user) {
   user.check_text(id_items, "Fruit\r\nBerries\r\nCurrant\r\nGooseberry\r\nApple\r\nPear\r\nVegetables\r\nLeek\r\n");
   user.check_text(id_result, "Items: 8");
 
-  // With the keyboard to the second item, which has two siblings behind it.
+  // Selects the second item, which two siblings follow, with the keyboard.
   user.click(id_tree);
   user.press(VK_HOME);
   user.press(VK_DOWN);

@@ -1,10 +1,10 @@
-// Variant safe arrays: lists of VARIANTs as automation passes them.
-#include <page.h>
-#include <tour.h>
-
+// Variant safe arrays: the lists of VARIANTs that automation passes.
 #include <kexlib/com.h>
 
 #include <atlcomcli.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <cstdlib>
 #include <memory>
@@ -19,7 +19,7 @@ struct Destroy {
 };
 using OwnedArray = std::unique_ptr<SAFEARRAY, Destroy>;
 
-// What an automation object does with a list that it is given: looks at it, and reads the elements in a row.
+// Reads a list as an automation object does: attaches to it without a copy, and accesses the elements in sequence.
 double sum_of(VARIANT value) {
   QuickVariantSafeArray list(V_ARRAY(&value));
   const VARIANT* const elements = list.AccessData();
@@ -128,13 +128,13 @@ class VariantSafeArrayPage : public gallery::Page {
   }
 
   LRESULT OnSum(WORD, WORD, HWND, BOOL&) {
-    const auto sum = static_cast<long>(sum_of(*array_));  // no copy: it is the same array
+    const auto sum = static_cast<long>(sum_of(*array_));  // passes the array itself, not a copy
     set_text(id_result, ("The numbers make " + std::to_string(sum) + ".").c_str());
     return 0;
   }
 
   WTL::CListViewCtrl list_;
-  OwnedArray foreign_;  // what array_ looks at, where it does not own one
+  OwnedArray foreign_;  // the array that array_ refers to if it does not own one
   std::unique_ptr<QuickVariantSafeArray> array_;
 };
 

@@ -1,10 +1,10 @@
-// Windowless timers: two of them, each a COM object that has no window.
-#include <page.h>
-#include <tour.h>
-
+// Windowless timers: two COM objects without a window.
 #include <kexlib/messageloop.h>
 
 #include <atlcomcli.h>
+
+#include <gallery/page.h>
+#include <gallery/tour.h>
 
 #include <cstdlib>
 #include <functional>
@@ -129,7 +129,7 @@ class WindowlessTimerPage : public gallery::Page {
                                                       : "All ticks that were held back came as one, at once.");
   }
 
-  // The timers may tick for as long as somebody holds them; they show that in this window.
+  // A timer may tick until its last reference is released. It shows its ticks in this window.
   LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled) {
     handled = FALSE;
     first_.Release();
@@ -159,7 +159,7 @@ void tour(gallery::Tour& user) {
   wait_for_ticks(id_first, 3);
   wait_for_ticks(id_second, 3);
 
-  // The other one tells that time goes by.
+  // The ticks of the other timer measure the time.
   user.click(id_first + suspended);
   user.check("the first timer is suspended", [&] { return user.is_checked(id_first + suspended); });
   const int held = count(id_first);

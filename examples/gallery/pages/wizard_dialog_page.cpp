@@ -1,9 +1,9 @@
-// A wizard of three pages, which share what the user says.
-#include <page.h>
-#include <resources.h>
-#include <tour.h>
-
+// A wizard of three pages, which share the user's input.
 #include <kexlib/dialogs.h>
+
+#include <gallery/page.h>
+#include <gallery/resources.h>
+#include <gallery/tour.h>
 
 #include <memory>
 
@@ -40,7 +40,7 @@ class NamePage : public PartPage<NamePage, IDD_PART_NAME> {
     GetPropertySheet().SetWizardButtons(PSWIZB_NEXT | PSWIZB_FINISH);
     return TRUE;
   }
-  // Without a name the user stays.
+  // Without a name, the wizard stays on this page.
   int OnWizardNext() {
     part->name = gallery::text_of(GetDlgItem(IDC_PART_NAME));
     return part->name.IsEmpty() ? -1 : 0;

@@ -1,5 +1,5 @@
-// What kexframework.dll exports: the process-wide state of the framework and the classes that must be the same ones in
-// every module (exceptions above all).
+// Exports of kexframework.dll: the process-wide state of the framework, and the classes that must be the same in every
+// module, such as exceptions.
 #ifndef FRAMEWORK_EXPORT_H
 #define FRAMEWORK_EXPORT_H
 

@@ -6,7 +6,7 @@ class CWinThread;
 
 namespace framework {
 
-// Of the calling thread; null for none.
+// The object of the calling thread; null if there is none.
 void set_current_thread(CWinThread* thread);
 
 }  // namespace framework

@@ -1,4 +1,4 @@
-// Calls through IDispatch with the arguments of a variadic function: COleDispatchDriver says what the types mean.
+// Calls through IDispatch with variadic arguments. COleDispatchDriver documents the types.
 #ifndef FRAMEWORK_DISPATCH_H
 #define FRAMEWORK_DISPATCH_H
 
@@ -9,7 +9,7 @@
 
 namespace framework {
 
-// In the order in which IDispatch wants them: the last one first.
+// In the order of IDispatch::Invoke: the last one first.
 using Arguments = std::vector<CComVariant>;
 Arguments packed(const BYTE* parameters, va_list arguments);
 

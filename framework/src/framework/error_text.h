@@ -1,4 +1,4 @@
-// The words of exceptions.
+// The texts of exceptions.
 #ifndef FRAMEWORK_ERROR_TEXT_H
 #define FRAMEWORK_ERROR_TEXT_H
 
@@ -8,14 +8,15 @@
 
 namespace framework {
 
-// Copies a text as GetErrorMessage does: cut to the room, always ended. FALSE where it is empty or there is no room.
+// Copies a text for GetErrorMessage: truncated to the buffer and terminated. Returns FALSE if the text is empty or the
+// buffer has no space.
 BOOL give_text(const char* text, LPTSTR message, UINT room);
 
-// The same with the system's text for an error code or HRESULT, without the line end that closes it.
+// The same with the system's text for an error code or HRESULT, without the line end.
 BOOL give_system_text(DWORD code, LPTSTR message, UINT room);
 
-// The same with a cause's text out of a list, in which %s is the name of the file; an unknown cause is the list's
-// second one, the generic one.
+// The same with the text of a cause from a list, in which %s is the name of the file. An unknown cause has the second
+// text, the generic one.
 BOOL give_text_of_cause(const char* const* texts, std::size_t count, int cause, const char* name, LPTSTR message,
                         UINT room);
 template <std::size_t count>

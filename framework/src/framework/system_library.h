@@ -1,4 +1,4 @@
-// A library of the system whose functions are looked up at run time, since there is no import library for them.
+// A library of the system without an import library; its functions are found at run time.
 #ifndef FRAMEWORK_SYSTEM_LIBRARY_H
 #define FRAMEWORK_SYSTEM_LIBRARY_H
 
@@ -6,15 +6,15 @@
 
 namespace framework {
 
-// Stays loaded. It must not be made while this library itself is loaded: make it at first use.
+// The library stays loaded. Create the object at first use, never while this module is being loaded.
 class SystemLibrary {
  public:
   explicit SystemLibrary(const char* name) : library_(LoadLibraryExA(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32)) {}
 
-  // False, and a null function, where the system has none.
+  // Returns false, and sets a null pointer, if the function does not exist.
   template <typename Function>
   bool find(Function& function, const char* name) const {
-    // The way over void* keeps the compiler from asking whether the types fit: nobody can tell it.
+    // The cast goes through void* because the compiler warns about unrelated function types.
     auto address = library_ ? reinterpret_cast<void*>(GetProcAddress(library_, name)) : nullptr;
     function = reinterpret_cast<Function>(address);
     return function != nullptr;

@@ -1,41 +1,48 @@
-// ActiveX controls in dialogs, and crashes of COM servers that are not to be hidden.
+// ActiveX controls in dialogs, and fatal exceptions in COM servers.
 //
 //     case WM_INITDIALOG:
 //       control = CreateControl(dialog, &host, IDC_PLACEHOLDER, "Maker.Control.1");
 //
-// The host is the caller's window object; its window belongs to the dialog and goes with it.
+// The caller owns the host object. The dialog owns the host's window and destroys it.
 #ifndef KEXLIB_COM_ACTIVEX_H
 #define KEXLIB_COM_ACTIVEX_H
+
+#include <kexlib/export.h>
 
 #include <atlbase.h>
 #include <atlwin.h>
 
-#include <kexlib/export.h>
-
-/// Puts an ActiveX control in the place of a dialog's placeholder, a control of the dialog template that marks the
-/// spot.
+/// Creates an ActiveX control in place of a placeholder, a control of the dialog template that marks the position.
 ///
 /// The placeholder is hidden, not destroyed: its identifier and its place in the tab order stay. The control is hosted
-/// in a window of ATL's class "AtlAxWin140", at the placeholder's top left corner and in its own natural size
-/// (IOleObject::GetExtent, by the screen's pixels to the inch); a control without IOleObject has the placeholder's
-/// size. Without a placeholder it stands at the dialog's top left corner.
+/// in a window of ATL's class "AtlAxWin140", at the placeholder's top left corner and in the control's natural size
+/// (IOleObject::GetExtent, converted with the screen's pixels per inch). A control without IOleObject gets the
+/// placeholder's size. Without a placeholder the control is at the dialog's top left corner.
 ///
-/// host: gets the window made, or null where there is none. control: what the host takes as its window's text: a
-/// ProgID, a class identifier in braces.
+/// dialog: the dialog window.
+/// host: receives the host window, or null if it cannot be created.
+/// placeholderId: the identifier of the placeholder.
+/// control: the window text of the host: a ProgID, or a class identifier in braces.
 ///
-/// Returns the control, or null where `dialog` is no window or `host` is null (nothing is done then), and where there
-/// is no control of this name. A host window that was made all the same stays in the dialog. On the dialog's thread,
-/// with COM initialised.
+/// Returns the control. Returns null, and does nothing, if `dialog` is not a window or `host` is null. Returns null if
+/// there is no such control; a host window that was created stays in the dialog. Call it on the dialog's thread, with
+/// COM initialised. ATL hosts the control: AfxEnableControlContainer is not needed.
 KEXLIB_API ATL::CComPtr<IUnknown> CreateControl(HWND dialog, ATL::CAxWindowT<ATL::CWindow>* host, UINT placeholderId,
                                                 const char* control);
 
-/// Lets crashes inside COM servers come through, instead of being turned into error codes: sets COM's exception
-/// handling to COMGLB_EXCEPTION_DONOT_HANDLE (IGlobalOptions), after initialising its security from the process's AppID
-/// (CoInitializeSecurity, EOAC_APPID). Once, early in the process, before any marshalled call, on a thread with COM
-/// initialised.
+/// Disables COM's handling of fatal exceptions in servers: sets COMGLB_EXCEPTION_HANDLING to
+/// COMGLB_EXCEPTION_DONOT_HANDLE (IGlobalOptions::Set), after initialising security from the process's AppID
+/// (CoInitializeSecurity, EOAC_APPID).
 ///
-/// Returns the HRESULT of the first call that fails, else that of setting the option. Security that is initialised
-/// already is no failure, so a second call sets the option again.
+/// By default COM catches every exception that leaves a server's method in a marshalled call, and the call fails with
+/// an HRESULT. With this option a fatal exception, such as an access violation, ends the server's process instead.
+/// Other exceptions, C++ exceptions among them, still fail the call. A call within one apartment is not marshalled: COM
+/// takes no part in it, and an exception reaches the caller with or without this option. Wine accepts the option and
+/// ignores it.
+///
+/// Call it once, early in the process, before any marshalled call, on a thread with COM initialised. Returns the
+/// HRESULT of the first call that fails, otherwise that of setting the option. Security that is already initialised
+/// (RPC_E_TOO_LATE) is not a failure, so a second call sets the option again.
 KEXLIB_API long kexDisableComExceptionHandler();
 
 #endif

@@ -8,23 +8,25 @@
 //     kexOleFont font = digits.GetFont();
 //     font.SetItalic(1);
 //
-// The control is not part of this library: it is found by its class identifier, in the registry or through a manifest
-// that is in force. What its properties mean (the units of Gap and Interligne, say) is the control's to tell. Each
-// member is one call through IDispatch, with a fixed identifier and automation type.
+// The control is not part of this library. It is found by its class identifier, in the registry or through an active
+// manifest. The control defines what its properties mean, for example the units of Gap and Interligne. Each member
+// makes one IDispatch call, with a fixed identifier and automation type.
+//
+// With Microsoft's MFC, call AfxEnableControlContainer once before Create, as MFC applications with ActiveX controls
+// do: without a control container Create fails. The framework of this library always has one.
 //
 // Errors. An exception of the control is thrown as MFC's COleDispatchException, every other failure as COleException.
-// Before a control is created nothing is called, and results are 0 or empty. Texts are in the thread's ANSI code page.
+// Without a control, members call nothing and return 0 or an empty result. Texts are in the thread's ANSI code page.
 //
-// Threads. A control belongs to the thread that created it, with COM initialised.
+// Threads. Use a control on the thread that created it, with COM initialised.
 #ifndef KEXLIB_COM_DIGIT_CONTROL_H
 #define KEXLIB_COM_DIGIT_CONTROL_H
 
-#include <afxwin.h>
+#include <kexlib/export.h>
 
 #include <afxdisp.h>
+#include <afxwin.h>
 #include <atlstr.h>
-
-#include <kexlib/export.h>
 
 /// An OLE font object (IFontDisp).
 class KEXLIB_API kexOleFont : public COleDispatchDriver {
@@ -32,61 +34,45 @@ class KEXLIB_API kexOleFont : public COleDispatchDriver {
   /// Without a font.
   kexOleFont() = default;
 
-  /// Takes over the caller's reference, and releases it at the end.
+  /// Takes ownership of the caller's reference; the destructor releases it.
   kexOleFont(IDispatch* dispatch);
 
-  /// Has a reference of its own to the same font.
+  /// Adds a reference to the same font.
   kexOleFont(const kexOleFont& other) = default;
 
-  /// Lets go of its font, and has a reference of its own to the other's.
+  /// Releases its font and adds a reference to the other's font.
   kexOleFont& operator=(const kexOleFont& other) = default;
 
   /// The face name.
   CStringA GetName();
-
-  /// Sets it.
   void SetName(const char* value);
 
-  /// The height, in points, as a currency value: ten thousandths.
+  /// The height in points, as a currency value (units of 1/10000).
   CY GetSize();
-
-  /// Sets it.
   void SetSize(const CY& value);
 
   /// Whether it is bold: 1 or 0.
   int GetBold();
-
-  /// Sets it.
   void SetBold(int value);
 
   /// Whether it is italic.
   int GetItalic();
-
-  /// Sets it.
   void SetItalic(int value);
 
   /// Whether it is underlined.
   int GetUnderline();
-
-  /// Sets it.
   void SetUnderline(int value);
 
   /// Whether it is struck through.
   int GetStrikethrough();
-
-  /// Sets it.
   void SetStrikethrough(int value);
 
   /// The weight, 0 to 1000: 400 is regular, 700 bold.
   short GetWeight();
-
-  /// Sets it.
   void SetWeight(short value);
 
   /// The character set, as in LOGFONT.
   short GetCharset();
-
-  /// Sets it.
   void SetCharset(short value);
 };
 
@@ -104,14 +90,16 @@ class KEXLIB_API kexDigitOCX : public CWnd {
   /// The control's class, {107BD0EE-6861-11CF-B28B-0000C0C14EA0}.
   const GUID& GetClsid() const;
 
-  /// Makes the control (CWnd::CreateControl) with `style` at `rect` in `parent`. window_name becomes its Caption or
-  /// Text; class_name and context are not used. False where the control is not installed, or where there is one
-  /// already.
+  /// Creates the control (CWnd::CreateControl) with `style` at `rect` in `parent`. window_name becomes its Caption or
+  /// Text; class_name and context are ignored. Returns 0 if the control is not installed, or if this object
+  /// already has one.
   int Create(const char* class_name, const char* window_name, unsigned long style, const RECT& rect, CWnd* parent,
              unsigned int id, CCreateContext* context = nullptr) override;
 
-  /// The same with the control's state from a file, a stream or with `storage` a compound file (null: it begins anew),
-  /// and the key of a licensed control, a BSTR (null: none).
+  /// As above, with a state and a licence.
+  ///
+  /// persist: the control's state, a stream or, if `storage` is not 0, a compound file; null for the initial state.
+  /// last: the licence key, a BSTR; null for none.
   int Create(const char* window_name, unsigned long style, const RECT& rect, CWnd* parent, unsigned int id,
              CFile* persist, int storage, wchar_t* last);
 
@@ -120,149 +108,101 @@ class KEXLIB_API kexDigitOCX : public CWnd {
 
   /// How the border is drawn: 0 flat, 1 raised or sunken.
   short GetAppearance();
-
-  /// Sets it.
   void SetAppearance(short value);
 
   /// The background's colour.
   unsigned long GetBackColor();
-
-  /// Sets it.
   void SetBackColor(unsigned long value);
 
   /// The border: 0 none.
   short GetBorderStyle();
-
-  /// Sets it.
   void SetBorderStyle(short value);
 
-  /// Whether the control finds its own size.
+  /// Whether the control determines its own size.
   int GetDimAuto();
-
-  /// Sets it.
   void SetDimAuto(int value);
 
   /// Whether the digits are shown.
   int GetDisplay();
-
-  /// Sets it.
   void SetDisplay(int value);
 
   /// Whether digits that are off are shown, in the mask's colour.
   int GetDisplayMask();
-
-  /// Sets it.
   void SetDisplayMask(int value);
 
   /// Whether titles are shown.
   int GetDisplayTitles();
-
-  /// Sets it.
   void SetDisplayTitles(int value);
 
-  /// Whether the control takes input.
+  /// Whether the control accepts input.
   int GetEnabled();
-
-  /// Sets it.
   void SetEnabled(int value);
 
-  /// The digits' colour.
+  /// The colour of the digits.
   unsigned long GetForeColor();
-
-  /// Sets it.
   void SetForeColor(unsigned long value);
 
   /// The gap between digits.
   short GetGap();
-
-  /// Sets it.
   void SetGap(short value);
 
   /// The gap between lines.
   short GetInterligne();
-
-  /// Sets it.
   void SetInterligne(short value);
 
   /// Whether there is a border inside.
   int GetInternalBorder();
-
-  /// Sets it.
   void SetInternalBorder(int value);
 
   /// The colour of digits that are off.
   unsigned long GetMaskColor();
-
-  /// Sets it.
   void SetMaskColor(unsigned long value);
 
   /// The number of digits of a line.
   short GetNbDigits();
-
-  /// Sets it.
   void SetNbDigits(short value);
 
   /// The number of lines, one for each value.
   short GetNbLines();
-
-  /// Sets it.
   void SetNbLines(short value);
 
   /// The colour of a value above the bounds.
   unsigned long GetOverflowColor();
-
-  /// Sets it.
   void SetOverflowColor(unsigned long value);
 
   /// The number of decimals.
   short GetPrecision();
-
-  /// Sets it.
   void SetPrecision(short value);
 
   /// The kind of display.
   short GetType();
-
-  /// Sets it.
   void SetType(short value);
 
   /// The colour of a value below the bounds.
   unsigned long GetUnderflowColor();
-
-  /// Sets it.
   void SetUnderflowColor(unsigned long value);
 
   /// The upper bound of values.
   double GetUpperBound();
-
-  /// Sets it.
   void SetUpperBound(double value);
 
-  /// The control's font, with a reference that the result gives back.
+  /// The control's font. GetFont's result releases it; SetFont passes it by reference (DISPATCH_PROPERTYPUTREF).
   kexOleFont GetFont();
-
-  /// Sets the font, by reference.
   void SetFont(IDispatch* font);
 
-  /// The control's text.
+  /// The control's text. Setting null sets the empty text.
   CStringA GetText();
-
-  /// Sets it; null is the empty text.
   void SetText(const char* text);
 
   /// The value of a line.
   double GetValue(short index);
-
-  /// Sets it.
   void SetValue(short index, double value);
 
   /// The title of a line.
   CStringA GetTitle(short index);
-
-  /// Sets it.
   void SetTitle(short index, const char* title);
 
-  /// Shows the control's own box.
+  /// Shows the control's About box.
   void AboutBox();
 
   /// Sets the bounds of the values.
@@ -274,22 +214,23 @@ class KEXLIB_API kexDigitOCX : public CWnd {
   /// Calls SetPoint of the control.
   void SetPoint(double first, double second, double third);
 
-  /// Lets the control reckon its best size.
+  /// Makes the control calculate its best size.
   void CalculateOptimizeSize();
 
   /// Whether the digits flash.
   void SetFlashing(int flashing);
 
-  /// Lets the control choose its font's size by its own.
+  /// Makes the control fit its font's size to its own size.
   void CalculateFontSizeToFit();
 
-  /// The width that goes with a height.
+  /// The best width for a height.
   short GetOptimalWidth(long height);
 
-  /// The font size that goes with a height.
+  /// The best font size for a height.
   CY GetOptimalFontSize(long height);
 
-  /// The width that goes with a height in a font size. Only the low sixteen bits of the height reach the control.
+  /// The best width for a height in a font size. The control declares the height as a 16-bit integer, so 70000 arrives
+  /// as 4464.
   short GetOptimalWidth2(long height, CY size);
 };
 

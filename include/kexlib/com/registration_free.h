@@ -1,4 +1,4 @@
-// Registration-free COM: objects of classes that the registry does not know, and what there is of them below a folder.
+// Registration-free COM: creates objects of unregistered classes, and finds such classes below a folder.
 //
 //     for (const GUID& id : reg_free_list_classes(__uuidof(IPlugIn), "C:\\app\\plugins", "*.dll")) {
 //       const std::string file = reg_free_find_tlb(id, "C:\\app\\plugins", "*.dll");
@@ -7,11 +7,10 @@
 //       if (SUCCEEDED(reg_free_co_create(id, "C:\\app\\plugins", manifest.c_str(), CLSCTX_INPROC_SERVER, &object))) ...
 //     }
 //
-// What classes a file has is read from its type library; which DLL makes them, the system reads from a manifest. Both
-// have to say it.
+// The type library of a file describes its classes. The manifest names the DLL that creates them. A component needs
+// both.
 //
-// Paths are in the ANSI code page, and full: a type library that is loaded without a folder is registered by the
-// system.
+// Paths are full and in the ANSI code page. The system registers a type library that is loaded by its name alone.
 //
 // Threads. Creation needs COM initialised on the calling thread. Nothing here is shared between threads.
 #ifndef KEXLIB_COM_REGISTRATION_FREE_H
@@ -25,37 +24,39 @@
 
 /// The manifest of a component: its file name in `directory`, with the extension ".manifest" in place of its own.
 ///
-/// "C:\\m" and "C:\\bin\\part.dll" give "C:\\m\\part.manifest". A name with a further dot keeps what comes before the
-/// extension and gets no other (PathAddExtensionA): "part.2.dll" gives "C:\\m\\part.2". Empty where the component is
-/// empty or null, or where the path would be longer than 259 characters.
+/// "C:\\m" and "C:\\bin\\part.dll" become "C:\\m\\part.manifest". A name with a further dot keeps what comes before the
+/// extension and gets no other (PathAddExtensionA): "part.2.dll" becomes "C:\\m\\part.2". Empty if the component is
+/// empty or null, or if the path would be longer than 259 characters.
 KEXLIB_API std::string reg_free_manifest_path(const char* directory, const char* componentPath);
 
-/// Creates an object while a manifest is in force: CoCreateInstance for IID_IUnknown, inside an activation context made
-/// of the manifest (CreateActCtxA, with `assemblyDirectory` as its assembly directory), which is this thread's for just
-/// that call. The manifest's classes go before those of the registry.
+/// Creates an object through a manifest: calls CoCreateInstance for IID_IUnknown while an activation context of the
+/// manifest (CreateActCtxA) is active on this thread. The manifest's classes take precedence over the registry.
 ///
-/// clsContext: CLSCTX_ values, CLSCTX_INPROC_SERVER as a rule. result: the object, with a reference for the caller;
-/// untouched on failure.
+/// clsid: the class.
+/// assemblyDirectory: the assembly directory of the activation context.
+/// manifestPath: the manifest. An empty, null, missing or invalid manifest is ignored.
+/// clsContext: CLSCTX_ values, usually CLSCTX_INPROC_SERVER.
+/// result: receives the object, with a reference for the caller; unchanged on failure.
 ///
-/// Returns E_POINTER for a null `result`; otherwise what CoCreateInstance says: REGDB_E_CLASSNOTREG where neither
-/// manifest nor registry know the class. A manifest that is empty, null, missing or no manifest is left out without a
-/// word. A class of another apartment is made on another thread, where the manifest is not in force. A server that
-/// leaves an activation context of its own active is a fatal error of the system's.
+/// Returns E_POINTER if `result` is null, otherwise the HRESULT of CoCreateInstance: REGDB_E_CLASSNOTREG if neither the
+/// manifest nor the registry has the class. An object of another apartment is created on another thread, where the
+/// manifest is not active. If the server leaves another activation context active, the system raises
+/// STATUS_SXS_EARLY_DEACTIVATION.
 KEXLIB_API long reg_free_co_create(const GUID& clsid, const char* assemblyDirectory, const char* manifestPath,
                                    DWORD clsContext, IUnknown** result);
 
 /// The classes that implement the interface `iid`, a vtable or dispatch interface, by the type libraries of the files
 /// below `directory` whose names match `pattern` ("*.dll;*.tlb", see kexApplyToFiles). In the order of their bytes.
 ///
-/// Files that are no type libraries (LoadTypeLib) are passed over, and so are interfaces of another library that is not
-/// on this machine. Empty where there is no such folder or it cannot be read. Each class that is looked at leaves a few
-/// hundred bytes behind: its attributes, and those of its interfaces, are not given back. Running out of memory throws
-/// MFC's memory exception.
+/// Files that are not type libraries (LoadTypeLib) are skipped, and so are interfaces of a library that is not on this
+/// machine. Empty if the folder does not exist or cannot be read. Kept for compatibility: the attributes of each class,
+/// and of its interfaces, are not released, so each class scanned leaks a few hundred bytes. Running out of memory
+/// throws MFC's memory exception.
 KEXLIB_API std::set<GUID, kexLessGUID> reg_free_list_classes(const GUID& iid, const char* directory,
                                                              const char* pattern);
 
-/// The file whose type library describes the class, searched for like above; its full path. Where several do, the last
-/// one in the order of the walk. Empty where none does.
+/// The full path of the file whose type library describes the class, found as above. If there are several, the last one
+/// in the order of the walk; empty if there is none.
 KEXLIB_API std::string reg_free_find_tlb(const GUID& clsid, const char* directory, const char* pattern);
 
 #endif

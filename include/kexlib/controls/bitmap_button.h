@@ -1,94 +1,106 @@
-// Bitmap button: a push button of a dialog with a picture on the face that the system's visual style gives it.
+// Bitmap button: a push button of a dialog with a picture on the face of the system's visual style.
 //
 //     WTL::CImageListT<false> images;
 //     images.Create(16, 16, ILC_COLOR32, 2, 2);
 //     kexWTLBitmapButton open;
 //     open.SetInfo(dialog.GetDlgItem(IDC_OPEN), &images, IDB_OPEN, "Open a file", instance);
 //     ...
-//     images.Destroy();              // once the dialog is gone: the list stays the caller's
+//     images.Destroy();              // after the dialog is destroyed: the caller owns the list
 //
-// The picture comes from a bitmap resource, in which magenta stands for the face (the system's button face colour), and
-// stands in the middle of the button. Of each picture the list gets two images side by side in number: as it is, and as
-// it looks on a disabled button.
+// The picture comes from a bitmap resource and is centred on the button. Magenta pixels get the system's button face
+// colour. Each picture adds two consecutive images to the list: the normal one and the disabled one.
 //
-// The button clicks, and tells its parent so, as before (BN_CLICKED). It looks different while the mouse is over it.
-// Before it paints itself it has its parent paint what lies behind. A parent with the style WS_CLIPCHILDREN paints
+// The button notifies its parent of clicks as before (BN_CLICKED). It looks different while the mouse is over it.
+// Before it paints itself it makes its parent paint the area behind it. A parent with the style WS_CLIPCHILDREN paints
 // nothing there: a plain button then keeps the edge that it had under the mouse.
 //
-// Errors. None is reported: what cannot be loaded is not shown. Running out of memory throws MFC's memory exception.
-// What a themer throws leaves the window procedure, with painting ended.
+// Errors. None is reported: a picture that cannot be loaded is not shown. Out of memory, the text of the tooltip throws
+// MFC's memory exception; the constructor, which creates the themer, throws std::bad_alloc.
 //
-// Threads. For the thread of the button's window.
+// An exception of a themer does not leave the window procedure, whatever causes the painting: EndPaint is called, the
+// region is validated, and the message is handled. The rest of this painting is missing. The debugger is informed
+// (OutputDebugString). The same holds for exceptions that a parent throws while it paints, if the system passes them
+// on; on 64-bit Windows it ends the process.
+//
+// Threads. Call on the thread of the button's window.
 #ifndef KEXLIB_CONTROLS_BITMAP_BUTTON_H
 #define KEXLIB_CONTROLS_BITMAP_BUTTON_H
 
 #include <kexlib/export.h>
 
 #include <atlbase.h>
-
 #include <atlapp.h>
 #include <atlctrlx.h>
+
 #include <wbzframe/themer.h>
 
 #include <memory>
 
-/// What a button looks like. Any other value: a themed face, and the disabled picture is as the other one.
+/// The look of a button. Any other value: a themed face; the disabled picture is the same as the normal one.
 enum kexWTLButtonType : int {
   kexBtnTypeThemed = 0,  ///< a themed face; the disabled picture is greyed
   kexBtnTypePlain = 1    ///< no themed face, but an edge while it is pressed or under the mouse
 };
 
-/// The button. It does not destroy its window; the window goes first, with the dialog. Everything else that WTL's
-/// button can do, it can do too: SetBitmapButtonExtendedStyle(BMPBTN_CHECK, BMPBTN_CHECK) draws it as pressed.
+/// The button. It does not destroy its window: destroy the window first, with the dialog. The other operations of WTL's
+/// button are available: SetBitmapButtonExtendedStyle(BMPBTN_CHECK, BMPBTN_CHECK) draws it pressed.
 class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
  public:
-  /// No window. Its extended style is BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS, and unless it is
-  /// plain it has a themer for push buttons.
+  /// No window. The extended style is BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS. A button that is
+  /// not plain has a themer for push buttons.
   explicit kexWTLBitmapButton(kexWTLButtonType type = kexBtnTypeThemed);
-  /// A copy shares the themer, which reads the window of the button that it was made for: let that one live longer, or
-  /// give the copy a themer of its own.
+  /// A copy shares the themer, which reads the window handle of the button that it was created for. That button must
+  /// outlive the copy, or set another themer on the copy.
   kexWTLBitmapButton(const kexWTLBitmapButton& other);
   /// The same.
   kexWTLBitmapButton& operator=(const kexWTLBitmapButton& other);
 
-  /// WM_PAINT and WM_PRINTCLIENT paint; all else is WTL's. Of other message maps than 0 nothing is handled.
+  /// WM_PAINT and WM_PRINTCLIENT paint; WTL handles the other messages. Message maps other than 0 handle nothing.
   BOOL ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                             DWORD map = 0) override;
 
-  /// Leaves the window alone, and the image list too unless BMPBTN_SHAREIMAGELISTS was taken away.
+  /// Does not destroy the window. Destroys the image list only if BMPBTN_SHAREIMAGELISTS was removed.
   ~kexWTLBitmapButton() override;
 
-  /// Adds a bitmap resource to the list, and after it its disabled look, and returns the index of the first. A bitmap
-  /// that cannot be loaded adds nothing; then the index is that of the last image, -1 in an empty list.
+  /// Adds a bitmap resource and its disabled picture to the list and returns the index of the first. A bitmap that
+  /// cannot be loaded adds nothing; the result is then the index of the last image, -1 for an empty list.
+  ///   images     the list; borrowed
+  ///   bitmap_id  identifier of the bitmap resource
+  ///   instance   module that has the resource
   int AddImage(WTL::CImageListT<false>* images, int bitmap_id, HINSTANCE instance);
 
-  /// All at once: adds the picture to the list, takes the button over, shows the picture from the list, which must
-  /// live as long as the button, and sets the text of the tooltip, where null is none. A button that cannot be taken
-  /// over, and a second one while there is a first, does not keep the rest from being set.
+  /// Calls AddImage, subclasses the button, and sets its image list, its images and its tooltip. With BMPBTN_AUTOSIZE
+  /// the button takes the size of the images.
+  ///   button   the window to subclass; ignored if the object has a window. If it cannot be subclassed, the rest is
+  ///            set all the same
+  ///   images   must live as long as the button
+  ///   tooltip  copied; null switches the tooltip off
   void SetInfo(HWND button, WTL::CImageListT<false>* images, int bitmap_id, const char* tooltip, HINSTANCE instance);
 
-  /// Shows the picture of an index that AddImage returned; -1 changes nothing but the disabled picture, which becomes
-  /// image 0. The picture of the pressed button stays what SetInfo made it.
+  /// Shows the picture of an index that AddImage returned. -1 sets only the disabled picture, to image 0. Kept for
+  /// compatibility: the pushed picture stays the one of SetInfo.
   void SetImage(int index);
 
-  /// Paints with another themer from now on; an empty one draws no face. A plain button does not ask for it.
+  /// Sets the themer for the next painting; a painting in progress keeps the previous one. Call it at any time. An
+  /// empty pointer draws no face. A plain button does not use it.
   void set_themer(std::shared_ptr<wbzThemer> themer);
 
  protected:
-  /// Paints into the window, whatever device context the message carries. While it runs it does nothing when called
-  /// again, as the parent's painting may.
+  /// Paints with BeginPaint; the device context of WM_PRINTCLIENT is ignored. Returns at once when it is called again
+  /// while it runs, which the parent's painting may cause. Exceptions pass, after EndPaint.
   LRESULT OnPaint(UINT message, WPARAM wParam, LPARAM lParam, BOOL& handled);
 
-  /// Draws the face if it is themed, the picture of the button's state, and without a theme the edge.
+  /// Draws the face if `themed`, then the picture of the button's state, then the edge if not `themed`.
   void DoPaint(WTL::CDCT<false> dc, bool themed);
 
  private:
   void repaint_behind();
+  void paint(const WTL::CDCT<false>& dc, bool themed, const wbzThemer* themer);
   void draw_edge(WTL::CDCT<false> dc, RECT rect);
 
-  BOOL m_painting = FALSE;
-  kexWTLButtonType m_type;
-  std::shared_ptr<wbzThemer> m_themer;
+  BOOL painting_ = FALSE;
+  kexWTLButtonType type_;
+  std::shared_ptr<wbzThemer> themer_;
 };
 
 #endif

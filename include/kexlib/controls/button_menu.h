@@ -1,30 +1,29 @@
 // Button menu: a small push button with an arrow that opens a menu below itself.
 //
 //     atlButtonMenu more;
-//     more.SetMenu(instance, IDR_MORE);                      // a menu resource, of which the first submenu is shown
+//     more.SetMenu(instance, IDR_MORE);                      // the first submenu of this menu resource is shown
 //     more.SubclassWindow(dialog.GetDlgItem(IDC_MORE));
 //
 //     BEGIN_MSG_MAP(Dialog)                                  // in the dialog
 //       COMMAND_ID_HANDLER(ID_MORE_COPY, OnCopy)             // the menu's commands, as from a menu bar
-//       REFLECT_NOTIFICATIONS()                              // without it no menu is opened
+//       REFLECT_NOTIFICATIONS()                              // required: reflects the click to the button
 //     END_MSG_MAP()
 //
-// Errors. None is reported. Where there is no menu resource, or no submenu in it, the click leaves the button checked.
+// Errors. None is reported. If the menu resource or its first submenu is missing, a click leaves the button checked.
 //
-// Threads. For the thread of the dialog.
+// Threads. Call on the thread of the dialog.
 #ifndef KEXLIB_CONTROLS_BUTTON_MENU_H
 #define KEXLIB_CONTROLS_BUTTON_MENU_H
 
 #include <kexlib/export.h>
 
 #include <atlbase.h>
-
 #include <atlapp.h>
 #include <atlctrls.h>
 #include <atlgdi.h>
 
-/// The button. It does not destroy its window; the window goes first, with the dialog. A copy shares the font with its
-/// source, and the first of the two to go deletes it.
+/// The button. It does not destroy its window: destroy the window first, with the dialog. A copy shares the font with
+/// its source; the first of the two to be destroyed deletes it.
 class KEXLIB_API atlButtonMenu
     : public ATL::CWindowImpl<atlButtonMenu, WTL::CButtonT<ATL::CWindow>,
                               ATL::CWinTraits<WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0>> {
@@ -32,31 +31,31 @@ class KEXLIB_API atlButtonMenu
   /// No window and no menu.
   atlButtonMenu() = default;
 
-  /// A click that the parent reflects (OCM_COMMAND with BN_CLICKED) goes to OnClick, other reflected messages get the
-  /// system's default treatment. Of other message maps than 0 nothing is handled.
+  /// A click that the parent reflects (OCM_COMMAND with BN_CLICKED) calls OnClick; other reflected messages are passed
+  /// to DefaultReflectionHandler. Message maps other than 0 handle nothing.
   BOOL ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                             DWORD map = 0) override;
 
-  /// Deletes the font; leaves the window alone.
+  /// Deletes the font. Does not destroy the window.
   ~atlButtonMenu() override;
 
-  /// The menu from the next click on, which is loaded anew at each click (LoadMenuA). 0 is none: then a click does
-  /// nothing.
+  /// Sets the menu for the next click. It is loaded at each click (LoadMenuA). With 0, a click does nothing.
   void SetMenu(HINSTANCE module, UINT menu_id);
 
-  /// Takes a push button over: an arrow in the system's symbol font replaces its text or its icon. FALSE, and nothing
-  /// is changed, for what is no window. A button of before is let go of; its font stays the object's.
+  /// Subclasses a push button and replaces its text or icon by an arrow of the font Marlett. The previous button is
+  /// detached; its window keeps the font, which the object owns. FALSE, and nothing is changed, if the system refuses,
+  /// or if other code has subclassed the previous button since.
   BOOL SubclassWindow(HWND button);
 
-  /// Shows the button checked (BM_SETCHECK) and the menu below it, until the menu is closed; the chosen command is then
-  /// in the parent's message queue (WM_COMMAND). Where the button's lower left corner is on no monitor, the menu moves
-  /// sideways into the nearest one's work area. Always 0.
+  /// Checks the button (BM_SETCHECK) and shows the menu below it (TrackPopupMenu) until the menu is closed. The chosen
+  /// command is posted to the parent (WM_COMMAND). If the button's lower left corner is on no monitor, the menu is
+  /// moved horizontally into the work area of the nearest one. Returns 0.
   LRESULT OnClick(WORD notify_code, WORD id, HWND control, BOOL& handled);
 
  private:
-  UINT menu_id = 0;
-  HINSTANCE menu_module = nullptr;
-  WTL::CFont arrow_font;
+  UINT menu_id_ = 0;
+  HINSTANCE menu_module_ = nullptr;
+  WTL::CFont arrow_font_;
 };
 
 #endif

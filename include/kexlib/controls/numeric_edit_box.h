@@ -8,61 +8,66 @@
 //     ...
 //     const double value = length.get_value();                // 3 once the user has typed "3"
 //
-// The user types what he likes. When the keyboard focus leaves, the text is read (kexNumericFormatting::getValue) and
-// written again as the number that it stands for, so that "2,5x" becomes "2,500" with three places; text that is no
-// number becomes 0. The parent hears of it what an edit control tells by itself (EN_UPDATE, EN_CHANGE, EN_KILLFOCUS),
-// and nothing else.
+// Input is not filtered. When the control loses the keyboard focus, the text is parsed (kexNumericFormatting::getValue)
+// and rewritten as the number: "2,5x" becomes "2,500" with three places, and text that is not a number becomes 0. The
+// parent receives the notifications of an edit control (EN_UPDATE, EN_CHANGE, EN_KILLFOCUS) and no others.
 //
-// Windows. The object does not destroy its window; the window goes first, with its parent. Without a window the setters
-// only store, and the first of them that finds one shows the value.
+// Windows. The object does not destroy its window: destroy the window first, with its parent. Without a window the
+// setters only store; the first setter called with a window shows the value.
 //
-// Errors. None is reported. Running out of memory throws MFC's memory exception.
+// Errors. None is reported. Out of memory throws MFC's memory exception. An exception that the parent throws in
+// EN_UPDATE or EN_CHANGE while the text is written ends the program, since it would have to unwind the edit control.
 //
-// Threads. For the thread of the window.
+// Threads. Call on the thread of the window.
 #ifndef KEXLIB_CONTROLS_NUMERIC_EDIT_BOX_H
 #define KEXLIB_CONTROLS_NUMERIC_EDIT_BOX_H
 
 #include <kexlib/controls/numeric_formatting.h>
 
-/// The edit box. A copy has the same numbers and names the same window, whose messages it does not get.
+/// The edit box. A copy has the same numbers and the same window handle, but does not get the window's messages.
 class KEXLIB_API kexNumericEditBox
     : public ATL::CWindowImpl<kexNumericEditBox, WTL::CEditT<ATL::CWindow>,
                               ATL::CWinTraits<WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0>> {
  public:
-  /// No window; 0 with three places, negative numbers allowed, and the decimal separator that the user has now.
+  /// No window. The value is 0 with three decimal places, negative numbers are allowed, and the separator is the user's
+  /// decimal separator at this moment.
   kexNumericEditBox();
 
-  /// WM_KILLFOCUS reads and shows the number, and goes on to the edit control; nothing else is looked at. Always FALSE.
+  /// WM_KILLFOCUS reads and rewrites the number; the edit control gets the message as well. Returns FALSE.
   BOOL ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                             DWORD map = 0) override;
 
-  /// Leaves the window alone.
+  /// Does not destroy the window.
   ~kexNumericEditBox() override;
 
-  /// Makes an edit control with a sunken border and the identifier 0 in the window that the object holds, with the font
-  /// of `font_source` (WM_GETFONT), and shows the number. The object holds the new control then, or none where it could
-  /// not be made. It has no size: move it.
+  /// Subclasses an edit control; the previous one is detached. FALSE, and nothing is changed, if the system refuses, or
+  /// if other code has subclassed the previous one since: this object still receives its messages. To leave a
+  /// subclassed window call UnsubclassWindow, not Detach.
+  BOOL SubclassWindow(HWND edit);
+
+  /// Creates an edit control with a sunken border and the identifier 0 as a child of the window that the object holds,
+  /// with the font of `font_source` (WM_GETFONT), and shows the number. The object then holds the new control, or no
+  /// window if the creation fails. An edit control that it held is detached; if other code has subclassed that one
+  /// since, nothing is created. The new control has no size: move it.
   ///
-  ///     length.Attach(host);      // just before: a setter would take the host for the edit control
+  ///     length.Attach(host);      // immediately before Create: a setter would write into the host
   ///     length.Create(host);
   ///     length.MoveWindow(10, 10, 80, 20);
   void Create(ATL::CWindow& font_source);
 
-  /// The number. If there is a window it is read from the text first, also while the user is still typing; the text
-  /// stays as it is.
+  /// The number. With a window it is read from the text first, also while the user is typing; the text does not change.
   double get_value();
 
-  /// Sets the number, and shows it.
+  /// Sets the number and shows it.
   void set_value(double number);
 
-  /// How many digits are shown behind the separator.
+  /// The number of digits after the separator, below a million. Setting it rewrites the text from the number of the
+  /// last read.
   int get_decimal_places() const;
-
-  /// Sets that; below a million. The text is written again, from the number of the last read.
   void set_decimal_places(int places);
 
-  /// Whether a minus sign is kept. The text is written again at once, while the number stays what it was until the next
-  /// read: -1.5 is shown as 1.500, and get_value makes it 1.5.
+  /// Whether a minus sign is kept. The text is rewritten at once; the number changes with the next read: -1.5 is shown
+  /// as 1.500, and get_value then returns 1.5.
   void allow_negative_values(bool allow);
 
  private:
@@ -70,10 +75,10 @@ class KEXLIB_API kexNumericEditBox
   void update_display();
   void update_model();
 
-  double value = 0.0;
-  bool allow_negative = true;
-  CStringA decimal_seperator;
-  int decimal_places = 3;
+  double value_ = 0.0;
+  bool allow_negative_ = true;
+  CStringA decimal_seperator_;
+  int decimal_places_ = 3;
 };
 
 #endif

@@ -1,5 +1,5 @@
-// Control groups and the step manager: whole groups of a dialog's controls switched on and off together, and steps that
-// the user goes through one after the other.
+// Control groups and the step manager: groups of a dialog's controls that are enabled and shown together, and steps of
+// which the user does one after the other.
 //
 //     atlStepManager steps(dialog, true);              // numbered
 //     atlStepControlGroup* first = steps.create_step();
@@ -11,12 +11,12 @@
 //     ...
 //     steps.next_step();
 //
-// Controls are named by their identifiers and looked up in the parent window each time (GetDlgItem). An identifier that
-// names none is passed over.
+// Controls are named by their identifiers and looked up in the parent window at each call (GetDlgItem). An identifier
+// without a control is ignored.
 //
-// Errors. None is reported. Running out of memory throws std::bad_alloc.
+// Errors. None is reported. Out of memory throws std::bad_alloc.
 //
-// Threads. For the thread of the parent window.
+// Threads. Call on the thread of the parent window.
 #ifndef KEXLIB_CONTROLS_STEP_MANAGER_H
 #define KEXLIB_CONTROLS_STEP_MANAGER_H
 
@@ -30,14 +30,14 @@
 /// Controls of one parent window. It owns none of them.
 class KEXLIB_API atlControlGroup {
  public:
-  /// No controls; taken to be enabled and visible.
+  /// No controls; enabled() and visible() are 1.
   explicit atlControlGroup(HWND parent);
-  /// The same controls of the same parent.
+  /// Copies the identifiers, the parent and the two flags.
   atlControlGroup(const atlControlGroup& other);
-  /// The same.
+  /// Copies the same.
   const atlControlGroup& operator=(const atlControlGroup& other);
 
-  /// Adds a control, once. It is left as it is, whatever was asked of the group before.
+  /// Adds a control, once. The control itself does not change until the next set_enabled or set_visible.
   virtual void add_control(unsigned int id);
 
   /// 1 if the control is in the group, else 0.
@@ -46,29 +46,29 @@ class KEXLIB_API atlControlGroup {
   /// Enables the controls, or disables them with 0 (EnableWindow), in the order of their identifiers.
   virtual void set_enabled(int enable);
 
-  /// What set_enabled was told last, as it was told; at first 1. Controls may have been changed by others since.
+  /// The last argument of set_enabled, unchanged; 1 at first. The controls' own state may differ.
   virtual int enabled() const;
 
   /// Shows the controls, or hides them with 0 (ShowWindow), in the order of their identifiers.
   virtual void set_visible(int show);
 
-  /// What set_visible was told last, as it was told; at first 1.
+  /// The last argument of set_visible, unchanged; 1 at first.
   virtual int visible() const;
 
   /// The window in which the controls are looked up.
   virtual HWND parent() const;
 
-  /// The controls.
+  /// The identifiers of the controls.
   virtual const std::set<unsigned int>& control_ids() const;
 
-  /// Leaves the controls as they are.
+  /// Does not change the controls.
   virtual ~atlControlGroup();
 
  protected:
   /// For copy constructors, which call copy_from.
   atlControlGroup();
 
-  /// Takes everything over.
+  /// Copies everything.
   void copy_from(const atlControlGroup& other);
 
  private:
@@ -78,37 +78,38 @@ class KEXLIB_API atlControlGroup {
   HWND parent_ = nullptr;
 };
 
-/// A step: a group with a number, and with a control that shows the number. Step managers make them.
+/// A step: a group with a number and a control that shows the number. Step managers create steps.
 class KEXLIB_API atlStepControlGroup : public atlControlGroup {
  public:
-  /// The same controls, display and number; the copy belongs to no manager.
+  /// Copies the group, the display and the number; the copy belongs to no manager.
   atlStepControlGroup(const atlStepControlGroup& other);
-  /// The same.
+  /// Copies the same.
   const atlStepControlGroup& operator=(const atlStepControlGroup& other);
 
-  /// The control that shows the number, which is enabled and shown with the group; 0 for none. Nothing is written yet.
+  /// Sets the control that shows the number; it is enabled and shown with the group. 0 means none. Call update to write
+  /// the number.
   void attach_number_display(unsigned int id);
 
-  /// Sets the number. Nothing is written yet.
+  /// Sets the number. Call update to write it.
   void set_step_number(int number);
 
-  /// The number; -1 for a step that got none.
+  /// The number; -1 at first.
   int step_number() const;
 
-  /// Writes the number into its display, if there is one (SetWindowTextA).
+  /// Writes the number into its display, if any (SetWindowTextA).
   void update();
 
-  /// The number display first, then as in every group.
+  /// Applies to the number display first, then to the group.
   void set_enabled(int enable) override;
 
-  /// The number display first, then as in every group.
+  /// Applies to the number display first, then to the group.
   void set_visible(int show) override;
 
-  /// Leaves the controls as they are.
+  /// Does not change the controls.
   ~atlStepControlGroup() override;
 
  protected:
-  /// Takes everything over.
+  /// Copies everything.
   void copy_from(const atlStepControlGroup& other);
 
  private:
@@ -121,56 +122,59 @@ class KEXLIB_API atlStepControlGroup : public atlControlGroup {
   int step_number_ = 0;
 };
 
-/// Steps in their order, of which one is active. Steps are named by their index, from 0.
+/// An ordered list of steps, one of which is active. Indices begin with 0.
 class KEXLIB_API atlStepManager {
  public:
-  /// parent: of the steps to come; auto_number_steps: the visible ones are numbered 1, 2, 3 ...;
-  /// disable_completed_steps: going on disables what is left behind, otherwise it stays enabled. No step is active.
+  /// No steps, and no active step.
+  ///   parent                   parent of the steps that are created
+  ///   auto_number_steps        visible steps are numbered 1, 2, 3 ...
+  ///   disable_completed_steps  moving forward disables the steps left behind; otherwise they stay enabled
   explicit atlStepManager(HWND parent = nullptr, bool auto_number_steps = false, bool disable_completed_steps = true);
-  /// The copy shares the steps with its source: only one of the two may be cleared or destroyed. Better not used.
+  /// The copy shares the steps with its source: only one of the two may be cleared or destroyed. Avoid it.
   atlStepManager(const atlStepManager& other);
-  /// The same; the steps that this manager had are not deleted.
+  /// As the copy constructor. The steps that this manager had are not deleted.
   atlStepManager& operator=(const atlStepManager& other);
 
   /// Deletes the steps.
   virtual ~atlStepManager();
 
-  /// The parent of the steps to come; those that are there keep theirs.
+  /// Sets the parent of steps created from now on; existing steps keep theirs.
   void set_parent(HWND parent);
 
-  /// A new step at the end, which stays the manager's. With automatic numbers it gets the next one.
+  /// Appends a step and returns it; the manager owns it. With automatic numbers it gets the next number.
   atlStepControlGroup* create_step();
 
-  /// The step, or null if there is none of that index.
+  /// The step of an index, or null.
   atlStepControlGroup* step(int idx);
 
-  /// How many steps there are.
+  /// The number of steps.
   int get_step_count() const;
 
-  /// The active step's index; -1 before there was one. It stays when the steps are cleared.
+  /// The index of the active step; -1 until one was active. clear does not change it.
   int get_active_step_idx() const;
 
-  /// The first visible step after the active one, or -1.
+  /// The index of the first visible step after the active one, or -1.
   int get_next_step_idx() const;
 
-  /// Makes a step the active one and enables it. Going back, and with disable_completed_steps also going on, disables
-  /// all steps from the one that was active up to it. Nothing happens if it is active already or is not there.
+  /// Makes a step the active one and enables it. Moving back, and with disable_completed_steps also moving forward,
+  /// first disables the steps from the previously active one up to it. Ignored if the step is active or does not exist.
   void goto_step(int idx);
 
-  /// goto_step to the next one, hidden or not; on the last step nothing happens.
+  /// Calls goto_step for the next step, visible or not; ignored on the last step. Use get_next_step_idx to skip hidden
+  /// steps.
   void next_step();
 
-  /// goto_step to the one before, hidden or not; on the first step nothing happens.
+  /// Calls goto_step for the previous step, visible or not; ignored on the first step.
   void prev_step();
 
-  /// Numbers the steps if that is automatic, disables them all and goes to the first visible one. If that is the active
-  /// one already it stays disabled like the others: call it once.
+  /// Numbers the steps if that is automatic, disables all of them and activates the first visible one. If that one is
+  /// active already it stays disabled: call init once.
   void init();
 
-  /// Numbers the visible steps from 1 and writes the numbers into their displays. Hidden ones keep theirs.
+  /// Numbers the visible steps from 1 and writes the numbers into their displays. Hidden steps keep their numbers.
   void renumber_steps();
 
-  /// Deletes the steps; the next one is numbered 1. The active index stays.
+  /// Deletes the steps; the next one is numbered 1. The active index does not change.
   void clear();
 
  private:

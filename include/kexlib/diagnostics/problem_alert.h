@@ -1,28 +1,26 @@
-// Problem alert: a warning, "The problem has occurred", that any thread can raise without waiting for it.
+// Problem alert: a message box, "The problem has occurred", that any thread can raise without waiting for it.
 //
-//     CProblemAlert alert;                // made and ended by one thread
+//     CProblemAlert alert;                // constructed and ended by one thread
 //     ...
 //     alert.RaiseProblemMessage();        // from any thread, whatever locks it holds
 //
-// The box (MessageBoxA with MB_OK | MB_ICONEXCLAMATION | MB_SYSTEMMODAL, and the system's caption for errors) is shown
-// by a thread that the object has for it. At most one is on screen, and whatever is raised while it is there is part of
-// it.
+// A worker thread of the object shows the box (MessageBoxA with MB_OK | MB_ICONEXCLAMATION | MB_SYSTEMMODAL and the
+// system's caption for errors). At most one is on screen; raises while it is shown are discarded.
 //
-// The end. EndThread and the destructor wait for the user to close a box that is on screen. Therefore never make such
-// an object a static one of a DLL: while the DLL is unloaded, its thread cannot end and the wait would last for ever.
-// End it where the program ends in order.
+// EndThread and the destructor wait for the user to close a box that is on screen. Never make such an object a static
+// object of a DLL: its thread cannot end while the DLL is unloaded, and the wait would not end. Call EndThread before.
 #ifndef KEXLIB_DIAGNOSTICS_PROBLEM_ALERT_H
 #define KEXLIB_DIAGNOSTICS_PROBLEM_ALERT_H
 
-#include <afxmt.h>
-
 #include <kexlib/export.h>
+
+#include <afxmt.h>
 
 /// The alert, with the thread that shows it.
 class KEXLIB_API CProblemAlert {
  public:
-  /// Not 0: as StartThread does, whose result nobody sees; 0: no thread until StartThread is called. Where the system
-  /// has no more events, throws what CEvent throws.
+  /// If `startNow` is not 0, calls StartThread and ignores its result. If an event cannot be created, throws what
+  /// CEvent throws.
   CProblemAlert(int startNow = 1);
 
   /// EndThread().
@@ -31,21 +29,23 @@ class KEXLIB_API CProblemAlert {
   CProblemAlert(const CProblemAlert&) = delete;
   CProblemAlert& operator=(const CProblemAlert&) = delete;
 
-  /// Starts the thread (AfxBeginThread); what was raised before is forgotten. 1 if it runs, also if it did already; 0
-  /// if it cannot be started. For the owner's thread, as EndThread.
+  /// Starts the thread (AfxBeginThread); earlier raises are discarded. 1 if the thread runs, also if it was running
+  /// already; 0 if it cannot be started, for lack of memory too. Call it, as EndThread, on the thread that owns the
+  /// object.
   int StartThread();
 
-  /// Ends the thread and waits for that, without limit; a raise that it has not seen yet is lost. Nothing if none runs.
+  /// Ends the thread and waits for its end, without limit. A raise that it has not handled yet is discarded: ending
+  /// takes priority. Does nothing if no thread runs.
   void EndThread();
 
-  /// Asks for the box and returns at once. Without a thread nothing is shown, neither now nor later. For any thread.
+  /// Requests the box and returns at once. Without a thread nothing is shown, not even later. Any thread may call it.
   void RaiseProblemMessage();
 
  private:
   static unsigned ThreadEntry(void* param);
   void ThreadLoop();
 
-  CWinThread* thread_ = nullptr;  // ours; null while none runs
+  CWinThread* thread_ = nullptr;  // owned; null while none runs
   CEvent stop_event_;
   CEvent problem_event_;
 };

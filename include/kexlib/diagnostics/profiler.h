@@ -1,7 +1,7 @@
 // Profiler: times named blocks of work, per thread, and writes them as a small script file for a viewer page.
 //
-// The code to be watched marks its blocks, by a scope object or by begin and end; whoever wants the figures switches
-// profiling on and, later, stops it into a file:
+// Code marks its blocks, by a scope object or by begin and end. A caller switches profiling on and, later, stops it
+// into a file:
 //
 //     kex_start_profiling();
 //     {
@@ -10,7 +10,7 @@
 //       ...
 //       kex_end_block();                            // closes the innermost open block: "parse"
 //     }                                             // closes "load"
-//     kex_stop_profiling("load times.js");          // writes the record and forgets it
+//     kex_stop_profiling("load times.js");          // writes the record and discards it
 //
 // What is recorded. Each thread has a tree of blocks. A block is one name under one parent: the same name under two
 // parents makes two blocks, a name begun inside itself makes a child of the same name, and a block that is begun again
@@ -23,15 +23,15 @@
 // Cost. Two counter reads and about twenty nanoseconds for a begin and its end, about sixteen bytes for an interval.
 // While profiling is off a call is one test of a flag. Nothing is formatted before the stop.
 //
-// Threads. Any thread may begin and end blocks and start profiling, at any time, and no lock is ever taken. But
-// kex_stop_profiling must not run at the same time as another thread's profiler call: the caller sees to that. A thread
-// is known by its GetCurrentThreadId: where Windows gives the id of an ended thread to a new one, the new one continues
-// its record, inside the blocks that the ended one left open.
+// Threads. Any thread may begin and end blocks and start profiling, at any time. No lock is taken. The caller must keep
+// kex_stop_profiling from running at the same time as a profiler call of another thread. A thread is identified by
+// GetCurrentThreadId: if Windows reuses the id of an ended thread, the new thread continues its record, inside the
+// blocks that the ended one left open.
 //
-// Errors. None is ever reported and nothing is thrown, but for std::bad_alloc when there is no memory left.
+// Errors. None is reported. Only std::bad_alloc is thrown, if memory runs out.
 //
 // Unloading. If profiling is still on when kexlib.dll is unloaded (at the end of the process or by FreeLibrary), the
-// record goes to "profiler.js" in the current directory. TerminateProcess runs no unloading and writes nothing.
+// record is written to "profiler.js" in the current directory. TerminateProcess runs no unloading and writes nothing.
 #ifndef KEXLIB_DIAGNOSTICS_PROFILER_H
 #define KEXLIB_DIAGNOSTICS_PROFILER_H
 
@@ -39,32 +39,31 @@
 
 #include <string>
 
-/// Switches profiling on. The time base is taken anew at the next begin. If it is on already, nothing changes: the
-/// record and the time base are kept.
+/// Switches profiling on. The next begin sets the time base. If profiling is on already, nothing changes: the record
+/// and the time base are kept.
 KEXLIB_API void kex_start_profiling();
 
 /// Opens the block `name` on the calling thread, inside the innermost block that the thread has open. Ignored while
 /// profiling is off.
 ///
-/// `name` may be any text of any length; it is compared byte for byte and later written as it is, without escaping: a
-/// name that holds a quote makes a file that is no valid script. The bytes are copied.
+/// `name` may have any bytes and any length. It is copied, compared byte for byte and written without escaping: with a
+/// quote in a name the file is not a valid script.
 KEXLIB_API void kex_begin_block(const std::string& name);
 
 /// kex_start_profiling() and then kex_begin_block(name): the first such call switches profiling on.
 KEXLIB_API void kex_begin_block_with_auto_start(const std::string& name);
 
-/// Closes the innermost open block of the calling thread, whatever its name. If none is open, the call is ignored,
-/// though the thread will stand in the record. Ignored while profiling is off.
+/// Closes the innermost open block of the calling thread. If none is open, the call only adds the thread to the record.
+/// Ignored while profiling is off.
 KEXLIB_API void kex_end_block();
 
-/// Switches profiling off, writes the record to the file `path` and forgets the record. While profiling is off nothing
-/// happens, and no file is made.
+/// Switches profiling off, writes the record to the file `path` and discards the record. Ignored while profiling is
+/// off: no file is created.
 ///
-/// `path` is used as it is, in the ANSI code page, relative to the current directory unless it is absolute; a file that
-/// is there is overwritten, and others may read and write it meanwhile. If it cannot be opened, nothing is written; the
-/// record is gone all the same.
+/// `path` is in the ANSI code page and relative to the current directory unless it is absolute. An existing file is
+/// overwritten; others may read and write it meanwhile. If it cannot be opened, the record is discarded unwritten.
 ///
-/// The file is text with CR LF line ends, in the "C" locale whatever locale is set, and declares one variable:
+/// The file is text with CR LF line ends, always in the "C" locale, and declares one variable:
 ///
 ///     var threads = [
 ///     {

@@ -1,16 +1,16 @@
 // Trace file: printf-style diagnostic lines to a file on the user's desktop, to the debugger, or to both.
 //
 //     CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebuggerAndFile);
-//     g_traceToFile.Trace("%d files in %s\n", count, folder);         // the first line makes the file
+//     g_traceToFile.Trace("%d files in %s\n", count, folder);         // the first line creates the file
 //     CTraceToFile::SetTraceMode(CTraceToFile::TraceOff);             // closes it with its footer
 //
 // The file is "QZFileTrace_DDMMYYYY_HHMMSS_N.txt" in the user's desktop folder (SHGetFolderPathA), or in "C:\" if there
-// is none: local time, N counted up from 0 until no file of that name exists. It is made when the first line is traced,
-// is complete up to the last line whenever one looks, and ends in a footer with the time at which it was closed. Others
-// may read and write it meanwhile. If it is still open when kexlib.dll is unloaded, it is closed with its footer.
+// is none: local time, N counted up from 0 until no file of that name exists. The first traced line creates it. It is
+// complete after each line, and closing adds a footer with the time. Others may read and write it meanwhile. If it is
+// open when kexlib.dll is unloaded, it is closed with its footer.
 //
-// Errors. None is ever reported and nothing is thrown. A line that finds the file closed and cannot make it is lost;
-// the next line tries again, with a new name.
+// Errors. None is reported and nothing is thrown. A line whose file cannot be created is lost; the next line tries
+// again, with a new name.
 //
 // Threads. No lock is taken: trace, switch and close from one thread at a time.
 #ifndef KEXLIB_DIAGNOSTICS_TRACE_FILE_H
@@ -21,7 +21,7 @@
 /// A sink for diagnostic lines. Programs use the one instance g_traceToFile.
 class KEXLIB_API CTraceToFile {
  public:
-  /// Where lines go: a set of bits.
+  /// The destinations of lines: a set of bits.
   enum Mode : int {
     TraceOff = 0,               ///< nowhere; a trace call does not even format
     TraceToDebugger = 1,        ///< to OutputDebugStringA
@@ -29,7 +29,7 @@ class KEXLIB_API CTraceToFile {
     TraceToDebuggerAndFile = 3  ///< to both, the file first
   };
 
-  /// Mode TraceOff, no file. An instance of one's own stays off: the mode is set on g_traceToFile only.
+  /// Mode TraceOff, no file. The mode can be set on g_traceToFile only: other instances stay off.
   CTraceToFile() = default;
 
   /// CloseFile().
@@ -38,22 +38,20 @@ class KEXLIB_API CTraceToFile {
   CTraceToFile(const CTraceToFile&) = delete;
   CTraceToFile& operator=(const CTraceToFile&) = delete;
 
-  /// Formats as vsnprintf does, in the C locale that the process has set, and sends the text where the mode of this
-  /// object says. Nothing is added: lines end in the caller's own "\n", which the file gets as CR LF. A text longer
-  /// than 511 characters is cut there; a wide string that has no narrow form is cut or makes the whole text empty, as
-  /// the run-time library has it. A null `format` is ignored. Keep widths and precisions, those given by `*` too, below
-  /// a million: run-time libraries may take as much stack.
+  /// Formats as vsnprintf does, in the C locale of the process, and sends the text to the destinations in the mode of
+  /// this object. Nothing is added: callers end lines in "\n", which the file receives as CR LF. Text beyond 511
+  /// characters is truncated. A wide string without a narrow form is truncated or empties the whole text, depending on
+  /// the run-time library. A null `format` is ignored. Keep widths and precisions, those given by `*` too, below a
+  /// million: run-time libraries may use as much stack.
   void Trace(const char* format, ...) KEXLIB_PRINTF(2, 3);
 
-  /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. If none is
-  /// open, nothing happens. The next traced line makes a new file.
+  /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. Does nothing if none
+  /// is open. The next traced line creates a new file.
   void CloseFile();
 
-  /// The mode of g_traceToFile.
+  /// The mode of g_traceToFile. Setting a mode without the file bit closes an open file; with it, the file stays as it
+  /// is.
   static Mode GetTraceMode();
-
-  /// Sets the mode of g_traceToFile. A mode without the file bit closes an open file; a mode with it leaves the file
-  /// as it is.
   static void SetTraceMode(Mode mode);
 
  private:

@@ -1,4 +1,4 @@
-// Byte buffer: filled and closed by one thread, read by others once it is closed.
+// Byte buffer: one thread fills and closes it, other threads read it after that.
 //
 //     std::shared_ptr<kexBuffer> buffer = kexBuffer_create();
 //     std::thread producer([=] {
@@ -7,11 +7,11 @@
 //     });
 //     buffer->write_to_file("picture.png");        // waits until it is closed
 //
-// Threads. One thread writes and closes; after it has closed, any number of threads may read. Whoever waits for the
-// closing asks every 10 milliseconds, for ever if need be. Nothing else is guarded: do not write after closing.
+// Threads. One thread writes and closes the buffer; after that, any number of threads may read it. A reader that waits
+// polls every 10 milliseconds, without a time-out. There is no lock: do not write after closing.
 //
-// In an archive a buffer is a 32-bit little-endian length and as many bytes. A buffer of 4 GiB and more gets a length
-// that is cut to 32 bits.
+// In an archive a buffer is a 32-bit little-endian length, followed by that number of bytes. The length of a buffer of
+// 4 GiB or more is truncated to 32 bits.
 #ifndef KEXLIB_IMAGING_BUFFER_H
 #define KEXLIB_IMAGING_BUFFER_H
 
@@ -23,10 +23,10 @@
 #include <memory>
 #include <sstream>
 
-/// Bytes on their way from one thread to others. Shared by std::shared_ptr: kexBuffer_create makes one.
+/// Bytes that one thread passes to others. Held by std::shared_ptr; kexBuffer_create creates one.
 class KEXLIB_API kexBuffer {
  public:
-  /// Empty and open.
+  /// Makes an empty, open buffer.
   kexBuffer();
 
   /// Releases the bytes.
@@ -35,32 +35,35 @@ class KEXLIB_API kexBuffer {
   kexBuffer(const kexBuffer&) = delete;
   kexBuffer& operator=(const kexBuffer&) = delete;
 
-  /// A new buffer, loaded from an archive and closed. What serialize throws is passed on.
+  /// Returns a new buffer, loaded from an archive and closed. Throws what serialize throws.
   static std::shared_ptr<kexBuffer> create_from_archive(CArchive& ar);
 
-  /// Appends bytes, whether closed or not. Where there is no memory for them, fail() tells.
+  /// Appends bytes; a closed buffer is not refused. If memory runs out, fail() returns true.
   void write(const void* data, unsigned __int64 size);
 
-  /// Releases those who wait. A closed buffer stays closed.
+  /// Closes the buffer and so ends the wait of its readers. A closed buffer stays closed.
   void close();
 
-  /// Whether it is closed.
+  /// Whether the buffer is closed; does not wait.
   bool is_closed() const;
 
   /// Whether a write has failed.
   bool fail() const;
 
-  /// The number of bytes once it is closed; 0 before, without waiting.
+  /// The number of bytes, or 0 while the buffer is open; does not wait.
   unsigned __int64 size() const;
 
-  /// Waits until it is closed and writes all bytes to a file, in the ANSI code page, instead of what was in it.
-  /// Failures are not told.
+  /// Waits until the buffer is closed, then writes all bytes to a file; the path is in the ANSI code page. An existing
+  /// file is replaced. Failures are not reported, and nothing is thrown.
   void write_to_file(const CString& path) const;
 
-  /// Storing: waits until it is closed and stores all bytes. Loading: appends the bytes and closes; where the archive
-  /// ends before its length says so, the missing bytes are zeros. An archive without a length and a file that fails
-  /// throw what the archive throws, memory that runs out std::bad_alloc; then nothing is appended, and the buffer is as
-  /// open as it was.
+  /// Storing: waits until the buffer is closed, then stores all bytes. Loading: reads the bytes, appends them to those
+  /// already present, and closes the buffer; if the archive ends early, the missing bytes are zeros.
+  ///
+  /// Errors while loading. If the archive has no complete length or its file fails, the archive's exception is passed
+  /// on; if there is no memory to read the bytes into, std::bad_alloc is thrown. In both cases nothing is appended and
+  /// the buffer is not closed. If memory runs out while the bytes are appended, nothing is thrown: the buffer is
+  /// closed, fail() returns true, and only a part of the bytes is in it.
   void serialize(CArchive& ar);
 
  private:
@@ -70,7 +73,7 @@ class KEXLIB_API kexBuffer {
   std::atomic<bool> closed_{false};
 };
 
-/// A new buffer, empty and open.
+/// Returns a new, empty, open buffer.
 KEXLIB_API std::shared_ptr<kexBuffer> kexBuffer_create();
 
 #endif

@@ -1,6 +1,6 @@
-// Image list: square pictures of the common controls, loaded from bitmap resources through kexWTLDIB.
+// Image list: square pictures for the common controls, loaded from bitmap resources through kexWTLDIB.
 //
-//     kexWTLImageList list(16, RGB(0, 128, 128));             // a colour that is in no picture
+//     kexWTLImageList list(16, RGB(0, 128, 128));             // a colour that no picture has
 //     list.Create();
 //     list.Add(IDB_OPEN, instance, kexImageNormal);           // magenta becomes transparent
 //     list.Add(IDB_OPEN, instance, kexImageDisabled);
@@ -8,44 +8,46 @@
 //     ...
 //     list.Destroy();
 //
-// Threads. For the user-interface thread.
+// Threads. Use it on the user-interface thread.
 #ifndef KEXLIB_IMAGING_IMAGE_LIST_H
 #define KEXLIB_IMAGING_IMAGE_LIST_H
 
 #include <kexlib/export.h>
 
 #include <windows.h>
-
 #include <commctrl.h>
 
-/// How a picture looks in the list; any other value is as loaded.
+/// The look of a picture in the list; any other value means kexImageNormal.
 enum kexImageType {
   kexImageNormal = 0,    ///< as loaded
   kexImageDisabled = 1,  ///< kexWTLDIB::insensitive: from the button shadow over the face to white
   kexImageTinted = 2     ///< from dark blue over blue to white
 };
 
-/// Holds an image list of 32 bits with a mask.
+/// Holds an image list of 32 bits a pixel with a mask.
 class KEXLIB_API kexWTLImageList {
  public:
-  /// For pictures of `size` x `size` pixels. Where a picture has the mask colour, or magenta, it is transparent. There
-  /// is no list before Create.
+  /// Sets the size of the pictures, `size` x `size` pixels, and the mask colour. Pixels of the mask colour and magenta
+  /// pixels are transparent. There is no list before Create.
   kexWTLImageList(int size, DWORD mask_color);
 
-  /// Does not destroy the list: that is for whoever has it in use, by Destroy.
+  /// Does not destroy the list, which controls may still use: call Destroy.
   ~kexWTLImageList() = default;
 
-  /// Makes the list (ImageList_Create). One that was there is forgotten, not destroyed.
+  /// Creates the list (ImageList_Create). A previous list is not destroyed.
   bool Create();
 
-  /// Destroys the list (ImageList_Destroy). 0 if there is none, or if it cannot be destroyed.
+  /// Destroys the list (ImageList_Destroy). 0 if there is no list or it cannot be destroyed.
   int Destroy();
 
-  /// Adds a bitmap resource. False only if that cannot be loaded: a picture of another size than the list's is added
-  /// with undefined contents, and without a list nothing is added.
+  /// Adds a bitmap resource. False only if the resource cannot be loaded. A picture of another size than the list's is
+  /// added with undefined contents; without a list nothing is added, and the result is true.
+  ///   bitmap_id  the number of the resource
+  ///   instance   the module that contains it
+  ///   type       the look of the picture
   bool Add(UINT bitmap_id, HINSTANCE instance, kexImageType type);
 
-  /// The number of pictures, 0 without a list.
+  /// The number of pictures; 0 without a list.
   int GetImageCount() const;
 
   /// Whether there is no list.
@@ -54,11 +56,11 @@ class KEXLIB_API kexWTLImageList {
   /// Makes a picture an overlay, numbered from 1 (ImageList_SetOverlayImage).
   int SetOverlayImage(int image, int overlay);
 
-  /// The list, which stays the object's.
+  /// The handle of the list; null before Create.
   operator HIMAGELIST() const;
 
  protected:
-  /// The number of pictures that there is room for at first.
+  /// The initial capacity of a new list.
   static int m_DefaultSize;
 
  private:

@@ -1,12 +1,12 @@
-// PNG generation thread: encodes an image as PNG on a thread of its own, into a file, or into a buffer and a file.
+// PNG generation thread: encodes an image as PNG on a worker thread, to a file, or to a buffer and a file.
 //
 //     auto buffer = kexBuffer_create();
 //     kexPNGGenerationThread job(std::move(image), "picture.png", buffer);
-//     job.Resume();                                                     // it was made suspended
-//     ...                                                               // others wait for the buffer
-//     job.Join(INFINITE);                                               // before the object goes
+//     job.Resume();                                                     // the thread is created suspended
+//     ...                                                               // other threads wait for the buffer
+//     job.Join(INFINITE);                                               // before the object is destroyed
 //
-// The thread uses the object while it runs, and the destructor does not wait for it.
+// The thread uses the object while it runs. The destructor does not wait for it.
 #ifndef KEXLIB_IMAGING_PNG_THREAD_H
 #define KEXLIB_IMAGING_PNG_THREAD_H
 
@@ -14,73 +14,81 @@
 #include <kexlib/imaging/buffer.h>
 
 #include <atlstr.h>
-#include <rqgfx/duct_image.h>
 #include <windows.h>
+
+#include <rqgfx/duct_image.h>
 
 #include <memory>
 #include <type_traits>
 
-/// A thread's handle and identifier. CThreadT<true> owns the handle; kexlib.dll has that one only.
+/// Holds a thread's handle and identifier. CThreadT<true>, which owns the handle, is the only instantiation that
+/// kexlib.dll exports.
 template <bool owns>
 class CThreadT {
  public:
   /// No thread.
   CThreadT() = default;
 
-  /// Takes over a handle. The identifier 0 stands for the thread's own (GetThreadId).
+  /// Takes ownership of a handle. If the identifier is 0, it is queried (GetThreadId).
   CThreadT(HANDLE h, DWORD id);
 
-  /// Has a handle of its own for the same thread (DuplicateHandle).
+  /// Duplicates the handle; the duplicate has the same access and is not inheritable (DuplicateHandle).
   CThreadT(const CThreadT& other);
 
-  /// Takes the handle as it is, without duplicating it and without closing the one that was here: afterwards two
-  /// objects close the same handle.
+  /// Copies the handle without duplicating it, and does not close the previous handle. Afterwards both objects close
+  /// the same handle. Kept for compatibility, unlike the copy constructor.
   CThreadT& operator=(const CThreadT& other);
 
-  /// Closes the handle. The thread goes on.
+  /// Closes the handle. The thread continues to run.
   virtual ~CThreadT();
 
-  /// Starts a thread (_beginthreadex); without one the handle is null.
+  /// Starts a thread (_beginthreadex). On failure the handle is null.
+  ///   proc       the thread's function; its result is the exit code
+  ///   param      passed to `proc`
+  ///   flags      0 or CREATE_SUSPENDED
+  ///   sa         the security attributes, may be null
+  ///   stackSize  in bytes; 0 is the default
   static CThreadT Create(unsigned long(WINAPI* proc)(void*), void* param, unsigned long flags, SECURITY_ATTRIBUTES* sa,
                          unsigned long stackSize);
 
-  /// A thread that runs (OpenThread); the identifier 0 is asked for.
+  /// Opens a running thread (OpenThread). On failure the handle is null.
+  ///   id       the thread's identifier
+  ///   access   such as THREAD_QUERY_INFORMATION
+  ///   inherit  whether child processes inherit the handle
   static CThreadT Open(unsigned long id, unsigned long access, int inherit);
 
-  /// Ends the calling thread, whichever it is (_endthreadex).
+  /// Ends the calling thread, which need not be this object's (_endthreadex).
   void Exit(unsigned long code);
 
-  /// STILL_ACTIVE (259) while the thread runs, 0xFFFFFFFF where it cannot be told (GetExitCodeThread).
+  /// STILL_ACTIVE (259) while the thread runs; 0xFFFFFFFF on failure (GetExitCodeThread).
   unsigned long GetExitCode() const;
 
-  /// The handle, which stays the object's.
+  /// The handle. The object keeps its ownership.
   virtual HANDLE GetHandle() const;
 
-  /// The identifier.
+  /// The thread's identifier, 0 if there is no thread.
   unsigned long GetId() const;
 
-  /// GetThreadPriority.
+  /// The priority, THREAD_PRIORITY_ERROR_RETURN on failure (GetThreadPriority); the setter's result is 0 on failure
+  /// (SetThreadPriority).
   int GetPriority() const;
-
-  /// SetThreadPriority.
   int SetPriority(int priority);
 
-  /// GetThreadTimes.
+  /// The times of creation and exit, and the time spent in kernel and user mode (GetThreadTimes). 0 on failure.
   int GetThreadTimes(FILETIME* creation, FILETIME* exit, FILETIME* kernel, FILETIME* user) const;
 
-  /// Whether input or output is under way; 0 where it cannot be told (GetThreadIOPendingFlag).
+  /// Whether the thread has pending input or output; 0 on failure (GetThreadIOPendingFlag).
   int IsIOPending() const;
 
-  /// Waits for the thread's end: WAIT_OBJECT_0, WAIT_TIMEOUT or WAIT_FAILED.
+  /// Waits for the thread to end: WAIT_OBJECT_0, WAIT_TIMEOUT or WAIT_FAILED (WaitForSingleObject).
   unsigned long Join(unsigned long timeoutMs) const;
 
-  /// The suspend count before, 0xFFFFFFFF where that fails (ResumeThread).
+  /// Decrements or increments the suspend count. The result is the previous count, 0xFFFFFFFF on failure (ResumeThread,
+  /// SuspendThread).
   unsigned long Resume();
-
-  /// The same for SuspendThread.
   unsigned long Suspend();
 
-  /// TerminateThread: what the thread held stays held.
+  /// Ends the thread at once; its locks stay locked (TerminateThread). 0 on failure.
   int Terminate(unsigned long code);
 
  protected:
@@ -90,42 +98,47 @@ class CThreadT {
 
 extern template class KEXLIB_API CThreadT<true>;
 
-/// A thread that runs T::Run() of the object that made it, with its result as exit code. T derives from this.
+/// A thread that calls T::Run() of its object; the result is the exit code. T derives from this class. An exception
+/// that leaves Run ends the process (std::terminate).
 template <class T, class Base>
 class CThreadImpl : public Base {
  public:
-  /// Makes the thread, suspended (CreateThread): Resume lets it run. Where there is none the handle is null.
+  /// Creates the thread suspended (CreateThread); Resume starts it. On failure the handle is null.
   CThreadImpl() {
     this->m_handle = CreateThread(nullptr, 0, Start, static_cast<T*>(this), CREATE_SUSPENDED, &this->m_id);
   }
 
-  /// No second thread: a handle for the same one, as Base has it.
+  /// Copies the handle as Base does. No second thread is created.
   CThreadImpl(const CThreadImpl&) = default;
-  /// As Base has it.
   CThreadImpl& operator=(const CThreadImpl&) = default;
 
  private:
-  static DWORD WINAPI Start(void* object) { return static_cast<T*>(object)->Run(); }
+  static DWORD WINAPI Start(void* object) noexcept { return static_cast<T*>(object)->Run(); }
 };
 
-/// Encodes one image.
+/// Encodes one image on its thread.
 class KEXLIB_API kexPNGGenerationThread : public CThreadImpl<kexPNGGenerationThread, CThreadT<true>> {
  public:
-  /// The thread is made suspended. The path is in the ANSI code page; the buffer may be null.
+  /// Creates the thread suspended. Parameters as for write_image; the object owns the image.
   kexPNGGenerationThread(std::unique_ptr<hnDuctImage> image, const CString& path,
                          const std::shared_ptr<kexBuffer>& buffer);
 
-  /// Does not wait for the thread: Join first. A thread that never ran stays suspended for good.
+  /// Does not wait for the thread: call Join first. A thread that was never resumed stays suspended until the process
+  /// ends.
   ~kexPNGGenerationThread() override;
 
   kexPNGGenerationThread(const kexPNGGenerationThread&) = delete;
   kexPNGGenerationThread& operator=(const kexPNGGenerationThread&) = delete;
 
-  /// What the thread does: write_image. Always 0.
+  /// Called on the thread: calls write_image and returns 0.
   unsigned long Run();
 
-  /// With a buffer: encodes into it, closes it whatever comes of it, and writes it to the path. Without: encodes into
-  /// the file. Failures are not told. For any thread.
+  /// Encodes an image. May be called on any thread. Failures are not reported, and nothing is thrown.
+  ///   image   not changed
+  ///   path    the file, in the ANSI code page. An existing file is replaced; without a buffer it is left unchanged if
+  ///           the image is null or empty
+  ///   buffer  if not null, the image is encoded to the buffer, which is closed even if the encoding fails; then the
+  ///           bytes of the buffer, complete or not, are written to the file
   static void write_image(hnDuctImage* image, const CString& path, const std::shared_ptr<kexBuffer>& buffer);
 
  private:

@@ -9,11 +9,11 @@
 
 #include <atlstr.h>
 
-/// Copies the primary screen (BitBlt from the desktop window) and writes it as PNG, in the ANSI code page of the path,
-/// which is only read. S_OK (0) once there is a picture, even if the file cannot be written; E_FAIL otherwise. Screens
-/// to the left of the primary one or above it are not in the picture, and a process that does not tell Windows that it
-/// knows about resolutions gets a scaled one. Each call costs the system a device context of the desktop, which is not
-/// given back.
+/// Copies the primary screen (BitBlt from the desktop window) and writes it to a PNG file; an existing file is
+/// replaced. The path is in the ANSI code page and is not changed. S_OK (0) if the screen could be copied, even if the
+/// file cannot be written; E_FAIL otherwise. Screens to the left of the primary screen or above it are not captured. In
+/// a process that is not DPI-aware the picture is scaled. The device context of the desktop is not released (kept for
+/// compatibility): each call leaks one. Throws std::bad_alloc if there is no memory for the path.
 KEXLIB_API long kex_screen_to_file(CString& path);
 
 #endif

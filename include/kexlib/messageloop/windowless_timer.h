@@ -18,77 +18,72 @@
 //     clock->SetInterval(500);
 //     clock->SetEnabled(1);
 //
-// The timer is one of the thread that starts it (SetTimer without a window), and ticks while that thread dispatches
-// messages, in whatever loop. Use an object on one thread only.
+// The timer belongs to the thread that starts it (SetTimer without a window). It ticks while that thread dispatches
+// messages, in any loop. Use an object on one thread only.
 //
-// One lock for all. While a tick runs, a lock is held that all windowless timers of the process share. The ticks of
-// other threads wait for it, and so does whoever starts or stops a timer there: keep ticks short, and never let one
-// wait for another thread that has timers. On the tick's own thread a nested loop may run: other timers tick in it, the
-// one that is in its tick does not.
+// One lock for all. While a tick runs, it holds a lock that all windowless timers of the process share. Ticks, starts
+// and stops on other threads wait for it: keep ticks short, and never let one wait for another thread that has timers.
+// A tick may run a nested loop: other timers of its thread tick in it, its own does not.
 //
-// Stop before the end. The destructor does not stop the timer: FinalRelease or SetEnabled(0) has to come first. The
-// object has to live until its tick returns; a tick that may lose the last reference holds one of its own.
+// Stop before destruction. The destructor does not stop the timer: call FinalRelease or SetEnabled(0) first. The object
+// must exist until its tick returns; a tick that may release the last reference holds one itself.
 //
-// Errors. A timer that the system refuses (SetTimer) stays stopped, which GetEnabled tells; such an object is
-// remembered and looked at by later ticks, so it must not be destroyed while other timers run. An exception that leaves
-// a tick ends the program.
+// Errors. If SetTimer fails, the timer stays stopped: GetEnabled returns 0. The object stays in a list that later ticks
+// search, so it must not be destroyed while other timers run. An exception that leaves a tick ends the program.
 #ifndef KEXLIB_MESSAGELOOP_WINDOWLESS_TIMER_H
 #define KEXLIB_MESSAGELOOP_WINDOWLESS_TIMER_H
 
-#include <windows.h>
-
 #include <kexlib/export.h>
+
+#include <windows.h>
 
 namespace kexlib {
 class TimerRegistry;
 }
 
-/// The base of objects that have a timer. Stopped at first, with an interval of a second, repeating, not suspended.
+/// The base of objects that have a timer. Initially stopped, with an interval of a second, repeating, not suspended.
 class KEXLIB_API KEXLIB_NO_VTABLE CATLWindowLessTimer {
  public:
-  /// As described above.
+  /// A stopped timer.
   CATLWindowLessTimer();
-  /// Copies what the object knows, its running timer too, of which there is still one: the copy says that it is
-  /// enabled, but the ticks go to the original, and stopping either ends them. Copy stopped timers only.
+  /// Copies all properties and the id of a running timer, but starts no second one: the copy is enabled, the original
+  /// gets the ticks, and stopping either ends them. Copy stopped timers only.
   CATLWindowLessTimer(const CATLWindowLessTimer&);
   /// As the copy constructor.
   CATLWindowLessTimer& operator=(const CATLWindowLessTimer&);
-  /// Nothing: a running timer has to be stopped before.
+  /// Does nothing. Stop a running timer first.
   virtual ~CATLWindowLessTimer();
 
-  /// The tick. May change every property, stop the timer, and run a loop of its own.
+  /// The tick. May change every property, stop the timer, and run a nested loop.
   virtual void OnTimerTick() = 0;
 
-  /// 1 while the timer runs, else 0.
+  /// 1 while the timer runs, else 0. Setting it starts the timer (not 0) or stops it (0). Starting a running timer
+  /// changes nothing.
   short GetEnabled() const;
-  /// Starts the timer (not 0) or stops it (0). One that runs goes on as it does.
   void SetEnabled(short enable);
 
-  /// The interval in milliseconds, 50 or more.
+  /// The interval in milliseconds. Values below 50 become 50. On a running timer a change begins a new interval, the
+  /// current value does not. The argument is compared as given: 10 begins a new interval of 50 each time.
   long GetInterval() const;
-  /// Below 50 it becomes 50. On a running timer a change begins a new interval; the present value changes nothing. What
-  /// counts as a change is the argument as it is: 10 begins a new interval of 50 each time.
   void SetInterval(long ms);
 
-  /// 1 if the timer goes on after a tick, else 0.
+  /// 1 if the timer runs on after a tick, else 0: then it stops at its next tick, before OnTimerTick is called.
   int GetRepeatable() const;
-  /// Not 0: goes on after a tick; 0: stops at its next tick, before OnTimerTick is called.
   void SetRepeatable(int repeat);
 
-  /// The value that was set last; 0 at first.
+  /// The value that was set last, initially 0. Not 0: the timer runs, but its ticks are held back. Setting 0 calls
+  /// OnTimerTick once if ticks were held back, however many, on the calling thread and without the lock. A timer that
+  /// does not repeat is not stopped by a tick that is held back, and ticks once more.
   short GetSuspended() const;
-  /// Not 0: the timer runs on, but holds its ticks back. 0: if any was held back, calls OnTimerTick once, on the
-  /// caller's thread and without the lock, however many there were. A timer that does not repeat and was held back
-  /// still runs then, and ticks once more.
   void SetSuspended(short suspend);
 
-  /// Stops the timer. To be called when the COM object loses its last reference.
+  /// Stops the timer. Call it when the last reference to the COM object is released.
   void FinalRelease();
 
  private:
   friend class kexlib::TimerRegistry;
 
-  void _Start();  // NOLINT(bugprone-reserved-identifier): ATL's way with such members
+  void _Start();  // NOLINT(bugprone-reserved-identifier): ATL's names for such members
   void _Stop();   // NOLINT(bugprone-reserved-identifier)
   void TimerProc(HWND window, UINT message, UINT_PTR id, DWORD time);
 
@@ -100,34 +95,34 @@ class KEXLIB_API KEXLIB_NO_VTABLE CATLWindowLessTimer {
   int in_tick_ = 0;
 };
 
-/// What counts the references of a COM object that is used on one thread only, as ATL's object roots do.
+/// Counts the references of a COM object that is used on one thread only, as the object roots of ATL do.
 class KEXLIB_API CComObjectRootExSTM {
  public:
-  /// No reference.
+  /// A count of 0.
   CComObjectRootExSTM();
   /// Copies the count.
   CComObjectRootExSTM(const CComObjectRootExSTM&);
-  /// Copies the count.
+  /// As the copy constructor.
   CComObjectRootExSTM& operator=(const CComObjectRootExSTM&);
-  /// Nothing.
+  /// Does nothing.
   ~CComObjectRootExSTM() = default;
 
-  /// One more; returns the new count.
+  /// Increments the count; returns the new one.
   ULONG InternalAddRef();
-  /// One less; returns the new count.
+  /// Decrements the count; returns the new one.
   ULONG InternalRelease();
-  /// Nothing: there is one thread.
+  /// Does nothing: there is one thread.
   void Lock();
-  /// Nothing.
+  /// Does nothing.
   void Unlock();
-  /// S_OK: there is nothing to make.
+  /// Returns S_OK.
   HRESULT _AtlInitialConstruct();  // NOLINT(bugprone-reserved-identifier): ATL's name
 
  private:
   ULONG references_ = 0;
 };
 
-/// Does nothing. Calling it makes a program need kexlib.dll, so that it is loaded with the program.
+/// Does nothing. A call makes the program import kexlib.dll, so that it is loaded with the program.
 KEXLIB_API void link();
 
 #endif

@@ -4,7 +4,7 @@
 //      public:
 //       int count = 0;
 //       void apply_to_file(char* path) override {
-//         if (++count == 1000) stop = 1;                              // that is enough
+//         if (++count == 1000) stop = 1;                              // ends the walk
 //       }
 //
 //      protected:
@@ -15,14 +15,14 @@
 //     CountSources sources;
 //     HRESULT result = sources.Apply("C:\\project", "*.cpp;*.h", 0);
 //
-// The order is that of the file system; a folder is walked when it is met, between the files before and after it.
+// The order is that of the file system; a folder is walked when it is found, between the files before and after it.
 //
-// Limits. A folder is walked if its path is shorter than 256 characters; a longer one ends the walk. Folders that are
-// links to others (junctions) are walked like others, so one that leads back up is walked until its path is too long:
-// veto it in ignore_directory. Give the root as a full path: of a relative one with ".." in it, PathAppend may make the
-// root of the drive. Paths are in the ANSI code page.
+// Limits. The path of a folder must be shorter than 256 characters; a longer one ends the walk. Junctions are walked
+// like folders. A junction to a parent folder is walked until its path is too long: exclude it in ignore_directory.
+// Pass the root as a full path: PathAppend may turn a relative path with ".." into the root of the drive. Paths are in
+// the ANSI code page.
 //
-// Threads. One walk at a time on an object. To follow shortcuts, the calling thread has to have COM initialised.
+// Threads. One walk at a time per object. To follow shortcuts, COM must be initialised on the calling thread.
 #ifndef KEXLIB_TEXT_APPLY_TO_FILES_H
 #define KEXLIB_TEXT_APPLY_TO_FILES_H
 
@@ -47,31 +47,29 @@ class KEXLIB_API kexApplyToFiles {
   kexApplyToFiles& operator=(kexApplyToFiles&&) = default;
 
   /// Calls apply_to_file for each file in `directory` and below whose name matches `pattern`: wildcards * and ?,
-  /// several patterns with semicolons between them, letter case does not count (PathMatchSpecA). "*.*" matches every
-  /// name, with a dot or without. With `followShortcuts` other than 0, a shortcut (".lnk") that does not match itself
-  /// stands for its target, if that is a file and its name matches; a target that is a folder is not walked.
+  /// several patterns with semicolons between them, case-insensitive (PathMatchSpecA). "*.*" matches every
+  /// name, with a dot or without. If `followShortcuts` is not 0, a shortcut (".lnk") that does not match itself
+  /// is replaced by its target, if that is a file and its name matches; a target that is a folder is not walked.
   ///
-  /// Returns an HRESULT: S_OK, also where the walk was stopped; E_INVALIDARG where there is no such folder, its path is
-  /// too long, or the pattern is null; otherwise the system's error in searching (FindFirstFile). A folder that cannot
-  /// be walked ends the whole walk; files before it have been handled. Exceptions of the two members below pass
-  /// through.
+  /// Returns an HRESULT: S_OK, also if the walk was stopped; E_INVALIDARG if the folder does not exist, its path is too
+  /// long, or the pattern is null; otherwise the error of FindFirstFile or FindNextFile. A folder that cannot be walked
+  /// ends the whole walk, after the files before it. Exceptions of the two members below propagate to the caller.
   long Apply(const char* directory, const char* pattern, int followShortcuts);
 
  protected:
   /// Objects are not destroyed through this base.
   ~kexApplyToFiles() = default;
 
-  /// May keep the walk out of a folder, which is given by its full path: other than 0 keeps it out. To be overridden;
-  /// as it is, every folder is walked.
+  /// Override it to exclude folders: return other than 0 to skip the folder at this full path. The default returns 0.
   virtual int ignore_directory(const char* const path);
 
  public:
-  /// The operation on a file, which is given by its full path, a copy that may be written to.
+  /// The operation on a file. `path` is its full path, a copy that may be modified.
   virtual void apply_to_file(char* path) = 0;
 
  protected:
-  /// Set to other than 0 by apply_to_file, it ends the walk. It is 0 at the start of the walk and whenever a folder is
-  /// entered.
+  /// Set it to other than 0 in apply_to_file to end the walk. It is set to 0 at the start of the walk and of each
+  /// folder.
   int stop = 0;
 
  private:

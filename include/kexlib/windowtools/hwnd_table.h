@@ -1,78 +1,77 @@
 // HWND table: windows by name, for the whole process.
 //
 //     kexHWNDTable& table = kexHWNDTable::singleton();
-//     table.reg_window(m_hWnd, "outline", IDD_OUTLINE);         // when the window is there
+//     table.reg_window(m_hWnd, "outline", IDD_OUTLINE);         // once the window exists
 //     ...
 //     if (HWND outline = table.get_handle("outline")) ...       // anywhere else
 //
-// A name stands for one window, but in a multiple-document interface for one in each child frame: get_handle gives the
-// one in the frame that is active. What is inside an MDI client is found by the parents (GetParent) and their window
-// class, "MDIClient" letter for letter; a client of another class is none. An owned dialog is outside, as its owner,
-// the main window, is.
+// A name belongs to one window; in a multiple-document interface to one window in each child frame, and get_handle
+// returns the one in the active frame. A window is inside an MDI client if one of its parents (GetParent) has the class
+// "MDIClient", compared with case. An owned dialog is outside, as its owner, the main window, is.
 //
-// Register what lies in a child frame, not the frame: get_handle looks for descendants of the active frame and never
-// gives the frame itself.
+// Register windows inside a child frame, not the frame: get_handle looks for descendants of the active frame and never
+// returns the frame itself.
 //
-// Entries go by themselves when their windows are destroyed. The first registration installs a hook for that
-// (SetWindowsHookExA, WH_CALLWNDPROC) on the thread that makes it, one for the process. Windows of other threads are
-// not seen by it: unregister them, or their names stay taken, and Windows may give their handles to other windows. The
-// hook goes with its thread, and the table does not notice; delete_singleton and a new registration make a new one.
-// Hook and table are removed when kexlib.dll is unloaded.
+// Entries are removed when their windows are destroyed. For that the first registration installs a hook on its thread
+// (SetWindowsHookExA, WH_CALLWNDPROC), one for the process. It does not see windows of other threads: unregister them,
+// or their names stay taken, and Windows may reuse their handles. The hook ends with its thread, which the table does
+// not detect: call delete_singleton and register again. Hook and table are removed when kexlib.dll is unloaded.
 //
-// Names are compared byte by byte; a null name is the empty one. Handles are not checked: what is no window may be
-// registered, and is never found by its name.
+// Names are compared byte by byte; a null name is the empty name. Handles are not checked: a handle without a window
+// can be registered and is never found by name.
 //
-// Speed. A look-up takes the same time however many windows there are, and asks the system about windows of the name
-// only.
+// Speed. The time of a look-up does not depend on the number of windows. Only windows of that name are queried.
 //
-// Errors. None is reported. Where memory is short, std::bad_alloc, with the table as it was.
+// Errors. None is reported. Out of memory throws std::bad_alloc and does not change the table.
 //
-// Threads. No lock: for the one thread whose windows are registered.
+// Threads. No lock. Use the table on the one thread whose windows are registered.
 #ifndef KEXLIB_WINDOWTOOLS_HWND_TABLE_H
 #define KEXLIB_WINDOWTOOLS_HWND_TABLE_H
+
+#include <kexlib/export.h>
 
 #include <windows.h>
 
 #include <bzbase/copy.h>
 #include <bzbase/singleton.h>
-#include <kexlib/export.h>
 
-/// The table. There is one, which `singleton` gives.
+/// The table. `singleton` returns the only one.
 class KEXLIB_API kexHWNDTable {
  public:
-  /// The table, made with the first call.
+  /// The table, created by the first call.
   static kexHWNDTable& singleton();
 
-  /// With bz_singleton_get the table, as `singleton` gives it; with any other value deletes it as `delete_singleton`
-  /// does, and gives null.
+  /// With bz_singleton_get, the table. Any other value calls `delete_singleton` and returns null.
   static kexHWNDTable* access_singleton(bzSingletonAccessAction action);
 
-  /// Removes the hook (UnhookWindowsHookEx) and destroys the table, if they are there. References to the table and
-  /// names that it gave are no longer valid. A new table may be made at any time.
+  /// Removes the hook (UnhookWindowsHookEx) and destroys the table, if they exist. References to the table and names
+  /// that it returned become invalid. The next `singleton` creates a new table.
   static void delete_singleton();
 
-  /// Registers a window under a name, of which a copy is kept, with the identifier of the dialog resource that it was
-  /// made from (any number will do). Nothing is registered where check_name tells of a clash. A window that is
-  /// registered already keeps its name and identifier: unregister it first. The hook is installed if there is none,
-  /// unless the window has this very name already; where the system refuses it, the next registration tries again.
+  /// Registers a window, unless check_name reports a clash. A registered window keeps its name and identifier:
+  /// unregister it first. Then installs the hook if there is none, unless the window already has this name; if the
+  /// system refuses the hook, the next registration tries again.
+  ///   window  the window
+  ///   name    copied
+  ///   idd     identifier of the dialog resource; not interpreted
   void reg_window(HWND window, const char* name, unsigned long idd);
 
-  /// Removes a window's entry; does nothing where there is none.
+  /// Removes a window's entry, if any.
   void unreg_window(HWND window);
 
-  /// The window of a name, or null. Only windows that there are and that are visible (IsWindow, IsWindowVisible); of
-  /// those in an MDI client only descendants of its active child, for which the client is asked (WM_MDIGETACTIVE, sent:
-  /// it waits for the client's thread). Of several, the one that was registered first.
+  /// The window of a name, or null. Only existing, visible windows are returned (IsWindow, IsWindowVisible), and inside
+  /// an MDI client only descendants of its active child. The client is queried by SendMessage (WM_MDIGETACTIVE), which
+  /// waits for its thread. Of several windows the first registered one is returned.
   HWND get_handle(const char* name) const;
 
-  /// The name under which a window is registered, or null. It is there as long as the entry.
+  /// The name of a registered window, or null. It is valid as long as the entry exists.
   const char* get_name(HWND window) const;
 
-  /// The identifier with which a window was registered, or 0 where it is not.
+  /// The identifier of a registered window, or 0.
   int get_idd(HWND window) const;
 
-  /// 1 if a window could not be registered under a name, because the name is taken; else 0. For a window outside an MDI
-  /// client a name is taken by any other window, for one in an MDI child frame by the descendants of that frame.
+  /// 1 if the name is taken for this window, else 0. Outside an MDI client any window of that name takes it, in an MDI
+  /// child frame a descendant of that frame.
   int check_name(const char* name, HWND window);
 
   kexHWNDTable& operator=(const kexHWNDTable&) = delete;
@@ -80,11 +79,11 @@ class KEXLIB_API kexHWNDTable {
  protected:
   /// Empty.
   kexHWNDTable();
-  /// With the same entries.
+  /// Copies the entries.
   kexHWNDTable(const kexHWNDTable& other);
   /// As the copy constructor.
   kexHWNDTable(bzCopy, const kexHWNDTable& other);
-  /// Forgets the entries; the hook is none of its business.
+  /// Destroys the entries. Does not remove the hook.
   ~kexHWNDTable();
 
  private:

@@ -1,34 +1,33 @@
-// Tree iterators: walks through the items of a tree view, in range loops.
+// Tree iterators: range loops over the items of a tree view.
 //
 //     kexTreeIterSiblings siblings(tree, tree.GetChildItem(folder));
 //     for (HTREEITEM item : siblings) ...
 //
-// A policy, derived from kexTreeIterNext, says how to get from one item to the next; kexTreeIterSiblings takes the
-// siblings that follow an item. Others are a line: give the first item for null, and null after the last.
+// A policy, derived from kexTreeIterNext, defines the order; kexTreeIterSiblings walks the siblings that follow an
+// item. Your own policy overrides `next`: it returns the first item for null, and null after the last.
 //
-// Iterators keep a pointer to their policy, which must outlive them. Each step asks the tree: items that are inserted
-// or removed during the walk are seen as the control tells of them at that moment, but the item that the walk stands on
-// must not be removed before the step. A window that is destroyed ends the walk.
+// Iterators keep a pointer to their policy, which must outlive them. Each step queries the control, so items that are
+// inserted or removed during the walk are seen as the control reports them. The current item must not be removed before
+// the step. A destroyed window ends the walk.
 //
-// Algorithms of the standard library that read each item once (std::distance, std::find, std::for_each) take them too;
-// there is no `it++`.
+// Algorithms of the standard library that read each item once (std::distance, std::find, std::for_each) accept the
+// iterators. There is no postfix `++`.
 //
-// Threads. For the thread of the tree's window.
+// Threads. Call on the thread of the tree's window.
 #ifndef KEXLIB_WINDOWTOOLS_TREE_ITERATORS_H
 #define KEXLIB_WINDOWTOOLS_TREE_ITERATORS_H
 
-#include <windows.h>
-
-#include <commctrl.h>
-
 #include <kexlib/export.h>
+
+#include <windows.h>
+#include <commctrl.h>
 
 #include <cstddef>
 #include <iterator>
 
 class kexTreeIterator;
 
-/// A policy: what follows what.
+/// A policy: the order of a walk.
 class KEXLIB_API kexTreeIterNext {
  public:
   /// Does nothing.
@@ -38,26 +37,26 @@ class KEXLIB_API kexTreeIterNext {
   /// Nothing to copy.
   kexTreeIterNext& operator=(const kexTreeIterNext&) = default;
 
-  /// The first item of the walk for null, else the one that follows `item`; null where there is none.
+  /// The first item of the walk for null, otherwise the item after `item`; null at the end.
   virtual HTREEITEM next(HTREEITEM item) = 0;
 
   /// Does nothing.
   virtual ~kexTreeIterNext();
 
-  /// At the first item.
+  /// An iterator at the first item.
   kexTreeIterator begin();
-  /// Behind the last item.
+  /// The end of the walk.
   kexTreeIterator end();
 };
 
-/// An item, and its siblings that follow it.
+/// An item and the siblings that follow it.
 class KEXLIB_API kexTreeIterSiblings : public kexTreeIterNext {
  public:
-  /// From `first` on, which belongs to the window `tree`; null for no items at all.
+  /// Begins with `first`, an item of the control `tree`; if it is null, the walk is empty.
   kexTreeIterSiblings(HWND tree, HTREEITEM first);
-  /// The same walk.
+  /// Copies both.
   kexTreeIterSiblings(const kexTreeIterSiblings&) = default;
-  /// The same walk.
+  /// Copies both.
   kexTreeIterSiblings& operator=(const kexTreeIterSiblings&) = default;
 
  protected:
@@ -69,28 +68,27 @@ class KEXLIB_API kexTreeIterSiblings : public kexTreeIterNext {
   HWND tree_;
 };
 
-/// A place in a walk.
+/// A position in a walk.
 class KEXLIB_API kexTreeIterator {
  public:
   using iterator_category = std::input_iterator_tag;  ///< for the standard library, like the four below
-  using value_type = HTREEITEM;                       ///< what the walk gives
+  using value_type = HTREEITEM;                       ///< the items
   using difference_type = std::ptrdiff_t;             ///< a number of steps
   using pointer = const HTREEITEM*;                   ///< not used
   using reference = HTREEITEM;                        ///< by value
 
-  /// At an item of the walk of `next`, which is borrowed; null for its end.
+  /// A position at `item` in the walk of `next`, which is borrowed; null is the end.
   kexTreeIterator(kexTreeIterNext* next, HTREEITEM item);
 
   /// The item; null at the end.
   HTREEITEM operator*();
 
-  /// Goes on to the next item, which the policy tells. Not at the end, where the policy would begin anew.
+  /// Moves to the next item of the policy. At the end it must not be called: the walk would begin again.
   kexTreeIterator& operator++();
 
-  /// All ends are equal, whatever their policies. Other places are where they have the same item and the same policy
-  /// object.
+  /// All ends are equal, whatever their policies. Other positions are equal if item and policy object are the same.
   bool operator==(const kexTreeIterator& other) const;
-  /// The opposite.
+  /// The negation.
   bool operator!=(const kexTreeIterator& other) const;
 
  private:
@@ -98,9 +96,9 @@ class KEXLIB_API kexTreeIterator {
   HTREEITEM item_;
 };
 
-/// As next.begin().
+/// Returns next.begin().
 KEXLIB_API kexTreeIterator begin(kexTreeIterNext& next);
-/// As next.end().
+/// Returns next.end().
 KEXLIB_API kexTreeIterator end(kexTreeIterNext& next);
 
 #endif

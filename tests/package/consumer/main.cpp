@@ -4,7 +4,7 @@
 
 int main() {
   {
-    // The package carries what its users' sources are written on, too.
+    // The package contains the framework that its users' sources are written on.
     CString name;
     name.Format("%s", "consumer");
     kexProfileScope scope(name.GetString());

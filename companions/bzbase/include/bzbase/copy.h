@@ -1,8 +1,8 @@
-// bzCopy: the tag of a copy constructor that wants to be asked for.
+// bzCopy: the tag of an explicit copy constructor.
 #ifndef BZBASE_COPY_H
 #define BZBASE_COPY_H
 
-// Passed first: Thing(bz_copy, other) copies where Thing has no copy constructor that applies by itself.
+// The first argument: Thing(bz_copy, other) copies if Thing has no copy constructor without a tag.
 enum bzCopy { bz_copy };
 
 #endif

@@ -4,8 +4,8 @@
 
 #include <memory>
 
-// Keeps an object alive together with its other references; the last one deletes it. The counting is safe between
-// threads, the object is not.
+// Keeps an object alive together with its other references; the last reference deletes the object. Counting is
+// thread-safe, access to the object is not.
 template <typename Object>
 using bzRef = std::shared_ptr<Object>;
 

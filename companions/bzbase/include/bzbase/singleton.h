@@ -1,10 +1,10 @@
-// bzSingletonAccessAction: what the access function of a singleton is to do.
+// bzSingletonAccessAction: the action of a singleton's access function.
 #ifndef BZBASE_SINGLETON_H
 #define BZBASE_SINGLETON_H
 
-// Any value but 0 deletes, those without a name too.
+// Every value other than 0 deletes, including values without a name.
 enum bzSingletonAccessAction : int {
-  bz_singleton_get = 0,    // gives the object, which is made if it is not there
+  bz_singleton_get = 0,    // returns the object, after creating it if necessary
   bz_singleton_delete = 1  // deletes the object
 };
 

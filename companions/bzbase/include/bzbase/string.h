@@ -1,4 +1,4 @@
-// bzString: a narrow text that grows.
+// bzString: a narrow text that can be appended to.
 //
 //     bzString name("Gauge");
 //     name << " (64-bit)";
@@ -9,19 +9,18 @@
 
 #include <string>
 
-// Bytes in whatever code page the user keeps texts in, with zeros inside if need be. Copies are independent. Running
-// out of memory throws std::bad_alloc.
+// Bytes in any code page; they may contain zeros. Copies are independent. Running out of memory throws std::bad_alloc.
 class bzString {
  public:
   // The empty text.
   KEXLIB_API bzString();
-  // A copy of a text that ends in a zero; null is the empty text. Not explicit: a text is taken wherever a bzString is.
+  // A copy of a terminated text; null is the empty text. Not explicit: a text can be passed as a bzString.
   KEXLIB_API bzString(const char* text);
 
   // Appends a text, which may be this one, and returns this one.
   KEXLIB_API bzString& operator<<(const bzString& text);
 
-  // The text, ended by a zero; it is there until this object is changed.
+  // The terminated text, valid until this object is changed.
   KEXLIB_API const char* c_str() const;
   // In bytes.
   KEXLIB_API std::size_t length() const;

@@ -1,4 +1,4 @@
-// pvWindowDIB: an off-screen bitmap that is drawn into like a window.
+// pvWindowDIB: an off-screen bitmap with a device context to draw on it.
 #ifndef PVWND_WINDOW_DIB_H
 #define PVWND_WINDOW_DIB_H
 
@@ -6,46 +6,49 @@
 
 #include <windows.h>
 
-// Bits of a pixel.
+// The bits of a pixel.
 enum pvDIB_DEPTH : int {
   pvDIB_default = 0  // 32
 };
 
-// How the making of a bitmap went.
+// The result of creating a bitmap.
 enum pvDIBStatus : int { pvDIB_made = 0, pvDIB_failed = 1 };
 
-// What a window may be given beside; a bitmap takes none of it.
+// Further arguments of a window. A bitmap uses none.
 struct pvWinArgs {};
 
-// What can be drawn into.
+// Owns a memory device context.
 class KEXLIB_API pvWindowW {
  public:
   pvWindowW(const pvWindowW&) = delete;
   pvWindowW& operator=(const pvWindowW&) = delete;
-  // Releases what was drawn into.
+  // Deletes the device context.
   virtual ~pvWindowW();
 
-  // The device context to draw with, which stays the object's; null where there is none.
+  // The device context, owned by the object; null if it could not be created.
   HDC hdc() const { return dc_; }
 
  protected:
-  // In memory.
+  // Creates the device context.
   pvWindowW();
 
  private:
   HDC dc_;
 };
 
-// A bitmap of 32 bits.
+// A bitmap of 32 bits a pixel, selected into the device context.
 class KEXLIB_API pvWindowDIB : public pvWindowW {
  public:
-  // All pixels black; any depth is 32 bits. Where there is no memory or no such size the status says so, and there is
-  // no bitmap.
+  // Creates a black bitmap.
+  //   width, height  in pixels, at least 1
+  //   depth          ignored: the depth is 32 bits
+  //   status         receives pvDIB_made, or pvDIB_failed if there is no bitmap
+  //   args           ignored, may be null
   pvWindowDIB(int width, int height, pvDIB_DEPTH depth, pvDIBStatus& status, pvWinArgs* args);
   // Deletes the bitmap.
   ~pvWindowDIB() override;
 
-  // The bitmap, a DIB section, which stays the object's; null where there is none.
+  // The bitmap, a DIB section owned by the object; null if it could not be created.
   HBITMAP bitmap() const { return bitmap_; }
 
  private:

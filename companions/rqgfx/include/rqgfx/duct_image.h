@@ -12,27 +12,27 @@
 #include <cstdint>
 #include <vector>
 
-// Owns pixels of 0xAARRGGBB, the top row first; colours are not multiplied with the alpha.
+// Owns pixels of the form 0xAARRGGBB, the top row first. Colours are not premultiplied.
 class KEXLIB_API hnDuctImage {
  public:
-  // All pixels 0. A size below 1 x 1 gives an image without pixels, which cannot be encoded. Without alpha the top
-  // bytes are 0xFF where it matters: whoever writes pixels sees to that. No memory throws std::bad_alloc.
+  // All pixels are 0. A size below 1 x 1 makes an image without pixels, which cannot be encoded. Without alpha, the top
+  // byte of each pixel should be 0xFF; the class does not set it. Throws std::bad_alloc if there is no memory.
   hnDuctImage(int width, int height, bool has_alpha);
   hnDuctImage(const hnDuctImage&) = delete;
   hnDuctImage& operator=(const hnDuctImage&) = delete;
   // Releases the pixels.
   virtual ~hnDuctImage();
 
-  // In pixels.
+  // The width in pixels.
   int width() const { return width_; }
-  // In pixels.
+  // The height in pixels.
   int height() const { return height_; }
-  // Whether the top bytes mean anything.
+  // Whether the top bytes are an alpha channel.
   bool has_alpha() const { return has_alpha_; }
 
-  // The pixels of a row from 0, the top one, to height() - 1.
+  // The pixels of row y, from 0 (the top row) to height() - 1.
   std::uint32_t* row(int y) { return pixels_.data() + offset(y); }
-  // The same, to be read only.
+  // The same, read-only.
   const std::uint32_t* row(int y) const { return pixels_.data() + offset(y); }
 
  private:
@@ -44,9 +44,9 @@ class KEXLIB_API hnDuctImage {
   std::vector<std::uint32_t> pixels_;
 };
 
-// A copy of a DIB section of 32 bits as an opaque image; the section may be selected into a device context. Its bottom
-// row is taken to come first, as is usual: a section does not tell. Owned by the caller; null for any other bitmap, and
-// where there is no memory.
+// Copies a DIB section of 32 bits to a new opaque image, which the caller owns. The section may be selected into a
+// device context. It must be bottom-up: GetObject does not report the direction. Null for any other bitmap, or if there
+// is no memory.
 KEXLIB_API hnDuctImage* rq_duct_image_from_dib(HBITMAP bitmap);
 
 #endif

@@ -1,4 +1,4 @@
-// rqPNGWriterDuctImage: images as PNG, to a file or piece by piece to a function.
+// rqPNGWriterDuctImage: writes an image as PNG, to a file or piece by piece to a function.
 #ifndef RQGFX_PNG_WRITER_H
 #define RQGFX_PNG_WRITER_H
 
@@ -7,26 +7,27 @@
 #include <bzbase/string.h>
 #include <rqgfx/duct_image.h>
 
-// Encodes with WIC, the system's imaging component, in bands of rows: the first bytes come long before the last row is
-// read. COM need not be initialised on the thread.
+// Encodes with WIC, the system's imaging component, in bands of rows: the first bytes are written long before the last
+// row is read. COM need not be initialised on the thread.
 //
-// The options, with -1 for the default of each:
-//   filter   0: rows are not filtered; 1, the default: not where neighbours are mostly equal, as in pictures of
-//            interfaces, and else as WIC has it; any other value: as WIC has it
-//   bits     the most bits that a pixel takes. 24: without alpha; 32, the default, and any other value: with the alpha
-//   of
-//            an image that has it. An image without it takes 24 in any case: a smaller file of the same pixels
+// The options; -1 selects the default:
+//   filter   0: no row filters. 1 (default): no row filters if most neighbouring pixels are equal, as in pictures of
+//            user interfaces, else WIC's default. Any other value: WIC's default
+//   bits     24: no alpha channel. 32 (default) and any other value: an alpha channel if the image has one. An image
+//            without alpha is always written with 24 bits, which makes a smaller file with the same pixels
 //
-// Results are 1, or 0 where the image, the system or the taker refuses; nothing is thrown.
+// The result is 1 on success. It is 0 if the image is null or empty, if memory runs out, or if the system, the sink or
+// the file fails. No exception is thrown.
 class KEXLIB_API rqPNGWriterDuctImage {
  public:
-  // Takes a piece of the file; false ends the encoding.
+  // Receives a piece of the file. False ends the encoding, and so does an exception, which is not passed on.
   using Sink = bool (*)(void* context, const unsigned char* data, unsigned __int64 count);
 
-  // To the sink, which gets `context` with each piece.
+  // Writes to the sink, which receives `context` with each piece.
   static int write_file(hnDuctImage* image, Sink sink, void* context, int filter, int bits);
 
-  // To a file in the ANSI code page, instead of what was in it.
+  // Writes to a file; the path is in the ANSI code page. An existing file is replaced. It is left unchanged if the
+  // image is null or empty; after a later failure the file is incomplete.
   static int write_file(hnDuctImage* image, const bzString& path, int filter, int bits);
 };
 

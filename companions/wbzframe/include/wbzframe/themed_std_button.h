@@ -4,18 +4,18 @@
 
 #include <wbzframe/themer.h>
 
-// Draws with the visual style of the button's window (uxtheme). Where there is none, because the styles are off for the
-// system, the program or the window, or because there is no window, it draws what DrawFrameControl makes of a button.
+// Draws with the visual style of the button's window (uxtheme). Without one, because visual styles are off for the
+// system, the program or the window, or because there is no window, it draws with DrawFrameControl.
 class KEXLIB_API wbzThemedStdButton : public wbzThemeDrawer {
  public:
-  // The window is read through the pointer whenever it is needed: it has to stay valid as long as the drawer. A null
-  // pointer is as no window.
+  // The window handle is read through the pointer at each call: the pointer must stay valid as long as the drawer. Null
+  // means no window.
   static std::shared_ptr<wbzThemeDrawer> create(HWND* window);
 
   // Whether the window has a visual style.
   bool can_draw() const override;
 
-  // The face, for the window's style or plain.
+  // Draws the face.
   void draw(HDC dc, const RECT& rect, wbzThemeStyle style) const override;
 
  private:

@@ -8,7 +8,7 @@
 
 #include <memory>
 
-// What a control is drawn as. Other values are drawn as normal.
+// The state of a control. Other values are drawn as normal.
 enum wbzThemeStyle : int {
   wbzThemeNormal = 0,
   wbzThemeDisabled = 1,
@@ -19,32 +19,31 @@ enum wbzThemeStyle : int {
 // Draws one kind of control.
 class KEXLIB_API wbzThemeDrawer {
  public:
-  // No copies: drawers are shared.
+  // Drawers are shared, not copied.
   wbzThemeDrawer() = default;
   wbzThemeDrawer(const wbzThemeDrawer&) = delete;
   wbzThemeDrawer& operator=(const wbzThemeDrawer&) = delete;
-  // Drawers are owned by those who draw with them.
+  // Themers own their drawers.
   virtual ~wbzThemeDrawer();
 
   // Whether it can draw in the system's visual style now.
   virtual bool can_draw() const = 0;
 
-  // Draws into the rectangle; what lies behind shows through where the style is transparent.
+  // Draws into the rectangle. The background shows through transparent parts of the style.
   virtual void draw(HDC dc, const RECT& rect, wbzThemeStyle style) const = 0;
 };
 
-// What a control is painted with.
+// Paints a control with its drawers.
 class KEXLIB_API wbzThemer {
  public:
-  // Draws with the one, and then with the second over it. Either may be empty.
+  // Draws with `drawer`, then with `second` over it. Either may be empty.
   static std::shared_ptr<wbzThemer> create(std::shared_ptr<wbzThemeDrawer> drawer,
                                            std::shared_ptr<wbzThemeDrawer> second);
 
-  // Whether the themer's drawers, of which there is at least one, can draw in the visual style now. An empty themer
-  // cannot.
+  // Whether the themer has a drawer and all its drawers can draw in the visual style now. False for an empty pointer.
   static bool can_draw(std::shared_ptr<wbzThemer> themer);
 
-  // Paints.
+  // Draws with the drawers. Exceptions of a drawer are passed on.
   void draw_theme(HDC dc, const RECT& rect, wbzThemeStyle state) const;
 
  private:

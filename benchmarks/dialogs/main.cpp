@@ -1,8 +1,0 @@
-#include <support/bench.h>
-
-void measure_task_dialog();
-
-int main() {
-  measure_task_dialog();
-  return bench::exit_status();
-}

@@ -1,0 +1,51 @@
+// Numbers with a fixed number of decimal places, as printf formats them.
+#include <gtest/gtest.h>
+
+#include <support/fixed_text.h>
+
+#include <clocale>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <string>
+
+namespace {
+
+using kexlib::fixed_text;
+
+std::string printed(double value, int digits) {
+  CStringA text;
+  text.Format("%.*f", digits, value);
+  return text.GetString();
+}
+
+TEST(FixedText, IsWhatPrintfPrints) {
+  std::uint64_t random = 3;
+  for (int i = 0; i < 20000; ++i) {
+    random = random * 6364136223846793005u + 1442695040888963407u;
+    double value;
+    std::memcpy(&value, &random, sizeof value);
+    if (i % 2) value = static_cast<double>(static_cast<std::int64_t>(random) >> 30) / 1024.0;  // many ties
+    const int digits = i % 103 - 1;
+    ASSERT_EQ(fixed_text(value, digits).GetString(), printed(value, digits)) << digits;
+  }
+}
+
+TEST(FixedText, IsWhatPrintfPrintsAtTheEdgesToo) {
+  using Limits = std::numeric_limits<double>;
+  for (const double value : {0.0, -0.0, Limits::denorm_min(), Limits::max(), -Limits::max(), Limits::infinity(),
+                             -Limits::infinity(), Limits::quiet_NaN()})
+    for (const int digits : {-5, 0, 1, 30, 100, 101, 2000})
+      EXPECT_EQ(fixed_text(value, digits).GetString(), printed(value, digits)) << value << ' ' << digits;
+}
+
+TEST(FixedText, HasThePointOfTheLocaleThatIsSet) {
+  ASSERT_NE(std::setlocale(LC_NUMERIC, "German"), nullptr);
+  const std::string text = fixed_text(-1234.5, 2).GetString();
+  const std::string whole = fixed_text(1234.6, 0).GetString();
+  std::setlocale(LC_NUMERIC, "C");
+  EXPECT_EQ(text, "-1234,50");
+  EXPECT_EQ(whole, "1235");
+}
+
+}  // namespace

@@ -1,0 +1,4 @@
+// A module that contains a string table only.
+#include <windows.h>
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD, LPVOID) { return TRUE; }
