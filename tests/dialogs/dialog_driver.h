@@ -14,18 +14,32 @@
 #include <utility>
 #include <vector>
 
+inline bool is_a_dialog(HWND window) {
+  char name[16];
+  return IsWindowVisible(window) && GetClassNameA(window, name, sizeof name) && std::string(name) == "#32770";
+}
+
 // The topmost dialog of this thread; null if there is none.
 inline HWND dialog_in_front() {
   HWND found = nullptr;
   const auto take_first = [](HWND window, LPARAM result) -> BOOL {
-    char name[16];
-    if (!IsWindowVisible(window) || !GetClassNameA(window, name, sizeof name) || std::string(name) != "#32770")
-      return TRUE;
+    if (!is_a_dialog(window)) return TRUE;
     *reinterpret_cast<HWND*>(result) = window;
     return FALSE;
   };
   EnumThreadWindows(GetCurrentThreadId(), take_first, reinterpret_cast<LPARAM>(&found));
   return found;
+}
+
+// The number of dialogs that this thread shows. A press that opens a dialog takes effect after its step has ended.
+inline int dialogs_of_this_thread() {
+  int count = 0;
+  const auto count_dialogs = [](HWND window, LPARAM result) -> BOOL {
+    *reinterpret_cast<int*>(result) += is_a_dialog(window);
+    return TRUE;
+  };
+  EnumThreadWindows(GetCurrentThreadId(), count_dialogs, reinterpret_cast<LPARAM>(&count));
+  return count;
 }
 
 // Runs one step after another on the topmost dialog, starting when a dialog exists. If a step opens a dialog and waits
