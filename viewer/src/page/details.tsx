@@ -1,7 +1,7 @@
 import { computed } from '@preact/signals';
 import { duration, pathOf, selfTime, stepAt, timesLost } from '../record/profile';
-import { durationsIn, type Durations } from '../record/histogram';
-import { spreadOfName } from '../record/statistics';
+import type { Compared } from '../record/compare';
+import { spreadOf, spreadOfName, type Durations } from '../record/statistics';
 import { pathOfNode } from '../record/tree_path';
 import { copyText } from './clipboard';
 import { formatCount, formatShare, formatTime, shortened } from './format';
@@ -10,24 +10,39 @@ import { Name, shortenedPath } from './name';
 import { currentChart, fitSelection, goToLongest } from './navigation';
 import { NoteEntry } from './notes';
 import { Separator, separatorHeight } from './separator';
+import { slicedSignal } from './sliced';
 import * as state from './state';
 
-const spread = computed(() => {
+/** Of the selected name; undefined while it is being made. */
+const spread = slicedSignal(() => {
   const { profile, selectedName, selection } = state;
   return profile.value && selectedName.value !== undefined
     ? spreadOfName(profile.value, selectedName.value, selection.value)
     : undefined;
 });
 
-const durations = computed((): Durations[] => (spread.value ? [spread.value] : []));
+const durations = computed((): Durations[] | undefined => spread.value && [spread.value]);
 
-/** Of a line of the comparison, those of both records. */
-const compared = computed((): Durations[] | undefined => {
-  const row = state.view.value === 'compare' ? state.selectedComparison.value : undefined;
-  const [first, second] = [state.profile.value, state.second.value?.profile];
-  if (!row || !first || !second) return undefined;
-  return [durationsIn(first, row.blocks.before), durationsIn(second, row.blocks.after)];
+/** The line of the comparison that is selected. */
+const comparedRow = computed(() =>
+  state.view.value === 'compare' && state.profile.value && state.second.value
+    ? state.selectedComparison.value
+    : undefined,
+);
+
+/** Durations of that line in both records; undefined while they are being sorted. */
+const compared = slicedSignal(() => {
+  const row = comparedRow.value;
+  return row && inBoth(row);
 });
+
+function* inBoth({ blocks }: Compared): Generator<void, Durations[]> {
+  const [before, after] = [new Set(blocks.before), new Set(blocks.after)];
+  return [
+    yield* spreadOf(state.profile.value!, (block) => before.has(block)),
+    yield* spreadOf(state.second.value!.profile, (block) => after.has(block)),
+  ];
+}
 
 /** What is selected: its figures and how its durations spread. */
 export function Details() {
@@ -36,15 +51,15 @@ export function Details() {
   if (!profile) return null;
   const inTable = !currentChart() && (state.view.value !== 'compare' || state.comparison.value === 'table');
   // Beside a table it keeps its room, so that rows stay where they were clicked.
-  if (name === undefined && compared.value)
+  if (name === undefined && comparedRow.value)
     return (
       <section class="details" aria-label="Selection" style={{ height: `${state.detailsHeight.value}px` }}>
         <div class="details-text">
           <h2>
-            <Name text={state.selectedComparison.value!.name} />
+            <Name text={comparedRow.value.name} />
           </h2>
         </div>
-        <Histogram sets={compared.value} titles={['1', '2']} />
+        {compared.value && <Histogram sets={compared.value} titles={['1', '2']} />}
       </section>
     );
   if (name === undefined)
@@ -107,14 +122,12 @@ export function Details() {
               <Pair term="Deviation" value={formatTime(row.deviation)} />
             </dl>
           ) : (
-            <p class="hint">No interval of this name lies in the range.</p>
+            <p class="hint">{spread.value ? 'No interval of this name lies in the range.' : 'Counting…'}</p>
           )}
         </div>
-        {compared.value ? (
-          <Histogram sets={compared.value} titles={['1', '2']} />
-        ) : (
-          <Histogram sets={durations.value} />
-        )}
+        {comparedRow.value
+          ? compared.value && <Histogram sets={compared.value} titles={['1', '2']} />
+          : durations.value && <Histogram sets={durations.value} />}
       </section>
     </>
   );

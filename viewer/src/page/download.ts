@@ -1,5 +1,6 @@
 import { chromeTrace, csv, speedscope } from '../record/exports';
 import { drawChart } from './chart/draw';
+import { RectangleStrip } from './chart/strip';
 import { SvgSurface } from './chart/svg';
 import { takeView } from './kept_view';
 import { currentChart } from './navigation';
@@ -45,7 +46,7 @@ function asSvg(): string {
     context.font = font;
     return context.measureText(text);
   });
-  if (look) drawChart(surface, look);
+  if (look) drawChart(surface, look, new RectangleStrip(surface, look.width));
   return surface.toString();
 }
 

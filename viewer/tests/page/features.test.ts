@@ -101,16 +101,25 @@ describe('Lists', () => {
     expect(await page.locator('#search').getAttribute('aria-invalid')).toBe('true');
   });
 
-  test('have hits as marks on the axis', async () => {
+  test('have hits as marks on the axis, and in the overview of the whole record', async () => {
     const page = await open();
-    const marked = () =>
-      page.locator('.chart canvas').evaluate((element) => {
-        const { data } = (element as HTMLCanvasElement).getContext('2d')!.getImageData(0, 20, 1280, 1);
+    const marked = (chart: string, fromBottom?: number) =>
+      page.locator(chart).evaluate((element, up) => {
+        const canvas = element as HTMLCanvasElement;
+        const y = up === undefined ? 20 : canvas.height - up;
+        const { data } = canvas.getContext('2d')!.getImageData(0, y, 1280, 1);
         return [...Array(1280).keys()].filter((x) => data[x * 4] === 0xc2 && data[x * 4 + 1] === 0x41);
-      });
-    expect(await marked()).toEqual([]);
+      }, fromBottom);
+    const onAxis = () => marked('.chart canvas');
+    const inOverview = () => marked('.minimap', 2);
+    expect(await onAxis()).toEqual([]);
+    expect(await inOverview()).toEqual([]);
     await find(page, 'parse');
-    await expect.poll(marked).toEqual([76, 128, 268]);
+    await expect.poll(onAxis).toEqual([76, 128, 268]);
+    await expect.poll(inOverview).toEqual([76, 128, 268]);
+    await press(page, '+', 'd');
+    await expect.poll(onAxis).not.toEqual([76, 128, 268]);
+    expect(await inOverview()).toEqual([76, 128, 268]);
   });
 });
 

@@ -21,6 +21,7 @@ import {
   topOf,
 } from './layout';
 import type { Chart } from './model';
+import { ImageStrip } from './strip';
 
 interface Properties {
   label: string;
@@ -85,7 +86,7 @@ export function ChartView(properties: Properties) {
     bringSelected(chart, viewHeight, frozen);
     const look = lookOf(properties, chart, width, height, colors.value);
     chartState.look = { ...look, places, frozen };
-    drawChart(context, chartState.look);
+    drawChart(context, chartState.look, new ImageStrip(context, width));
   });
 
   const timeAt = (x: number) => {
