@@ -14,8 +14,6 @@ export class ImageStrip implements Strip {
   private readonly pixels: Uint32Array;
   private readonly line: OffscreenCanvasRenderingContext2D;
   private used = false;
-  private color = '';
-  private value = 0;
 
   constructor(
     private readonly context: CanvasRenderingContext2D | OffscreenCanvasRenderingContext2D,
@@ -27,10 +25,9 @@ export class ImageStrip implements Strip {
   }
 
   set(at: number, color: string): void {
-    if (color !== this.color) [this.color, this.value] = [color, pixelOf(color)];
     this.used = true;
     // An index outside is no element of the array, and nothing is set.
-    this.pixels[at] = this.value;
+    this.pixels[at] = pixelOf(color);
   }
 
   paint(top: number, height: number): void {
@@ -69,12 +66,15 @@ export class RectangleStrip implements Strip {
   }
 }
 
+const known = new Map<string, number>();
+
 /** The pixel of an image in a colour of six hexadecimal digits: its bytes are red, green, blue and how opaque it is. */
 function pixelOf(color: string): number {
-  const [red, green, blue] = [1, 3, 5].map((at) => parseInt(color.slice(at, at + 2), 16)) as [
-    number,
-    number,
-    number,
-  ];
-  return ((255 << 24) | (blue << 16) | (green << 8) | red) >>> 0;
+  let pixel = known.get(color);
+  if (pixel === undefined) {
+    const digits = parseInt(color.slice(1), 16);
+    const [red, green, blue] = [digits >>> 16, (digits >>> 8) & 255, digits & 255];
+    known.set(color, (pixel = ((255 << 24) | (blue << 16) | (green << 8) | red) >>> 0));
+  }
+  return pixel;
 }
