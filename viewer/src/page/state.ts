@@ -30,7 +30,10 @@ export interface Note extends Range {
 
 export interface Opened {
   title: string;
+  /** Its columns of times are empty: the profile has them. */
   raw: RawRecord;
+  /** How many there are in the file. */
+  intervals: number;
   profile: Profile;
   /** Of a script the browser has already read the escapes in names. */
   source: Source;
@@ -253,16 +256,18 @@ export const secondModel = computed(() => {
 /** Two timelines have one axis. */
 effect(() => void (secondTimeline.range.value = timeline.range.value));
 effect(() => void (timeline.range.value = secondTimeline.range.value));
-effect(() => {
-  const made = differenceTree.value;
-  if (made) difference.reset(made.tree.total);
-});
+
+function openedOf(raw: RawRecord, title: string, source: Source): Opened {
+  const intervals = raw.begin.length;
+  return { title, raw, intervals, profile: makeProfile(raw), source };
+}
 
 /** Shows a record from its beginning, with nothing chosen. */
 export function show(raw: RawRecord, title: string, source: Source): void {
-  const profile = makeProfile(raw);
+  const record = openedOf(raw, title, source);
+  const { profile } = record;
   batch(() => {
-    opened.value = { title, raw, profile, source };
+    opened.value = record;
     encoding.value = guessEncoding([...raw.names, ...raw.threads]);
     refusal.value = undefined;
     view.value = 'timeline';
@@ -284,8 +289,7 @@ export function show(raw: RawRecord, title: string, source: Source): void {
 
 export function showSecond(raw: RawRecord, title: string): void {
   batch(() => {
-    const profile = makeProfile(raw);
-    second.value = { title, raw, profile, source: { kind: 'file' } };
+    const { profile } = (second.value = openedOf(raw, title, { kind: 'file' }));
     secondTimeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     timeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     refusal.value = undefined;
@@ -328,8 +332,23 @@ export function without<T>(set: ReadonlySet<T>, member: T): Set<T> {
   return new Set([...set].filter((other) => other !== member));
 }
 
-/** The flame graph's axis is another one whenever its tree is. */
-effect(() => {
-  const total = callTree.value?.total;
-  if (total !== undefined) flame.reset(total);
-});
+/** A flame graph's axis is another one whenever its tree is. No tree is made before it is looked at. */
+function followTree(chart: ChartState, isSeen: () => boolean, tree: () => { total: number } | undefined) {
+  let known: { total: number } | undefined;
+  effect(() => {
+    const made = isSeen() ? tree() : undefined;
+    if (!made || made === known) return;
+    known = made;
+    chart.reset(made.total);
+  });
+}
+followTree(
+  flame,
+  () => view.value === 'flame',
+  () => callTree.value,
+);
+followTree(
+  difference,
+  () => view.value === 'compare' && comparison.value === 'difference',
+  () => differenceTree.value?.tree,
+);
