@@ -2,7 +2,7 @@
 import { batch, computed, effect, signal } from '@preact/signals';
 import { decodeNames, guessEncoding } from '../record/bytes';
 import { compare, type Compared } from '../record/compare';
-import { makeCallTree, makeDifferenceTree } from '../record/call_tree';
+import { makeCallTree, makeDifferenceTree, type CallTree, type Difference } from '../record/call_tree';
 import { nodeOfPath, pathOfNode } from '../record/tree_path';
 import { makeProfile, type Profile } from '../record/profile';
 import type { RawRecord } from '../record/record';
@@ -90,6 +90,12 @@ export const selectedInterval = signal<number | undefined>(undefined);
 export const selectedPath = signal<readonly number[] | undefined>(undefined);
 /** A row of the comparison. */
 export const selectedComparison = signal<Compared | undefined>(undefined);
+/** An interval of the second record's timeline. */
+export const secondInterval = signal<number | undefined>(undefined);
+/** Whether, of two timelines, keys work on the second record's. */
+export const inSecond = signal(false);
+/** A box of the flame graph of the difference, and the tree that it is one of. */
+const selectedDifference = signal<{ tree: CallTree<Difference>; node: number } | undefined>(undefined);
 /** A span that is being measured. */
 export const span = signal<Range | undefined>(undefined);
 export const notes = signal<readonly Note[]>([]);
@@ -234,17 +240,27 @@ export const differenceTree = computed(() =>
     : undefined,
 );
 
+export const differenceNode = computed(() => {
+  const selected = selectedDifference.value;
+  return selected && selected.tree === differenceTree.value?.tree ? selected.node : undefined;
+});
+
 export const differenceModel = computed(() => {
   const made = differenceTree.value;
   const dark = darkNow.value;
   return made && differenceChart(made.tree, made.names, (before, after) => changeColor(before, after, dark));
 });
 
+export const secondWalker = computed(() => (second.value ? new Walker(second.value.profile) : undefined));
+export const secondNames = computed(() =>
+  second.value ? decodeNames(second.value.raw.names, encoding.value) : [],
+);
+
 export const secondModel = computed(() => {
   const record = second.value;
   if (!record) return undefined;
   const { profile } = record;
-  return timelineChart(profile, decodeNames(record.raw.names, encoding.value), {
+  return timelineChart(profile, secondNames.value, {
     threads: [...profile.threads.keys()],
     collapsed: new Set(),
     pinned: 0,
@@ -289,6 +305,7 @@ export function show(raw: RawRecord, title: string, source: Source): void {
 
 export function showSecond(raw: RawRecord, title: string): void {
   batch(() => {
+    secondInterval.value = undefined;
     const { profile } = (second.value = openedOf(raw, title, { kind: 'file' }));
     secondTimeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     timeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
@@ -303,6 +320,26 @@ export function select(name: number | undefined, interval?: number): void {
     selectedInterval.value = interval;
     selectedPath.value = undefined;
     selectedComparison.value = undefined;
+    secondInterval.value = undefined;
+    selectedDifference.value = undefined;
+  });
+}
+
+/** Selects an interval of the second record. */
+export function selectInSecond(interval: number): void {
+  batch(() => {
+    select(undefined);
+    secondInterval.value = interval;
+    secondTimeline.bring();
+  });
+}
+
+/** Selects a box of the flame graph of the difference. */
+export function selectDifference(node: number): void {
+  batch(() => {
+    select(undefined);
+    selectedDifference.value = { tree: differenceTree.value!.tree, node };
+    difference.bring();
   });
 }
 
