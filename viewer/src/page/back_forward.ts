@@ -93,7 +93,7 @@ function go(step: 1 | -1): void {
     else state.selectInterval(place.interval);
     state.selectedPath.value = place.path;
     state.timeline.range.value = place.timeline;
-    state.flame.range.value = place.flame;
+    if (place.view === 'flame') state.flame.range.value = place.flame;
     state.timeline.scroll.value = place.scroll;
   });
   // What was just gone to is where one is.

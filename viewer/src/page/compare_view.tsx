@@ -1,10 +1,11 @@
-import { computed, signal } from '@preact/signals';
+import { computed } from '@preact/signals';
 import { useState } from 'preact/hooks';
 import { change, type Compared } from '../record/compare';
 import { selfTime, type Profile } from '../record/profile';
 import type { Figures } from '../record/statistics';
 import { ChartView } from './chart/chart_view';
 import { FileButton } from './file_button';
+import { differenceTexts } from './difference_texts';
 import { formatCount, formatRatio, formatTime } from './format';
 import { Path } from './name';
 import { openFile } from './open';
@@ -18,10 +19,8 @@ const pathText = (row: Compared) => row.path.join(' › ');
 const shown = (figure: Figure, value: number | undefined) =>
   value === undefined ? '–' : figure === 'count' ? formatCount(value) : formatTime(value);
 
-function signed(figure: Figure, value: number): string {
-  if (Number.isNaN(value)) return '–';
-  return (value > 0 ? '+' : '') + shown(figure, value);
-}
+const signed = (figure: Figure, value: number) =>
+  Number.isNaN(value) ? '–' : (value > 0 ? '+' : '') + shown(figure, value);
 
 /** Four columns for a figure: before, after, their difference and ratio. */
 function columnsOf(figure: Figure, title: string): Column<Compared>[] {
@@ -207,7 +206,8 @@ function Timelines() {
   return (
     <>
       <ChartView
-        label="Timeline of the first record"
+        label="Timeline of the first record. Shift and arrows select blocks."
+        onFocus={() => (state.inSecond.value = false)}
         model={state.timelineModel}
         chartState={state.timeline}
         selected={state.selectedInterval}
@@ -216,11 +216,12 @@ function Timelines() {
       />
       <div class="divider" />
       <ChartView
-        label="Timeline of the second record"
+        label="Timeline of the second record. Shift and arrows select blocks."
+        onFocus={() => (state.inSecond.value = true)}
         model={state.secondModel}
         chartState={state.secondTimeline}
-        selected={nothing}
-        onSelect={() => {}}
+        selected={state.secondInterval}
+        onSelect={(id) => (id === undefined ? state.select(undefined) : state.selectInSecond(id))}
         describe={describe(other)}
         foreign
       />
@@ -237,24 +238,14 @@ function Difference() {
         fiftieth.
       </p>
       <ChartView
-        label="Flame graph of the difference"
+        label="Flame graph of the difference. Shift and arrows select blocks."
         model={state.differenceModel}
         chartState={state.difference}
-        selected={nothing}
-        onSelect={(box) => box !== undefined && state.difference.bring()}
-        describe={(box) => {
-          const { before, after } = state.differenceTree.value!.tree.nodes[box]!;
-          const { difference, ratio } = change(before?.total ?? 0, after?.total ?? 0);
-          return [
-            before ? `1: ${formatTime(before.total)}, ${formatCount(before.count)} times` : 'only in 2',
-            after ? `2: ${formatTime(after.total)}, ${formatCount(after.count)} times` : 'only in 1',
-            `${signed('total', difference)} ${before && after ? formatRatio(ratio) : ''}`,
-          ];
-        }}
+        selected={state.differenceNode}
+        onSelect={(box) => (box === undefined ? state.select(undefined) : state.selectDifference(box))}
+        describe={(box) => differenceTexts(state.differenceTree.value!.tree.nodes[box]!)}
         foreign
       />
     </>
   );
 }
-
-const nothing = signal<number | undefined>(undefined);

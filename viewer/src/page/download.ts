@@ -1,9 +1,10 @@
 import { chromeTrace, csv, speedscope } from '../record/exports';
 import { drawChart } from './chart/draw';
+import { RectangleStrip } from './chart/strip';
 import { SvgSurface } from './chart/svg';
 import { takeView } from './kept_view';
-import { currentChart } from './navigation';
 import * as state from './state';
+import { currentChart } from './walked';
 
 export type ExportKind = 'chrome' | 'speedscope' | 'csv' | 'png' | 'svg' | 'view';
 
@@ -33,8 +34,8 @@ export function exportAs(kind: ExportKind): void {
   }
 }
 
-/** Whether the view is one that there can be a picture of. */
-export const hasPicture = () => currentChart() !== undefined;
+/** Whether the view is one that there can be a picture of: one chart. */
+export const hasPicture = () => state.view.value !== 'compare' && currentChart() !== undefined;
 
 const chartCanvas = () => document.querySelector<HTMLCanvasElement>('.chart canvas');
 
@@ -45,7 +46,7 @@ function asSvg(): string {
     context.font = font;
     return context.measureText(text);
   });
-  if (look) drawChart(surface, look);
+  if (look) drawChart(surface, look, new RectangleStrip(surface, look.width));
   return surface.toString();
 }
 

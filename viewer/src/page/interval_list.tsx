@@ -1,6 +1,5 @@
 // A list of intervals beside the view: all of one name, or all hits of the search.
-import { computed, effect, signal } from '@preact/signals';
-
+import { computed, signal } from '@preact/signals';
 import { duration, selfTime } from '../record/profile';
 import { timeIn } from '../record/range';
 import { sortIntervals } from '../record/sort_intervals';
@@ -9,7 +8,7 @@ import { Grid, type GridColumn } from './grid';
 import { Name } from './name';
 import { showListed } from './navigation';
 import { hits } from './search';
-import { runSliced } from './sliced';
+import { slicedSignal } from './sliced';
 import * as state from './state';
 
 /** An element cannot be higher than browsers allow, which is this many rows. */
@@ -35,15 +34,9 @@ const listed = computed(() => {
 });
 
 /** In the order that is chosen; undefined while they are being sorted. */
-const ordered = signal<Int32Array | undefined>(undefined);
-let stop = new AbortController();
-
-effect(() => {
-  stop.abort();
-  stop = new AbortController();
-  ordered.value = undefined;
+const ordered = slicedSignal(() => {
   const profile = state.profile.value;
-  if (!profile || (state.list.value !== 'name' && state.list.value !== 'hits')) return;
+  if (!profile || (state.list.value !== 'name' && state.list.value !== 'hits')) return undefined;
   const { blocks, block, begin } = profile;
   const { id, desc } = sorting.value;
   const threadPlace = new Map(state.orderedThreads.value.map((thread, place) => [thread, place]));
@@ -63,11 +56,7 @@ effect(() => {
     thread: (id) => threadPlace.get(blocks[block[id]!]!.thread) ?? 0,
     name: (id) => namePlace.get(blocks[block[id]!]!.name)!,
   };
-  void runSliced(
-    sortIntervals(listed.value, keys[id]!, begin, desc),
-    stop.signal,
-    (sorted) => (ordered.value = sorted),
-  );
+  return sortIntervals(listed.value, keys[id]!, begin, desc);
 });
 
 const figures: GridColumn[] = [

@@ -1,16 +1,10 @@
 import { goBack, goForward } from './back_forward';
 import { openId, reloadId, searchId } from './ids';
 import { meaningOf } from './keys';
-import {
-  currentChart,
-  fitSelection,
-  goToThread,
-  moveSelection,
-  toggleCollapsed,
-  togglePinned,
-} from './navigation';
+import { goToThread, toggleCollapsed, togglePinned } from './navigation';
 import * as state from './state';
 import type { Way } from './walk_intervals';
+import { currentChart, fitSelection, moveSelection } from './walked';
 
 const threadOfSelection = () => {
   const profile = state.profile.value;

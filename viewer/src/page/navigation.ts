@@ -1,18 +1,7 @@
 // Moves that keys and buttons share.
 import { layOut } from './chart/layout';
-import type { ChartState } from './chart/chart_state';
-import { longestOf, neighbour, type Way } from './walk_intervals';
-import { stepInTree } from '../record/tree_path';
+import { longestOf } from './walk_intervals';
 import * as state from './state';
-
-/** The chart of the view, undefined where a table is shown. */
-export function currentChart(): ChartState | undefined {
-  return state.view.value === 'timeline'
-    ? state.timeline
-    : state.view.value === 'flame'
-      ? state.flame
-      : undefined;
-}
 
 /** The next thread (1) or the one before (-1); past the ends, all threads. */
 export function goToThread(step: 1 | -1): void {
@@ -27,39 +16,6 @@ export function goToThread(step: 1 | -1): void {
     ({ lane }) => model.lanes[lane]!.thread === state.currentThread.value,
   );
   if (place) state.timeline.scrollTo(place.top - (state.timeline.look?.frozen ?? 0));
-}
-
-/** Selects what is next to the selection of the view's chart; without one, the first that is in view. */
-export function moveSelection(way: Way): void {
-  if (state.view.value === 'flame') return moveInTree(way);
-  const profile = state.profile.value;
-  if (!profile) return;
-  const id = state.selectedInterval.value;
-  const to = id === undefined ? firstInView() : neighbour(profile, state.walker.value!, id, way);
-  if (to !== undefined) goToInterval(to);
-}
-
-function moveInTree(way: Way): void {
-  const tree = state.callTree.value;
-  if (!tree || tree.nodes.length === 0) return;
-  const node = state.selectedNode.value;
-  const to = node === undefined ? 0 : stepInTree(tree, node, way);
-  if (to === undefined) return;
-  state.selectNode(to);
-  state.flame.reveal(tree.begin[to]!, tree.end[to]!);
-}
-
-function firstInView(): number | undefined {
-  const profile = state.profile.value!;
-  const threads =
-    state.currentThread.value === undefined ? state.visibleThreads.value : [state.currentThread.value];
-  const { from } = state.timeline.range.value;
-  for (const thread of threads) {
-    const row = profile.threads[thread]!.rows[0];
-    for (let id = row?.first ?? 0; row && id < row.first + row.count; ++id)
-      if (profile.end[id]! >= from) return id;
-  }
-  return undefined;
 }
 
 /** Selects an interval and moves the timeline, without zooming if it can be seen, to where it is. */
@@ -88,20 +44,6 @@ export function goToLongest(name: number): void {
   const profile = state.profile.value;
   const longest = profile && longestOf(profile, name, state.hidden.value);
   if (longest !== undefined) showInterval(longest);
-}
-
-/** Fits the selection of the current chart, or everything if nothing is selected. */
-export function fitSelection(): void {
-  const profile = state.profile.value;
-  const chart = currentChart();
-  if (!chart || !profile) return;
-  const [id, { begin, end }] =
-    state.view.value === 'flame'
-      ? [state.selectedNode.value, state.callTree.value!]
-      : [state.selectedInterval.value, profile];
-  if (id === undefined) return chart.all();
-  chart.fit(begin[id]!, end[id]!);
-  chart.bring();
 }
 
 /** Folds a thread's lane to its first row, or unfolds it. */

@@ -10,7 +10,8 @@ import { notice, opened, reading, refusal, show, showSecond, type Source } from 
 import { recallThreadNames } from './thread_names';
 import { isViewText, NoView, readView } from './view_text';
 
-const partSize = 4 << 20;
+const partSize = 2 << 20;
+const partsAhead = 4;
 /** Ends what is being opened: a file opened later takes over. */
 let current = new AbortController();
 
@@ -27,11 +28,11 @@ export async function openFile(file: File, options: OpenOptions = {}): Promise<v
   await reporting(file.name, async (signal) => {
     if (file.size < largestView && isViewText(await file.slice(0, 100).text())) return openView(file);
     const reader = new RecordReader();
-    for (let at = 0; at < file.size; at += partSize) {
-      const part = await file.slice(at, at + partSize).arrayBuffer();
+    let read = 0;
+    for await (const part of partsOf(file)) {
       if (signal.aborted) return;
-      reader.push(new Uint8Array(part));
-      reading.value = { title: file.name, part: at / file.size };
+      reader.push(part);
+      reading.value = { title: file.name, part: (read += part.length) / file.size };
     }
     await painted();
     if (signal.aborted) return;
@@ -39,6 +40,21 @@ export async function openFile(file: File, options: OpenOptions = {}): Promise<v
     if (as === 'second') showSecond(raw, file.name);
     else place(raw, file.name, { kind: 'file', handle }, options.keepView);
   });
+}
+
+/** The parts of a file. The next ones are on their way while one is worked on. */
+async function* partsOf(file: File): AsyncGenerator<Uint8Array> {
+  const coming: Promise<ArrayBuffer>[] = [];
+  let asked = 0;
+  do {
+    for (; asked < file.size && coming.length < partsAhead; asked += partSize) {
+      const part = file.slice(asked, asked + partSize).arrayBuffer();
+      part.catch(() => {}); // told where it is waited for, if it is
+      coming.push(part);
+    }
+    const part = await coming.shift();
+    if (part) yield new Uint8Array(part);
+  } while (coming.length > 0 || asked < file.size);
 }
 
 const largestView = 4 << 20;

@@ -1,4 +1,5 @@
 // Long work in slices, between which the page lives.
+import { effect, signal, untracked, type ReadonlySignal } from '@preact/signals';
 
 /** Milliseconds of one slice: less than the time of a picture. */
 const slice = 10;
@@ -37,4 +38,21 @@ export function runSliced<T>(
       if (signal.aborted) return;
     } while (!oneSlice());
   })();
+}
+
+/**
+ * What work gives that is begun anew whenever a signal changes that `begin` reads; undefined while it is under way, and
+ * where there is none.
+ */
+export function slicedSignal<T>(begin: () => Generator<void, T> | undefined): ReadonlySignal<T | undefined> {
+  const result = signal<T | undefined>(undefined);
+  let stop = new AbortController();
+  effect(() => {
+    stop.abort();
+    stop = new AbortController();
+    result.value = undefined;
+    const work = begin();
+    if (work) void untracked(() => runSliced(work, stop.signal, (value) => (result.value = value)));
+  });
+  return result;
 }

@@ -2,7 +2,7 @@
 import { batch, computed, effect, signal } from '@preact/signals';
 import { decodeNames, guessEncoding } from '../record/bytes';
 import { compare, type Compared } from '../record/compare';
-import { makeCallTree, makeDifferenceTree } from '../record/call_tree';
+import { makeCallTree, makeDifferenceTree, type CallTree, type Difference } from '../record/call_tree';
 import { nodeOfPath, pathOfNode } from '../record/tree_path';
 import { makeProfile, type Profile } from '../record/profile';
 import type { RawRecord } from '../record/record';
@@ -30,7 +30,10 @@ export interface Note extends Range {
 
 export interface Opened {
   title: string;
+  /** Its columns of times are empty: the profile has them. */
   raw: RawRecord;
+  /** How many there are in the file. */
+  intervals: number;
   profile: Profile;
   /** Of a script the browser has already read the escapes in names. */
   source: Source;
@@ -87,6 +90,12 @@ export const selectedInterval = signal<number | undefined>(undefined);
 export const selectedPath = signal<readonly number[] | undefined>(undefined);
 /** A row of the comparison. */
 export const selectedComparison = signal<Compared | undefined>(undefined);
+/** An interval of the second record's timeline. */
+export const secondInterval = signal<number | undefined>(undefined);
+/** Whether, of two timelines, keys work on the second record's. */
+export const inSecond = signal(false);
+/** A box of the flame graph of the difference, and the tree that it is one of. */
+const selectedDifference = signal<{ tree: CallTree<Difference>; node: number } | undefined>(undefined);
 /** A span that is being measured. */
 export const span = signal<Range | undefined>(undefined);
 export const notes = signal<readonly Note[]>([]);
@@ -231,17 +240,27 @@ export const differenceTree = computed(() =>
     : undefined,
 );
 
+export const differenceNode = computed(() => {
+  const selected = selectedDifference.value;
+  return selected && selected.tree === differenceTree.value?.tree ? selected.node : undefined;
+});
+
 export const differenceModel = computed(() => {
   const made = differenceTree.value;
   const dark = darkNow.value;
   return made && differenceChart(made.tree, made.names, (before, after) => changeColor(before, after, dark));
 });
 
+export const secondWalker = computed(() => (second.value ? new Walker(second.value.profile) : undefined));
+export const secondNames = computed(() =>
+  second.value ? decodeNames(second.value.raw.names, encoding.value) : [],
+);
+
 export const secondModel = computed(() => {
   const record = second.value;
   if (!record) return undefined;
   const { profile } = record;
-  return timelineChart(profile, decodeNames(record.raw.names, encoding.value), {
+  return timelineChart(profile, secondNames.value, {
     threads: [...profile.threads.keys()],
     collapsed: new Set(),
     pinned: 0,
@@ -253,16 +272,18 @@ export const secondModel = computed(() => {
 /** Two timelines have one axis. */
 effect(() => void (secondTimeline.range.value = timeline.range.value));
 effect(() => void (timeline.range.value = secondTimeline.range.value));
-effect(() => {
-  const made = differenceTree.value;
-  if (made) difference.reset(made.tree.total);
-});
+
+function openedOf(raw: RawRecord, title: string, source: Source): Opened {
+  const intervals = raw.begin.length;
+  return { title, raw, intervals, profile: makeProfile(raw), source };
+}
 
 /** Shows a record from its beginning, with nothing chosen. */
 export function show(raw: RawRecord, title: string, source: Source): void {
-  const profile = makeProfile(raw);
+  const record = openedOf(raw, title, source);
+  const { profile } = record;
   batch(() => {
-    opened.value = { title, raw, profile, source };
+    opened.value = record;
     encoding.value = guessEncoding([...raw.names, ...raw.threads]);
     refusal.value = undefined;
     view.value = 'timeline';
@@ -284,8 +305,8 @@ export function show(raw: RawRecord, title: string, source: Source): void {
 
 export function showSecond(raw: RawRecord, title: string): void {
   batch(() => {
-    const profile = makeProfile(raw);
-    second.value = { title, raw, profile, source: { kind: 'file' } };
+    secondInterval.value = undefined;
+    const { profile } = (second.value = openedOf(raw, title, { kind: 'file' }));
     secondTimeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     timeline.reset(Math.max(profile.last, opened.value?.profile.last ?? 0));
     refusal.value = undefined;
@@ -299,6 +320,26 @@ export function select(name: number | undefined, interval?: number): void {
     selectedInterval.value = interval;
     selectedPath.value = undefined;
     selectedComparison.value = undefined;
+    secondInterval.value = undefined;
+    selectedDifference.value = undefined;
+  });
+}
+
+/** Selects an interval of the second record. */
+export function selectInSecond(interval: number): void {
+  batch(() => {
+    select(undefined);
+    secondInterval.value = interval;
+    secondTimeline.bring();
+  });
+}
+
+/** Selects a box of the flame graph of the difference. */
+export function selectDifference(node: number): void {
+  batch(() => {
+    select(undefined);
+    selectedDifference.value = { tree: differenceTree.value!.tree, node };
+    difference.bring();
   });
 }
 
@@ -328,8 +369,23 @@ export function without<T>(set: ReadonlySet<T>, member: T): Set<T> {
   return new Set([...set].filter((other) => other !== member));
 }
 
-/** The flame graph's axis is another one whenever its tree is. */
-effect(() => {
-  const total = callTree.value?.total;
-  if (total !== undefined) flame.reset(total);
-});
+/** A flame graph's axis is another one whenever its tree is. No tree is made before it is looked at. */
+function followTree(chart: ChartState, isSeen: () => boolean, tree: () => { total: number } | undefined) {
+  let known: { total: number } | undefined;
+  effect(() => {
+    const made = isSeen() ? tree() : undefined;
+    if (!made || made === known) return;
+    known = made;
+    chart.reset(made.total);
+  });
+}
+followTree(
+  flame,
+  () => view.value === 'flame',
+  () => callTree.value,
+);
+followTree(
+  difference,
+  () => view.value === 'compare' && comparison.value === 'difference',
+  () => differenceTree.value?.tree,
+);

@@ -4,7 +4,7 @@ import { formatCount, formatSpan, formatTime } from './format';
 import * as state from './state';
 
 export function StatusLine() {
-  const { raw, source } = state.opened.value!;
+  const { raw, intervals, source } = state.opened.value!;
   const range = state.timeline.range.value;
   const profile = state.profile.value!;
   const onTimeline = state.view.value === 'timeline';
@@ -14,7 +14,7 @@ export function StatusLine() {
   return (
     <footer class="status">
       <span>
-        {formatCount(raw.begin.length)} intervals, {profile.threads.length}{' '}
+        {formatCount(intervals)} intervals, {profile.threads.length}{' '}
         {profile.threads.length === 1 ? 'thread' : 'threads'}
       </span>
       {onTimeline && <span>{formatSpan(range)}</span>}

@@ -1,31 +1,5 @@
 // How durations spread: bins that are no finer than the stamps, the same for all the sets that are compared.
 import { lowerBound } from './bounds';
-import { duration, stepAt, type Profile } from './profile';
-import { timeIn } from './range';
-import type { Range } from './statistics';
-
-export interface Durations {
-  /** Of the closed intervals, sorted. */
-  durations: Float64Array;
-  /** Milliseconds: the step of the record where the last of them ended, below which they cannot be told apart. */
-  resolution: number;
-}
-
-/** What the histogram of some blocks is made of: the intervals that lie in the range at least in part. */
-export function durationsIn(profile: Profile, blocks: readonly number[], range?: Range): Durations {
-  const found: number[] = [];
-  let last = 0;
-  for (const block of blocks) {
-    const { first, count } = profile.blocks[block]!;
-    for (let i = first; i < first + count; ++i) {
-      const id = profile.ids[i]!;
-      if (profile.open[id] || timeIn(profile, id, range) < 0) continue;
-      found.push(duration(profile, id));
-      last = Math.max(last, profile.end[id]!);
-    }
-  }
-  return { durations: Float64Array.from(found).sort(), resolution: stepAt(profile, last) };
-}
 
 const mostBins = 48;
 

@@ -1,6 +1,6 @@
 // What the viewer works on: each interval with the one that it ran in, laid out in rows, one for each thread and depth.
 import { fillLostTimes } from './lost_times';
-import { findParents } from './nesting';
+import { findParents, type Nesting } from './nesting';
 import { sortBlocks, sortByParents } from './rows';
 import type { RawRecord } from './record';
 
@@ -60,14 +60,16 @@ export interface Profile {
 
 export const timesLost = 2;
 
+/**
+ * Takes the columns of times out of the record: they are let go one by one as soon as they have been copied, so that a
+ * large record is not in memory twice.
+ */
 export function makeProfile(read: RawRecord, names: readonly string[] = read.names): Profile {
   const { record: raw, lost } = fillLostTimes(read);
-  const count = raw.begin.length;
-  const { end: rawEnd, open: rawOpen, parent: rawParent, last } = findParents(raw);
+  const nesting = findParents(raw);
   lost?.forEach((made, index) => {
-    if (made) rawOpen[index] = timesLost;
+    if (made) nesting.open[index] = timesLost;
   });
-
   const threads: Thread[] = raw.threads.map((name) => ({
     name,
     id: Number(/\d+$/.exec(name)?.[0] ?? NaN),
@@ -78,62 +80,80 @@ export function makeProfile(read: RawRecord, names: readonly string[] = read.nam
   const blocks: Block[] = raw.blocks.map((block) => ({ ...block, children: [] }));
   blocks.forEach((block, index) => blocks[block.parent]?.children.push(index));
 
-  // Blocks of one thread and depth share a row.
-  const blocksOfRow: number[][][] = threads.map(() => []);
-  blocks.forEach((block, index) => (blocksOfRow[block.thread]![block.depth] ??= []).push(index));
-  const profile: Profile = {
-    names,
-    threads,
-    blocks,
-    begin: new Float64Array(count),
-    end: new Float64Array(count),
-    block: new Int32Array(count),
-    parent: new Int32Array(count).fill(-1),
-    open: new Uint8Array(count),
-    inner: new Float64Array(count),
-    ids: new Int32Array(count),
-    last,
-    exact: raw.exact ?? false,
-  };
-  const rawOfId = new Int32Array(count);
-  let next = 0;
-  threads.forEach((thread, index) => {
-    for (const row of blocksOfRow[index]!) {
-      const above = thread.rows[thread.rows.length - 1];
-      const members = row.map((member) => blocks[member]!);
-      const made = { first: next, count: members.reduce((sum, { count }) => sum + count, 0) };
-      next += made.count;
-      const sorting = { ids: rawOfId, begin: raw.begin, end: rawEnd };
-      if (!above || !sortByParents(sorting, made, members, above, profile.ids, rawParent))
-        sortBlocks(sorting, made, members);
-      // A block's intervals have the same order in the file and in the row, so its slice of `ids` is filled in file order.
-      for (let id = made.first; id < next; ++id) profile.ids[rawOfId[id]!] = id;
-      thread.rows.push(made);
-    }
+  const { ids, rawOfId } = makeRows(threads, blocks, raw.begin, nesting);
+  const count = ids.length;
+  const begin = new Float64Array(count);
+  for (let i = 0; i < count; ++i) begin[ids[i]!] = raw.begin[i]!;
+  raw.begin = read.begin = none;
+  const end = new Float64Array(count);
+  for (let i = 0; i < count; ++i) end[ids[i]!] = nesting.end[i]!;
+  raw.end = read.end = nesting.end = none;
+  const open = new Uint8Array(count);
+  for (let i = 0; i < count; ++i) open[ids[i]!] = nesting.open[i]!;
+  const block = new Int32Array(count);
+  blocks.forEach(({ first, count }, index) => {
+    for (let i = first; i < first + count; ++i) block[ids[i]!] = index;
   });
-  blocks.forEach((block, index) => {
-    for (let i = block.first; i < block.first + block.count; ++i) {
-      const id = profile.ids[i]!;
-      profile.begin[id] = raw.begin[i]!;
-      profile.end[id] = rawEnd[i]!;
-      profile.open[id] = rawOpen[i]!;
-      profile.block[id] = index;
-    }
-  });
+  const parent = new Int32Array(count).fill(-1);
+  const inner = new Float64Array(count);
   for (let id = 0; id < count; ++id) {
-    const parent = rawParent[rawOfId[id]!]!;
-    if (parent < 0) continue;
-    profile.parent[id] = profile.ids[parent]!;
-    profile.inner[profile.ids[parent]!]! += profile.end[id]! - profile.begin[id]!;
+    const outer = nesting.parent[rawOfId[id]!]!;
+    if (outer < 0) continue;
+    parent[id] = ids[outer]!;
+    inner[ids[outer]!]! += end[id]! - begin[id]!;
   }
   for (const thread of threads) {
     const [top] = thread.rows;
     if (!top || top.count === 0) continue;
-    thread.firstBegin = profile.begin[top.first]!;
-    for (let id = top.first; id < top.first + top.count; ++id)
-      thread.busy += profile.end[id]! - profile.begin[id]!;
+    thread.firstBegin = begin[top.first]!;
+    for (let id = top.first; id < top.first + top.count; ++id) thread.busy += end[id]! - begin[id]!;
   }
-  return profile;
+  const { last } = nesting;
+  return {
+    names,
+    threads,
+    blocks,
+    begin,
+    end,
+    block,
+    parent,
+    open,
+    inner,
+    ids,
+    last,
+    exact: raw.exact ?? false,
+  };
+}
+
+const none = new Float64Array(0);
+
+/** Gives the threads their rows. `ids` tells the id of each interval of the record, `rawOfId` the other way round. */
+function makeRows(
+  threads: readonly Thread[],
+  blocks: readonly Block[],
+  begin: Float64Array,
+  { end, parent }: Nesting,
+): { ids: Int32Array; rawOfId: Int32Array } {
+  const ids = new Int32Array(begin.length);
+  const rawOfId = new Int32Array(begin.length);
+  const sorting = { ids: rawOfId, begin, end };
+  // Blocks of one thread and depth share a row.
+  const blocksOfRow: Block[][][] = threads.map(() => []);
+  for (const block of blocks) (blocksOfRow[block.thread]![block.depth] ??= []).push(block);
+  let next = 0;
+  threads.forEach((thread, index) => {
+    for (const members of blocksOfRow[index]!) {
+      const above = thread.rows[thread.rows.length - 1];
+      const made = { first: next, count: members.reduce((sum, { count }) => sum + count, 0) };
+      next += made.count;
+      if (!above || !sortByParents(sorting, made, members, above, ids, parent))
+        sortBlocks(sorting, made, members);
+      // A block's intervals have the same order in the file and in the row, so its slice of `ids` is in file order.
+      for (let id = made.first; id < next; ++id) ids[rawOfId[id]!] = id;
+      thread.rows.push(made);
+    }
+  });
+  return { ids, rawOfId };
 }
 
 export function duration(profile: Profile, id: number): number {

@@ -1,4 +1,5 @@
 // A row is merged from the blocks in it, each of which is in order already.
+import { portion, toEnd } from './portions';
 import type { Row } from './profile';
 
 /** Ids are places in the columns. */
@@ -81,9 +82,6 @@ function sortRuns({ ids, begin, end }: Sorting, from: number, to: number): void 
   }
 }
 
-/** How many ids are sorted between two places where a caller may interrupt. */
-const portion = 1 << 15;
-
 /**
  * Sorts `ids` from `first` on by begin, then end. `runs` are the places where each sorted run ends; the last one is the
  * end of all.
@@ -95,8 +93,7 @@ export function sortRow(
   begin: Float64Array,
   end: Float64Array,
 ): void {
-  const sorting = sortingRow(ids, first, runs, begin, end);
-  while (!sorting.next().done);
+  toEnd(sortingRow(ids, first, runs, begin, end));
 }
 
 /** The same in portions; `ids` is in order after the last one. */

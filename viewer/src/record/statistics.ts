@@ -1,3 +1,4 @@
+import { portion, sortingNumbers, toEnd } from './portions';
 import { selfTime, stepAt, timesLost, type Profile } from './profile';
 import { firstFrom, timeIn } from './range';
 
@@ -38,23 +39,28 @@ export function figuresOf(
   groupOf: (block: number) => number,
   selection: Selection = {},
 ): Figures[] {
-  return spreadsOf(profile, groups, groupOf, selection).map(({ figures }) => figures);
+  return toEnd(spreadsOf(profile, groups, groupOf, selection)).map(({ figures }) => figures);
 }
 
-/** Figures with the closed durations that they are drawn from, sorted. */
-export interface Spread {
-  figures: Figures;
+/** How durations spread: what a histogram is made of. */
+export interface Durations {
+  /** Of the closed intervals, sorted. */
   durations: Float64Array;
-  /** Milliseconds: the step of the record where the last interval ended, below which they cannot be told apart. */
+  /** Milliseconds: the step of the record where the last of them ended, below which they cannot be told apart. */
   resolution: number;
 }
 
-function spreadsOf(
+/** Figures with the durations that they are drawn from. */
+export interface Spread extends Durations {
+  figures: Figures;
+}
+
+function* spreadsOf(
   profile: Profile,
   groups: number,
   groupOf: (block: number) => number,
   selection: Selection,
-): Spread[] {
+): Generator<void, Spread[]> {
   const { blocks, ids, begin, end, open } = profile;
   const { range } = selection;
   const result = Array.from({ length: groups }, () => ({
@@ -82,13 +88,11 @@ function spreadsOf(
   const closedDurations = new Float64Array(places[groups]!);
   const lastEnd = new Float64Array(groups);
 
-  blocks.forEach((block, index) => {
+  /** Counts some of a block's intervals. */
+  const add = (index: number, from: number, to: number) => {
     const group = groupOfBlock[index]!;
-    // In a range, what is inside a block of a group takes from the block's own time.
-    if (group < 0 && !(range && (groupOfBlock[block.parent] ?? -1) >= 0)) return;
     const figures = result[group];
-    const stop = block.first + block.count;
-    for (let i = range ? firstFrom(profile, index, range.from) : block.first; i < stop; ++i) {
+    for (let i = from; i < to; ++i) {
       const id = ids[i]!;
       if (range && begin[id]! > range.to) break;
       const time = range ? timeIn(profile, id, range) : end[id]! - begin[id]!;
@@ -108,20 +112,34 @@ function spreadsOf(
         if (end[id]! > lastEnd[group]!) lastEnd[group] = end[id]!;
       }
     }
-  });
+  };
+
+  for (let index = 0; index < blocks.length; ++index) {
+    const block = blocks[index]!;
+    // In a range, what is inside a block of a group takes from the block's own time.
+    if (groupOfBlock[index]! < 0 && !(range && (groupOfBlock[block.parent] ?? -1) >= 0)) continue;
+    const stop = block.first + block.count;
+    for (let i = range ? firstFrom(profile, index, range.from) : block.first; i < stop; i += portion) {
+      add(index, i, Math.min(i + portion, stop));
+      yield;
+    }
+  }
   for (const figures of result) figures.self = Math.max(0, figures.self);
-  return result.map((figures, group) => {
+  const spreads: Spread[] = [];
+  for (let group = 0; group < groups; ++group) {
+    const figures = result[group]!;
     const durations = closedDurations.subarray(places[group], next[group]);
-    spread(figures, durations);
-    return { figures, durations, resolution: stepAt(profile, lastEnd[group]!) };
-  });
+    yield* sortingNumbers(durations);
+    average(figures, durations);
+    spreads.push({ figures, durations, resolution: stepAt(profile, lastEnd[group]!) });
+  }
+  return spreads;
 }
 
-/** Sorts the durations and draws the averages from them. */
-function spread(figures: Figures, durations: Float64Array): void {
+/** Draws the averages from the sorted durations. */
+function average(figures: Figures, durations: Float64Array): void {
   const { length } = durations;
   if (length === 0) return;
-  durations.sort();
   let sum = 0;
   for (const value of durations) sum += value;
   const mean = sum / length;
@@ -151,9 +169,23 @@ export interface NameRow extends Figures {
   name: number;
 }
 
+/** The figures of some blocks together, in portions. */
+export function* spreadOf(
+  profile: Profile,
+  isCounted: (block: number) => boolean,
+  selection: Selection = {},
+): Generator<void, Spread> {
+  const [spread] = yield* spreadsOf(profile, 1, (block) => (isCounted(block) ? 0 : -1), selection);
+  return spread!;
+}
+
 /** The figures of one name, which take less time than those of all. */
-export function spreadOfName(profile: Profile, name: number, selection: Selection = {}): Spread {
-  return spreadsOf(profile, 1, (block) => (profile.blocks[block]!.name === name ? 0 : -1), selection)[0]!;
+export function spreadOfName(
+  profile: Profile,
+  name: number,
+  selection: Selection = {},
+): Generator<void, Spread> {
+  return spreadOf(profile, (block) => profile.blocks[block]!.name === name, selection);
 }
 
 /** A row for each name that occurs in the selection. */

@@ -13,6 +13,7 @@ const lineFeed = 10;
 const space = 32;
 const tab = 9;
 const carriageReturn = 13;
+const empty = new Uint8Array(0);
 
 /** A thread or a block between its brackets. */
 interface Open {
@@ -26,7 +27,7 @@ export class TextReader {
   private readonly builder = new RecordBuilder();
   private readonly times = new TimesReader(this.builder);
   private readonly open: Open[] = [];
-  private rest: Uint8Array = new Uint8Array(0);
+  private rest: Uint8Array = empty;
   private first = true;
   private firstLine: string | undefined;
   private line = 1;
@@ -39,14 +40,29 @@ export class TextReader {
 
   /** The next bytes of the file. Throws NoRecord as soon as it is clear that this is none. */
   push(chunk: Uint8Array): void {
-    let data = chunk;
-    if (this.rest.length > 0) {
-      data = new Uint8Array(this.rest.length + chunk.length);
+    let at = 0;
+    // What was left is read with no more of the chunk than is needed to end its line: the chunk is not copied.
+    for (
+      let length = Math.max(1024, this.rest.length);
+      this.rest.length > 0 && at < chunk.length;
+      length *= 2
+    ) {
+      const piece = chunk.subarray(at, at + length);
+      const data = new Uint8Array(this.rest.length + piece.length);
       data.set(this.rest);
-      data.set(chunk, this.rest.length);
+      data.set(piece, this.rest.length);
+      const end = this.read(data, false);
+      if (end < this.rest.length) {
+        this.rest = data.subarray(end);
+        at += piece.length;
+      } else {
+        at += end - this.rest.length;
+        this.rest = empty;
+      }
     }
-    const at = this.read(data, false);
-    this.rest = new Uint8Array(data.subarray(at)); // a copy: the caller may fill the part anew
+    if (at === chunk.length) return;
+    const data = chunk.subarray(at);
+    this.rest = new Uint8Array(data.subarray(this.read(data, false))); // a copy: the caller may fill the part anew
   }
 
   finish(): RawRecord {

@@ -253,8 +253,8 @@ describe('Fingers', () => {
   });
 });
 
-describe('A search in a large record', () => {
-  test('goes on in slices, and ends with the number of its hits', async () => {
+describe('A large record', () => {
+  test('is searched in slices, with the number of hits at the end', async () => {
     const page = await viewer.open();
     viewer.opened.complaints.length = 0;
     const path = join(viewer.opened.folder, 'large.js');
@@ -266,5 +266,44 @@ describe('A search in a large record', () => {
     await press(page, 'Enter');
     await expect.poll(() => details(page)).toContain('query');
     await expect.poll(() => page.locator('.hits').innerText()).toMatch(/^1 of [\d,]+$/);
+  });
+
+  test('has its details counted in slices, of what was selected last', async () => {
+    const page = await viewer.open();
+    viewer.opened.complaints.length = 0;
+    const path = join(viewer.opened.folder, 'large.js');
+    const times = (count: number) => Array.from({ length: count }, (_, at) => [2 * at, 2 * at + 1] as const);
+    const block = (name: string, count: number) => ({ name, time: times(count) as [number, number][] });
+    const thread = (id: number, name: string, count: number) => ({ id, blocks: [block(name, count)] });
+    writeFileSync(path, recordText([thread(4, 'many', 300_001), thread(8, 'other', 300_000)]));
+    await dropFile(page, path);
+    await page.locator('.status').waitFor();
+    await press(page, '3');
+    // What the panel says, one after the other: the name and its count.
+    await page.evaluate(() => {
+      const said: string[] = [];
+      (window as unknown as { said: string[] }).said = said;
+      new MutationObserver(() => {
+        const text = (document.querySelector('.details') as HTMLElement | null)?.innerText ?? '';
+        const count = /Counting…|Count\s+[\d,]+/.exec(text)?.[0].replace(/\s+/, ' ');
+        const now = `${text.split('\n')[0]}: ${count}`;
+        if (count && now !== said[said.length - 1]) said.push(now);
+      }).observe(document.body, { childList: true, subtree: true, characterData: true });
+    });
+    const said = () => page.evaluate(() => (window as unknown as { said: string[] }).said);
+    const click = (...names: string[]) =>
+      page.evaluate((wanted) => {
+        const rows = [...document.querySelectorAll<HTMLElement>('.table-row')];
+        for (const name of wanted) rows.find((row) => row.innerText.includes(name))!.click();
+      }, names);
+    await click('many');
+    await expect.poll(said).toEqual(['many: Counting…', 'many: Count 300,001']);
+    await press(page, 'Escape');
+    // The other one is selected while the first is being counted, which is not heard of again.
+    await click('many', 'other');
+    await expect
+      .poll(async () => (await said()).slice(2))
+      .toEqual(['other: Counting…', 'other: Count 300,000']);
+    expect((await said()).length).toBe(4);
   });
 });

@@ -5,7 +5,7 @@ import type { Page } from 'playwright-core';
 import { describe, expect, test } from 'vitest';
 import { download, dropFile, inFirefox } from '../support/browser';
 import { recordText, type ThreadText } from '../support/make_record';
-import { cells, details, press, rangeOf, status, viewerOfTests } from '../support/viewer';
+import { cells, details, press, rangeOf, selectionFrame, status, viewerOfTests } from '../support/viewer';
 
 const viewer = viewerOfTests();
 const threads: ThreadText[] = [
@@ -101,16 +101,26 @@ describe('Lists', () => {
     expect(await page.locator('#search').getAttribute('aria-invalid')).toBe('true');
   });
 
-  test('have hits as marks on the axis', async () => {
+  test('have hits as marks on the axis, and in the overview of the whole record', async () => {
     const page = await open();
-    const marked = () =>
-      page.locator('.chart canvas').evaluate((element) => {
-        const { data } = (element as HTMLCanvasElement).getContext('2d')!.getImageData(0, 20, 1280, 1);
+    const marked = (chart: string, fromBottom?: number) =>
+      page.locator(chart).evaluate((element, up) => {
+        const canvas = element as HTMLCanvasElement;
+        const y = up === undefined ? 20 : canvas.height - up;
+        const { data } = canvas.getContext('2d')!.getImageData(0, y, 1280, 1);
         return [...Array(1280).keys()].filter((x) => data[x * 4] === 0xc2 && data[x * 4 + 1] === 0x41);
-      });
-    expect(await marked()).toEqual([]);
+      }, fromBottom);
+    const onAxis = () => marked('.chart canvas');
+    const inOverview = () => marked('.minimap', 2);
+    expect(await onAxis()).toEqual([]);
+    expect(await inOverview()).toEqual([]);
     await find(page, 'parse');
-    await expect.poll(marked).toEqual([76, 128, 268]);
+    await expect.poll(onAxis).toEqual([76, 128, 268]);
+    await expect.poll(inOverview).toEqual([76, 128, 268]);
+    await page.locator('.chart canvas').focus();
+    await press(page, '+', 'd');
+    await expect.poll(onAxis).not.toEqual([76, 128, 268]);
+    expect(await inOverview()).toEqual([76, 128, 268]);
   });
 });
 
@@ -294,6 +304,62 @@ describe('A comparison', () => {
       .poll(() => page.locator('.tip').innerText())
       .toMatch(/^main loop\n1 s\n1: 1 s, 1 times\n2: 1 s/);
   });
+
+  /** The second record has a longer "draw" and one thread less. */
+  const openBoth = async (comparison: string) => {
+    const page = await open();
+    const path = join(viewer.opened.folder, 'second.js');
+    writeFileSync(path, recordText(threads.slice(0, 1)).replace('{b: 400, e: 500}', '{b: 400, e: 600}'));
+    await press(page, '4');
+    await dropFile(page, path);
+    await page.getByRole('tab', { name: comparison }).click();
+    return page;
+  };
+  const figures = (page: Page) => page.locator('.interval').innerText();
+
+  test('has a difference that keys walk through, with the figures of both', async () => {
+    const page = await openBoth('Difference');
+    await press(page, 'Shift+ArrowDown');
+    await expect.poll(() => title(page)).toBe('main loop');
+    expect(await figures(page)).toBe('1: 1 s, 1 times, 2: 1 s, 1 times, 0 × 1, at the top');
+    await press(page, 'Shift+ArrowRight');
+    await expect.poll(() => title(page)).toBe('worker');
+    expect(await figures(page)).toBe('1: 850 ms, 1 times, only in 1, -850 ms, at the top');
+    await press(page, 'Shift+ArrowLeft', 'Shift+ArrowDown', 'Shift+ArrowRight');
+    await expect.poll(() => title(page)).toBe('draw');
+    expect(await figures(page)).toBe('1: 100 ms, 1 times, 2: 200 ms, 1 times, +100 ms × 2, in main loop');
+    const before = (await selectionFrame(page))!;
+    await press(page, 'f');
+    await expect
+      .poll(async () => (await selectionFrame(page))!.right - (await selectionFrame(page))!.left)
+      .toBeGreaterThan(2 * (before.right - before.left));
+    // A tree that is made anew has no selection of the one before.
+    await press(page, 'r');
+    await expect.poll(() => page.locator('.details').count()).toBe(0);
+  });
+
+  test('has two timelines that keys walk through, the one with the focus', async () => {
+    const page = await openBoth('Timelines');
+    await press(page, 'Shift+ArrowDown', 'Shift+ArrowDown', 'Shift+ArrowRight');
+    await expect.poll(() => title(page)).toBe('draw');
+    expect(await figures(page)).toMatch(/^100 ms .* on Thread 16, in main loop$/);
+    await page.getByLabel('Timeline of the second record').focus();
+    await press(page, 'Shift+ArrowDown', 'Shift+ArrowDown', 'Shift+ArrowRight');
+    await expect.poll(() => title(page)).toBe('draw');
+    expect(await figures(page)).toMatch(/^200 ms .* on Thread 16, in main loop$/);
+    await press(page, 'f');
+    await expect
+      .poll(async () => {
+        const frame = (await selectionFrame(page, '.chart:last-child canvas'))!;
+        return frame && frame.right - frame.left;
+      })
+      .toBeGreaterThan(640);
+    await press(page, 'Escape');
+    await expect.poll(() => page.locator('.details').count()).toBe(0);
+    await page.getByLabel('Timeline of the first record').focus();
+    await press(page, 'Shift+ArrowDown');
+    await expect.poll(() => title(page)).toBe('main loop');
+  });
 });
 
 describe('What is seen is kept', () => {
@@ -401,5 +467,26 @@ describe('What is seen is kept', () => {
     );
     await dropFile(page, path);
     await expect.poll(() => status(page)).toMatch(/^1 intervals, 1 thread\n/);
+  });
+
+  test('of speedscope: what it was made from is seen again', async () => {
+    const page = await open();
+    await page.getByRole('button', { name: 'Export' }).click();
+    const { data } = await download(page, () => page.getByRole('menuitem', { name: /speedscope/i }).click());
+    const path = join(viewer.opened.folder, 'scope.json');
+    writeFileSync(path, data);
+    await dropFile(page, path);
+    await expect.poll(() => status(page)).toMatch(/^7 intervals, 2 threads\n[^]*exact/);
+    await page.mouse.click(...(await place(page, 150, 0, 2)));
+    await expect.poll(() => title(page)).toBe('parse');
+    expect(await page.locator('.interval').innerText()).toMatch(
+      /^100 ms .* from 100 ms on Thread 16, in main loop › load$/,
+    );
+    writeFileSync(path, data.subarray(0, data.length / 2));
+    await dropFile(page, path);
+    await expect
+      .poll(() => page.getByRole('alert').innerText())
+      .toContain('scope.json cannot be shown. The file begins as JSON does, but is damaged or cut.');
+    expect(await title(page)).toBe('parse');
   });
 });

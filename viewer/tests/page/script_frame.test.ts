@@ -187,8 +187,8 @@ describe('The page says what it trusts', () => {
 
 describe('A large script', () => {
   /** A record and so many bytes of a comment behind it, which take the disk no room. */
-  async function openLarge(bytes: number, content: string): Promise<Page> {
-    const page = await viewer.open();
+  async function openLarge(bytes: number, content: string, alone = false): Promise<Page> {
+    const page = await viewer.open({ alone });
     viewer.opened.complaints.length = 0;
     const path = join(viewer.opened.folder, 'large.js');
     writeFileSync(path, content);
@@ -211,5 +211,24 @@ describe('A large script', () => {
       ? 'is no valid script'
       : 'is too large for a script: browsers take about 500 MB. Drop the file here';
     expect(await page.locator('.refusal').innerText()).toContain(`large.js ${why}`);
+  });
+
+  test('of a record is said to be one before it is shown', async () => {
+    const small = recordText([{ id: 4, blocks: [{ name: 'a', time: [[0, 1]] }] }]);
+    const page = await openLarge(300_000_000, `${small}//`, true);
+    page.setDefaultTimeout(50_000);
+    await page.addInitScript(() => {
+      const said: string[] = [];
+      (window as unknown as { said: string[] }).said = said;
+      new MutationObserver(() => {
+        const of = (what: string) => document.querySelector(what)?.textContent ?? '';
+        const now = /It is large/.exec(of('.reading'))?.[0] ?? /\d+ intervals/.exec(of('.status'))?.[0];
+        if (now && now !== said[said.length - 1]) said.push(now);
+      }).observe(document, { childList: true, subtree: true, characterData: true });
+    });
+    await page.reload({ waitUntil: 'commit' });
+    await page.locator('.status').waitFor();
+    const said = await page.evaluate(() => (window as unknown as { said: string[] }).said);
+    expect(said).toEqual(['It is large', '1 intervals']);
   });
 });

@@ -1,7 +1,9 @@
 import { describe, expect, test } from 'vitest';
 import { compare } from '../../src/record/compare';
-import { binEdges, countInBins, durationsIn } from '../../src/record/histogram';
-import { makeProfile } from '../../src/record/profile';
+import { binEdges, countInBins } from '../../src/record/histogram';
+import { toEnd } from '../../src/record/portions';
+import { makeProfile, type Profile } from '../../src/record/profile';
+import { spreadOf, type Range } from '../../src/record/statistics';
 import { recordText } from '../support/make_record';
 import { read, readBlocks } from '../support/reading';
 
@@ -89,6 +91,10 @@ test('The durations of the blocks in a line of a comparison, with their resoluti
   );
   const after = readBlocks({ name: 'b', time: [[0, 1]] }, { name: 'a', time: [[1, 2]] });
   const [row] = compare(before, after);
+  const durationsIn = (profile: Profile, blocks: readonly number[], range?: Range) => {
+    const { durations, resolution } = toEnd(spreadOf(profile, (block) => blocks.includes(block), { range }));
+    return { durations, resolution };
+  };
   expect(durationsIn(before, row!.blocks.before)).toEqual({ durations: sorted(1, 2, 5), resolution: 0.01 });
   expect(durationsIn(after, row!.blocks.after)).toEqual({ durations: sorted(1), resolution: 10 ** -5 });
   expect(durationsIn(before, row!.blocks.before, { from: 1, to: 20 }).durations).toEqual(sorted(2, 5));

@@ -10,6 +10,7 @@ import {
   type NameRow,
   type Selection,
 } from '../../src/record/statistics';
+import { portion, toEnd } from '../../src/record/portions';
 import { largeRecord, recordText } from '../support/make_record';
 import { read, readBlocks } from '../support/reading';
 
@@ -104,9 +105,26 @@ describe('Statistics', () => {
   test('of one name are those that it has among all', () => {
     for (const selection of [{}, { foldRecursion: true }, { range: { from: 1, to: 23 } }])
       for (const { name, ...figures } of statisticsByName(profile, selection))
-        expect(spreadOfName(profile, name, selection).figures).toEqual(figures);
-    const { durations, resolution } = spreadOfName(profile, nameOf('step'));
+        expect(toEnd(spreadOfName(profile, name, selection)).figures).toEqual(figures);
+    const { durations, resolution } = toEnd(spreadOfName(profile, nameOf('step')));
     expect([[...durations], resolution]).toEqual([[1, 2, 3, 35], 10 ** -4]);
+  });
+
+  test('of one name are made in portions', () => {
+    const long = 3 * portion;
+    const many = readBlocks({
+      name: 'short',
+      time: Array.from({ length: long }, (_, at) => [10 * at, 10 * at + 1 + ((at * 7919) % 5)]),
+    });
+    const work = spreadOfName(many, 0);
+    let portions = 0;
+    let step = work.next();
+    for (; !step.done; step = work.next()) ++portions;
+    // Three to look at, three to sort, two times three to merge.
+    expect(portions).toBe(12);
+    const { durations, figures } = step.value;
+    expect(figures).toMatchObject({ count: long, min: 1, max: 5, median: 3 });
+    expect(durations.every((value, at) => at === 0 || value >= durations[at - 1]!)).toBe(true);
   });
 
   test('tell callers and callees', () => {

@@ -56,12 +56,13 @@ export async function cells(page: Page, label: string): Promise<string[][]> {
 /** Where boxes of the selection's frame are drawn: the pixels of the canvas that have its colour, as a box. */
 export async function selectionFrame(
   page: Page,
+  chart = '.chart canvas',
 ): Promise<{ left: number; top: number; right: number; bottom: number } | undefined> {
   // Two pictures, so that the last change has been drawn.
   await page.evaluate(
     () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(done)))),
   );
-  return page.locator('.chart canvas').evaluate((element) => {
+  return page.locator(chart).evaluate((element) => {
     const canvas = element as HTMLCanvasElement;
     const { width, height } = canvas;
     const { data } = canvas.getContext('2d')!.getImageData(0, 0, width, height);

@@ -21,6 +21,7 @@ import {
   topOf,
 } from './layout';
 import type { Chart } from './model';
+import { ImageStrip } from './strip';
 
 interface Properties {
   label: string;
@@ -35,6 +36,7 @@ interface Properties {
   /** The title of a lane was clicked, or asked for its menu at a place of the chart. */
   onLane?: (lane: number) => void;
   onLaneMenu?: (lane: number, x: number, y: number) => void;
+  onFocus?: () => void;
   /** Its names are not those of the record that is open: neither search nor selection is shown in it. */
   foreign?: boolean;
 }
@@ -85,7 +87,7 @@ export function ChartView(properties: Properties) {
     bringSelected(chart, viewHeight, frozen);
     const look = lookOf(properties, chart, width, height, colors.value);
     chartState.look = { ...look, places, frozen };
-    drawChart(context, chartState.look);
+    drawChart(context, chartState.look, new ImageStrip(context, width));
   });
 
   const timeAt = (x: number) => {
@@ -164,6 +166,7 @@ export function ChartView(properties: Properties) {
         onPointerCancel={(event) => pointers.up(event, gestures)}
         onPointerLeave={() => (chartState.hovered.value = undefined)}
         onDblClick={onDoubleClick}
+        onFocus={properties.onFocus}
         onContextMenu={onContextMenu}
       />
       <Tip model={model} chartState={chartState} pointer={pointer} describe={describe} />

@@ -8,6 +8,7 @@ import { ticks } from './axis';
 import { lowerBound } from '../../record/bounds';
 import { axisHeight, lowerBoundNear, rowHeight, titleHeight, type Place } from './layout';
 import type { Chart } from './model';
+import type { Strip } from './strip';
 
 export interface Look {
   chart: Chart;
@@ -62,7 +63,8 @@ const boxHeight = rowHeight - 1;
 /** Narrower boxes are drawn one pixel wide. */
 const narrowest = 2;
 
-export function drawChart(context: Surface, look: Look): void {
+/** `strip` paints on the same surface. */
+export function drawChart(context: Surface, look: Look, strip: Strip): void {
   const { colors, width, height } = look;
   context.fillStyle = colors.background;
   context.fillRect(0, 0, width, height);
@@ -76,13 +78,22 @@ export function drawChart(context: Surface, look: Look): void {
   drawLanes(
     context,
     look,
+    strip,
     axisHeight + look.frozen,
     height,
     look.scroll,
     (place) => place.bottom > look.frozen,
   );
   if (look.frozen > 0) {
-    drawLanes(context, look, axisHeight, axisHeight + look.frozen, 0, (place) => place.bottom <= look.frozen);
+    drawLanes(
+      context,
+      look,
+      strip,
+      axisHeight,
+      axisHeight + look.frozen,
+      0,
+      (place) => place.bottom <= look.frozen,
+    );
     context.fillStyle = colors.muted;
     context.fillRect(0, axisHeight + look.frozen - 2, width, 1);
   }
@@ -107,6 +118,7 @@ export function drawChart(context: Surface, look: Look): void {
 function drawLanes(
   context: Surface,
   look: Look,
+  strip: Strip,
   from: number,
   to: number,
   scroll: number,
@@ -126,7 +138,7 @@ function drawLanes(
     for (let row = firstRow; row < lane.rows.length; ++row) {
       const y = top + titleHeight + row * rowHeight;
       if (y > to) break;
-      drawRow(context, look, lane.rows[row]!, y);
+      drawRow(context, look, strip, lane.rows[row]!, y);
     }
     drawTitle(context, look, place, Math.max(top, Math.min(from, bottom - titleHeight)));
   }
@@ -174,52 +186,35 @@ function drawTitle(context: Surface, look: Look, place: Place, top: number): voi
   context.fillText(note, after, top + titleHeight / 2 - 1);
 }
 
-function drawRow(context: Surface, look: Look, row: Row, y: number): void {
+function drawRow(context: Surface, look: Look, strip: Strip, row: Row, y: number): void {
   const { chart, range, width } = look;
   const { begin, end } = chart;
   const stop = row.first + row.count;
   const scale = width / (range.to - range.from);
   const pixel = 1 / scale;
-  const labelled: number[] = [];
-
-  // Neighbouring pixels of one colour are filled at once.
-  let runColor = '';
-  let runFrom = 0;
-  let runTo = 0;
-  const fill = (from: number, to: number, color: string) => {
-    if (color === runColor && from <= runTo) {
-      runTo = to;
-      return;
-    }
-    if (runTo > runFrom) {
-      context.fillStyle = runColor;
-      context.fillRect(runFrom, y, runTo - runFrom, boxHeight);
-    }
-    [runFrom, runTo, runColor] = [from, to, color];
-  };
+  const wide: number[] = [];
 
   for (let box = lowerBound(end, row.first, stop, range.from); box < stop && begin[box]! <= range.to;) {
-    const left = (begin[box]! - range.from) * scale;
-    const right = (end[box]! - range.from) * scale;
-    if (right - left >= narrowest) {
-      const from = Math.max(left, -2);
-      const to = Math.min(right, width + 2);
-      fill(from, Math.max(to - 0.75, from + 1), colorOf(look, box));
-      labelled.push(box);
-      ++box;
+    if ((end[box]! - begin[box]!) * scale >= narrowest) {
+      wide.push(box++);
       continue;
     }
     // The pixels are counted from time 0, so that what is drawn does not change while the chart is moved.
     const place = Math.floor(begin[box]! / pixel);
     let next = Math.max(lowerBoundNear(begin, box, stop, (place + 1) * pixel), box + 1);
     if (next > box + 1 && (end[next - 1]! - begin[next - 1]!) * scale >= narrowest) --next;
-    const at = Math.round(place - range.from * scale);
-    fill(at, at + 1, colorOf(look, box, next));
+    strip.set(Math.round(place - range.from * scale), colorOf(look, box, next));
     box = next;
   }
-  fill(0, 0, '');
+  strip.paint(y, boxHeight);
 
-  for (const box of labelled) drawInside(context, look, box, y, scale);
+  for (const box of wide) {
+    const from = Math.max((begin[box]! - range.from) * scale, -2);
+    const to = Math.min((end[box]! - range.from) * scale, width + 2);
+    context.fillStyle = colorOf(look, box);
+    context.fillRect(from, y, Math.max(to - 0.75, from + 1) - from, boxHeight);
+    drawInside(context, look, box, y, scale);
+  }
 
   const { selected } = look;
   if (selected !== undefined && selected >= row.first && selected < stop) {

@@ -1,9 +1,11 @@
 import { boxColors, chartColors, type BoxColor } from '../colors';
+import { marksIn } from '../search';
 import * as state from '../state';
 import { useCanvas } from './canvas';
 import { lowerBound } from '../../record/bounds';
 import { lowerBoundNear } from './layout';
 import type { Chart } from './model';
+import { ImageStrip } from './strip';
 
 /** Rows of each lane that are shown; below them it is too small to be seen. */
 const depths = 4;
@@ -38,6 +40,9 @@ export function Minimap() {
     context.fillStyle = colors.accent;
     context.fillRect(left - 1, 0, 2, height);
     context.fillRect(right - 1, 0, 2, height);
+    context.fillStyle = colors.mark;
+    const marks = marksIn({ from: 0, to: last }, Math.round(width));
+    for (let at = 0; marks && at < marks.length; ++at) if (marks[at]) context.fillRect(at, height - 4, 1, 4);
   });
 
   const onPointerDown = (event: PointerEvent) => {
@@ -93,6 +98,7 @@ function paint(
   const used = chart.lanes.filter((lane) => lane.rows.length > 0);
   const laneHeight = height / Math.max(used.length, 1);
   const scale = width / last;
+  const strip = new ImageStrip(context, width);
   used.forEach((lane, index) => {
     const shown = Math.min(lane.rows.length, depths);
     const rowHeight = Math.max((laneHeight * 0.85) / shown, 1);
@@ -100,12 +106,12 @@ function paint(
       const stop = row.first + row.count;
       const y = index * laneHeight + depth * rowHeight;
       for (let box = lowerBound(chart.end, row.first, stop, 0); box < stop;) {
-        const left = chart.begin[box]! * scale;
-        const right = chart.end[box]! * scale;
-        context.fillStyle = names[chart.nameOf(box)]!.fill;
-        context.fillRect(left, y, Math.max(right - left, 1), rowHeight);
-        box = Math.max(lowerBoundNear(chart.begin, box, stop, (Math.floor(left) + 1) / scale), box + 1);
+        const left = Math.floor(chart.begin[box]! * scale);
+        const right = Math.max(Math.round(chart.end[box]! * scale), left + 1);
+        for (let at = left; at < right; ++at) strip.set(at, names[chart.nameOf(box)]!.fill);
+        box = Math.max(lowerBoundNear(chart.begin, box, stop, (left + 1) / scale), box + 1);
       }
+      strip.paint(y, rowHeight);
     });
   });
   return canvas;
