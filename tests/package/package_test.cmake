@@ -26,7 +26,7 @@ file(READ ${WORK}/consumer.js record)
 if(NOT record MATCHES "name: 'consumer'")
   message(FATAL_ERROR "the consumer wrote: ${record}")
 endif()
-foreach(program every_member_O0 every_member_O2)
+foreach(program every_member every_member_optimized)
   run(${EMULATOR} ${WORK}/build/${program}.exe)
 endforeach()
 
