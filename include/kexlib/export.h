@@ -18,8 +18,8 @@
 #endif
 #undef KEXLIB_LANGUAGE
 
-// "... needs to have dll-interface": of members and bases that nobody exports, such as those of the standard library. As
-// MFC's headers do, this switches it off for the rest of the source.
+// "... needs to have dll-interface": of members and bases that nobody exports, such as those of the standard library.
+// As MFC's headers do, this switches it off for the rest of the source.
 #ifdef _MSC_VER
 #pragma warning(disable : 4251 4275)
 #endif
