@@ -3,13 +3,12 @@ include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
 # If the framework is our own, users compile against it too.
-if(TARGET kexframework)
-  set_target_properties(kexframework PROPERTIES EXPORT_NAME framework)
-  set(framework kexframework)
+set_target_properties(kexframework PROPERTIES EXPORT_NAME framework)
+if(NOT KEXLIB_HAS_ATL_AND_MFC)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/framework/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kexlib/framework)
 endif()
 install(
-  TARGETS kexlib ${framework}
+  TARGETS kexlib kexframework
   EXPORT kexlib_targets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -36,11 +36,24 @@ if(MINGW)
 endif()
 
 # Every program carries the manifest for version 6 of the common controls, except those with the property
-# KEXLIB_WITHOUT_MANIFEST.
-if(MINGW)
+# KEXLIB_WITHOUT_MANIFEST. It is a resource, or a part of the manifest that Visual Studio's linker makes: a program
+# cannot have both.
+if(WIN32)
   set(is_program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
   set(wants_manifest $<NOT:$<BOOL:$<TARGET_PROPERTY:KEXLIB_WITHOUT_MANIFEST>>>)
+  set(manifest program.rc)
+  if(MSVC AND NOT CMAKE_CROSSCOMPILING)
+    set(manifest program.manifest)
+  endif()
   target_sources(kexlib_settings
-                 INTERFACE $<$<AND:${is_program},${wants_manifest}>:${PROJECT_SOURCE_DIR}/cmake/program.rc>)
-  target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where windres looks for the manifest
+                 INTERFACE $<$<AND:${is_program},${wants_manifest}>:${PROJECT_SOURCE_DIR}/cmake/${manifest}>)
+  target_include_directories(kexlib_settings INTERFACE ${PROJECT_SOURCE_DIR}/cmake) # where resource compilers look for it
 endif()
+
+# kexlib_loaded_module(NAME [FOLDER]) puts the DLL of a module library into the programs' folder, or into a folder in it,
+# with every generator.
+function(kexlib_loaded_module name)
+  cmake_path(APPEND CMAKE_RUNTIME_OUTPUT_DIRECTORY ${ARGN} OUTPUT_VARIABLE folder)
+  # To a generator expression no generator appends the configuration.
+  set_target_properties(${name} PROPERTIES PREFIX "" LIBRARY_OUTPUT_DIRECTORY $<1:${folder}>)
+endfunction()

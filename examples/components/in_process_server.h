@@ -12,10 +12,6 @@
 
 #include <atomic>
 
-// COM objects are deleted by Release alone.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 namespace in_process {
 
 // Objects and locks that keep the DLL loaded.
@@ -69,7 +65,5 @@ class Factory : public Counted<IClassFactory> {
 };
 
 }  // namespace in_process
-
-#pragma GCC diagnostic pop
 
 #endif

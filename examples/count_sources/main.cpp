@@ -91,7 +91,7 @@ void count_twice(const fs::path& root) {
   std::size_t files = 0;
   std::ptrdiff_t lines = 0;
   for (const Folder& folder : folders) {
-    g_traceToFile.Trace("%s: %zu files, %td lines\n", folder.name.c_str(), folder.files.size(), folder.lines);
+    g_traceToFile.Trace("%s: %llu files, %lld lines\n", folder.name.c_str(), folder.files.size(), folder.lines);
     files += folder.files.size();
     lines += folder.lines;
   }

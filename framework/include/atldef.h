@@ -4,7 +4,9 @@
 
 #include <kexframework/export.h>
 
+#ifndef _WINSOCKAPI_  // windows.h brings the older interface, which excludes this one
 #include <winsock2.h>
+#endif
 #include <windows.h>
 #include <ole2.h>
 #include <oleauto.h>

@@ -2,6 +2,28 @@
 #ifndef KEXLIB_EXPORT_H
 #define KEXLIB_EXPORT_H
 
+#if defined(UNICODE) || defined(_UNICODE)
+#error The texts of kexlib are narrow: build without UNICODE and _UNICODE, with the multi-byte character set.
+#endif
+#ifndef _WIN64
+#error kexlib is for 64-bit Windows: choose the platform x64.
+#endif
+#ifdef _MSVC_LANG
+#define KEXLIB_LANGUAGE _MSVC_LANG
+#else
+#define KEXLIB_LANGUAGE __cplusplus
+#endif
+#if KEXLIB_LANGUAGE < 202002L
+#error kexlib needs C++20: compile with /std:c++20 or -std=c++20.
+#endif
+#undef KEXLIB_LANGUAGE
+
+// "... needs to have dll-interface": of members and bases that nobody exports, such as those of the standard library.
+// As MFC's headers do, this switches it off for the rest of the source.
+#ifdef _MSC_VER
+#pragma warning(disable : 4251 4275)
+#endif
+
 #ifdef KEXLIB_EXPORTS
 #define KEXLIB_API __declspec(dllexport)
 #else
@@ -17,9 +39,12 @@
 #endif
 
 // Lets the compiler check the arguments of a printf-like member function: FORMAT and FIRST are parameter numbers,
-// counted from 1, and the object itself counts as the first.
-#ifdef __GNUC__
-#define KEXLIB_PRINTF(FORMAT, FIRST) __attribute__((format(gnu_printf, FORMAT, FIRST)))
+// counted from 1, and the object itself counts as the first. GCC has an archetype for the formats of Windows programs,
+// which knows %I64d and %Iu but not %zu and %td; clang's only one knows all of them.
+#if defined(__clang__)
+#define KEXLIB_PRINTF(FORMAT, FIRST) __attribute__((format(printf, FORMAT, FIRST)))
+#elif defined(__GNUC__)
+#define KEXLIB_PRINTF(FORMAT, FIRST) __attribute__((format(ms_printf, FORMAT, FIRST)))
 #else
 #define KEXLIB_PRINTF(FORMAT, FIRST)
 #endif

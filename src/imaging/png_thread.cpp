@@ -28,6 +28,9 @@ struct ClosedAtTheEnd {
 }  // namespace
 
 template <bool owns>
+CThreadT<owns>::CThreadT() = default;
+
+template <bool owns>
 CThreadT<owns>::CThreadT(HANDLE h, DWORD id) : m_handle(h), m_id(known_id(h, id)) {}
 
 template <bool owns>

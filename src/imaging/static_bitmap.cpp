@@ -4,9 +4,17 @@
 #include <atlimage.h>
 
 template <class Static>
+wbzStaticBitmapTemplate<Static>::wbzStaticBitmapTemplate() = default;
+
+template <class Static>
 wbzStaticBitmapTemplate<Static>::~wbzStaticBitmapTemplate() {
   // Not a copy: the control may outlive this object and still paint it.
   if (owned_) DeleteObject(bitmap_);
+}
+
+template <class Static>
+Static& wbzStaticBitmapTemplate<Static>::get_static() {
+  return control_;
 }
 
 template <class Static>

@@ -10,8 +10,11 @@ CStringA kexlib::fixed_text(double value, int digits) {
   constexpr int longest_number = 1 + 309;
   constexpr int most_digits = 100;
   char text[longest_number + 1 + most_digits];
-  // printf formats the rare cases.
-  if (digits < 0 || digits > most_digits || !std::isfinite(value)) {
+  // Run-time libraries differ here: some write "-nan(ind)", and some count a negative number of digits as given.
+  if (std::isnan(value)) return CStringA("nan");
+  if (std::isinf(value)) return CStringA(value < 0 ? "-inf" : "inf");
+  if (digits < 0) digits = 6;
+  if (digits > most_digits) {  // seldom
     CStringA formatted;
     formatted.Format("%.*f", digits, value);
     return formatted;

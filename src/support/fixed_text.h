@@ -6,7 +6,7 @@
 namespace kexlib {
 
 // The text of CString::Format with "%.*f": exact digits, ties to even, with the decimal point of the locale of the C
-// run-time library. It needs a quarter of the time.
+// run-time library; "inf", "-inf" and, without a sign, "nan". It needs a quarter of the time.
 CStringA fixed_text(double value, int digits);
 
 }  // namespace kexlib

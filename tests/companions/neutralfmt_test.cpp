@@ -78,6 +78,9 @@ TEST(NeutralFormat, PrintsWhatIsNoNumberAsAWord) {
   EXPECT_EQ(text("%.2f|%.2f|%F", infinity, -infinity, infinity), "inf|-inf|INF");
   EXPECT_EQ(text("%.2f|%.2f|%F", nan, std::copysign(nan, -1.0), nan), "nan|nan|NAN");
   EXPECT_EQ(text("%08.2f", infinity), "     inf");
+  EXPECT_EQ(text("%e|%g|%a|%#f|%Lf", infinity, -infinity, infinity, infinity, -HUGE_VALL), "inf|-inf|inf|inf|-inf");
+  EXPECT_EQ(text("%E|%G|%A|%Lg", infinity, -infinity, nan, static_cast<long double>(nan)), "INF|-INF|NAN|nan");
+  EXPECT_EQ(text("%e|%g|%a", nan, std::copysign(nan, -1.0), nan), "nan|nan|nan");
 }
 
 TEST(NeutralFormat, PrintsFixedNumbersAsTheRunTimeLibraryDoes) {

@@ -65,10 +65,14 @@ TEST_F(TraceFileOnDesktop, TouchesNothingAndFormatsNothingWhenOff) {
   DebuggerOutput debugger;
   // If the text were formatted, "%n" would store the number of characters.
   int formatted = -1;
+#ifdef __GNUC__
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat"
+#endif
   g_traceToFile.Trace("text%n", &formatted);
+#ifdef __GNUC__
 #pragma GCC diagnostic pop
+#endif
   EXPECT_EQ(formatted, -1);
   EXPECT_EQ(trace_files().size(), 0u);
   EXPECT_EQ(debugger.texts().size(), 0u);
@@ -252,6 +256,20 @@ TEST_F(TraceFileOnDesktop, FormatsAsPrintfOfTheProgramDoes) {
   g_traceToFile.Trace("%5.2f|%-4d|%lld|%s|%c|%%|%g", 0.125, 7, 1LL << 40, "text", 'c',
                       std::numeric_limits<double>::infinity());
   EXPECT_EQ(debugger.texts()[0], " 0.12|7   |1099511627776|text|c|%|inf");
+}
+
+TEST_F(TraceFileOnDesktop, KnowsTheLengthsOfWindows) {
+  DebuggerOutput debugger;
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToDebugger);
+#ifdef __GNUC__
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"  // with -Wpedantic: they are not in the standard
+#endif
+  g_traceToFile.Trace("%I64d %Iu %I32d", -(1LL << 40), sizeof(void*), -7);
+#ifdef __GNUC__
+#pragma GCC diagnostic pop
+#endif
+  EXPECT_EQ(debugger.texts()[0], "-1099511627776 8 -7");
 }
 
 TEST_F(TraceFileOnDesktop, FormatsInTheLocaleThatIsSet) {

@@ -18,9 +18,6 @@
 #include <vector>
 
 // COM objects are deleted by Release alone.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 // An object as applications write it.
 class TimerObject final : public IUnknown, public CComObjectRootExSTM, public CATLWindowLessTimer {
  public:
@@ -60,8 +57,6 @@ class TimerObject final : public IUnknown, public CComObjectRootExSTM, public CA
 
   inline static int alive = 0;
 };
-
-#pragma GCC diagnostic pop
 
 inline constexpr DWORD ages = 20000;
 

@@ -1,4 +1,4 @@
-# Installs the package into an empty folder, builds the consumer against it and runs it.
+# Installs the package into an empty folder, builds the consumer's programs against it and runs them.
 #   BUILD      the build tree        WORK       an empty folder's name
 #   TOOLCHAIN  its toolchain file    EMULATOR   what runs a program of it
 #   NODE       runs the viewer's program; empty where the viewer is not built
@@ -10,9 +10,12 @@ function(run)
 endfunction()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${WORK}/installed)
+execute_process(COMMAND ${CMAKE_CURRENT_LIST_DIR}/../../scripts/every_member ${WORK}/installed/include
+                OUTPUT_FILE ${WORK}/every_member.cpp COMMAND_ERROR_IS_FATAL ANY)
 run(
   ${CMAKE_COMMAND} -G Ninja -S ${CMAKE_CURRENT_LIST_DIR}/consumer -B ${WORK}/build --toolchain ${TOOLCHAIN}
-  -Dkexlib_DIR=${WORK}/installed/lib/cmake/kexlib)
+  -Dkexlib_DIR=${WORK}/installed/lib/cmake/kexlib
+  -DEVERY_MEMBER=${WORK}/every_member.cpp)
 run(${CMAKE_COMMAND} --build ${WORK}/build)
 
 # A program finds its libraries beside it.
@@ -23,6 +26,9 @@ file(READ ${WORK}/consumer.js record)
 if(NOT record MATCHES "name: 'consumer'")
   message(FATAL_ERROR "the consumer wrote: ${record}")
 endif()
+foreach(program every_member every_member_optimized)
+  run(${EMULATOR} ${WORK}/build/${program}.exe)
+endforeach()
 
 # The viewer's parts read what the library wrote.
 if(NODE)

@@ -7,9 +7,6 @@
 #include <objbase.h>
 
 // COM objects are deleted by Release alone; this one lies on the stack.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 class FailingRecord final : public IRecordInfo {
  public:
   static constexpr HRESULT failure = E_ACCESSDENIED;
@@ -71,7 +68,5 @@ class FailingRecord final : public IRecordInfo {
   int clears_ = 0;
   int data_ = 0;
 };
-
-#pragma GCC diagnostic pop
 
 #endif

@@ -17,9 +17,6 @@ struct DispatchCall {
 };
 
 // COM objects are deleted by Release only.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 class RecordingDispatch : public IDispatch {
  public:
   RecordingDispatch() { ++alive; }
@@ -71,7 +68,5 @@ class RecordingDispatch : public IDispatch {
  private:
   ULONG references_ = 1;
 };
-
-#pragma GCC diagnostic pop
 
 #endif

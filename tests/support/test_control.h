@@ -8,9 +8,6 @@
 
 #include <string>
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release only
-
 // Shows a window, records the calls of its members, and accepts any bytes as its state: a whole stream, or the stream
 // "state" of a storage.
 class TestControl : public RecordingDispatch,
@@ -108,7 +105,5 @@ class TestControlClass : public IClassFactory2 {
  private:
   DWORD registration_ = 0;
 };
-
-#pragma GCC diagnostic pop
 
 #endif

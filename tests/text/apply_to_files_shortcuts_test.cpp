@@ -96,9 +96,6 @@ TEST_F(Shortcuts, MayStopTheWalk) {
 }
 
 // COM objects are deleted by Release alone.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
-
 // A shortcut object of the shell whose calls are recorded.
 class RecordedLink final : public IShellLinkA, public IPersistFile {
  public:
@@ -162,8 +159,6 @@ class RecordedLink final : public IShellLinkA, public IPersistFile {
   CComPtr<IPersistFile> file_;
   ULONG references_ = 1;
 };
-
-#pragma GCC diagnostic pop
 
 HRESULT WINAPI create_recorded(REFCLSID clsid, IUnknown* outer, DWORD context, REFIID iid, void** object) {
   EXPECT_TRUE(clsid == CLSID_ShellLink);

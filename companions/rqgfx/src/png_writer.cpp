@@ -28,9 +28,6 @@ class ComOnThread {
   HRESULT result_;
 };
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
-
 // A write-only stream without seeking. It is on the stack and outlives the encoder, so references are not counted.
 class SinkStream final : public IStream {
  public:
@@ -85,8 +82,6 @@ class SinkStream final : public IStream {
   void* context_;
   ULONGLONG position_ = 0;
 };
-
-#pragma GCC diagnostic pop
 
 // Whether most pixels equal their left neighbours, sampled in one row of each band: filters make such files larger.
 bool is_flat(const hnDuctImage& image) {

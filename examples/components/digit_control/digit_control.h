@@ -9,9 +9,6 @@
 #include <digit_control/font_watch.h>
 #include <digit_control/ole_control.h>
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
-
 // Members fail with E_INVALIDARG for values that cannot be shown and with DISP_E_BADINDEX for lines that do not exist.
 // They store the reason in the thread's error object and change nothing.
 class DigitControlObject final
@@ -140,7 +137,5 @@ class DigitControlObject final
   bool is_flashing_ = false;
   bool is_lit_ = true;
 };
-
-#pragma GCC diagnostic pop
 
 #endif

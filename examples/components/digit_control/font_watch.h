@@ -8,9 +8,6 @@
 
 #include <functional>
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
-
 class FontWatch {
  public:
   explicit FontWatch(std::function<void()> changed) : changed_(std::move(changed)) {}
@@ -58,7 +55,5 @@ class FontWatch {
   CComPtr<Sink> sink_;
   DWORD cookie_ = 0;
 };
-
-#pragma GCC diagnostic pop
 
 #endif

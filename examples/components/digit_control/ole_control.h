@@ -7,9 +7,6 @@
 #include <ocidl.h>
 #include <oleidl.h>
 
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // COM objects are deleted by Release alone
-
 class OleControl : public IOleObject, public IOleInPlaceObject, public IViewObject2 {
  public:
   STDMETHODIMP SetClientSite(IOleClientSite* site) override;
@@ -82,7 +79,5 @@ class OleControl : public IOleObject, public IOleInPlaceObject, public IViewObje
   Window window_{*this};
   SIZEL extent_ = {0, 0};  // set by the host, in hundredths of a millimetre; 0: not set
 };
-
-#pragma GCC diagnostic pop
 
 #endif

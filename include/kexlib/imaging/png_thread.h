@@ -23,11 +23,14 @@
 
 /// Holds a thread's handle and identifier. CThreadT<true>, which owns the handle, is the only instantiation that
 /// kexlib.dll exports.
+//
+// No member is inline, not even a defaulted one: GCC does not export the inline members of an instantiation, and users
+// without optimisation import them.
 template <bool owns>
 class CThreadT {
  public:
   /// No thread.
-  CThreadT() = default;
+  CThreadT();
 
   /// Takes ownership of a handle. If the identifier is 0, it is queried (GetThreadId).
   CThreadT(HANDLE h, DWORD id);

@@ -22,11 +22,14 @@
 #include <atlctrls.h>
 
 /// `Static` is the wrapper of the control. kexlib.dll exports the class for WTL::CStaticT<ATL::CWindow>.
+//
+// No member is inline, not even a defaulted one: GCC does not export the inline members of an instantiation, and users
+// without optimisation import them.
 template <class Static>
 class wbzStaticBitmapTemplate {
  public:
   /// No control, no bitmap.
-  wbzStaticBitmapTemplate() = default;
+  wbzStaticBitmapTemplate();
 
   wbzStaticBitmapTemplate(const wbzStaticBitmapTemplate&) = delete;
   wbzStaticBitmapTemplate& operator=(const wbzStaticBitmapTemplate&) = delete;
@@ -35,7 +38,7 @@ class wbzStaticBitmapTemplate {
   ~wbzStaticBitmapTemplate();
 
   /// The wrapped control, for Attach and all other calls.
-  Static& get_static() { return control_; }
+  Static& get_static();
 
   /// Shows a bitmap (STM_SETIMAGE); null shows nothing. The caller keeps its ownership and must not delete it while it
   /// is shown.

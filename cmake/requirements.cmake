@@ -1,0 +1,15 @@
+# What the headers need too: include/kexlib/export.h says the same. The space before a text keeps it on one line.
+if(NOT cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES)
+  message(FATAL_ERROR " kexlib needs a compiler for C++20, which ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} "
+                      "is not.")
+endif()
+if(WIN32)
+  if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
+    message(FATAL_ERROR " kexlib is for 64-bit Windows: choose the platform x64 and its compiler.")
+  endif()
+  get_directory_property(definitions COMPILE_DEFINITIONS)
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+  if("${definitions};${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}}" MATCHES "(^|;|[/-]D *)_?UNICODE($|[; =])")
+    message(FATAL_ERROR " The texts of kexlib are narrow: build without UNICODE and _UNICODE.")
+  endif()
+endif()
