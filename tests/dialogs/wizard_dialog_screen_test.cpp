@@ -9,6 +9,7 @@
 #include <dialogs/dialog_driver.h>
 #include <dialogs/resources.h>
 #include <dialogs/wizard_dialog_fixture.h>
+#include <support/import_override.h>
 #include <support/resource_counts.h>
 #include <support/user_input.h>
 #include <support/window_text.h>
@@ -127,6 +128,17 @@ TEST_F(WizardOnScreen, IsGivenAFontThatItsButtonsAreNot) {
   const HFONT first = wizard.font;
   wizard = Wizard();
   EXPECT_EQ(GetObjectType(first), 0u);
+}
+
+int WINAPI fine_screen(HDC dc, int what) { return what == LOGPIXELSY ? 7200 : GetDeviceCaps(dc, what); }
+
+// On a usual screen similar sizes have the same number of pixels.
+TEST_F(WizardOnScreen, IsGivenAFontOfTwelvePoints) {
+  const ImportOverride fine("kexlib.dll", "gdi32.dll", "GetDeviceCaps", &fine_screen);
+  ASSERT_TRUE(fine.made());
+  LOGFONTA description{};
+  show(wizard, {then([&](HWND) { GetObjectA(wizard.font, sizeof description, &description); })});
+  EXPECT_EQ(description.lfHeight, -1200);
 }
 
 TEST_F(WizardOnScreen, CanBeAskedForHelpInItsCaption) {
