@@ -242,8 +242,8 @@ LRESULT CALLBACK record_line(HWND window, UINT message, WPARAM w, LPARAM l) {
 
 // The control terminates neither a text of 260 characters nor a shorter one.
 TEST_F(EditControls, AreGivenALineOfZerosAfterItsSize) {
-  edit_procedure = reinterpret_cast<WNDPROC>(
-      SetWindowLongPtrA(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(record_line)));
+  edit_procedure =
+      reinterpret_cast<WNDPROC>(SetWindowLongPtrA(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(record_line)));
   EXPECT_EQ(read("12"), 12.0);
   std::vector<char> expected(261, '\0');
   expected[0] = 260 & 0xFF, expected[1] = 260 >> 8;
