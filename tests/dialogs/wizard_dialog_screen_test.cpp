@@ -141,19 +141,31 @@ TEST_F(WizardOnScreen, IsGivenAFontOfTwelvePoints) {
   EXPECT_EQ(description.lfHeight, -1200);
 }
 
-TEST_F(WizardOnScreen, CanBeAskedForHelpInItsCaption) {
-  show(wizard, {then([](HWND sheet) { EXPECT_TRUE(GetWindowLongA(sheet, GWL_EXSTYLE) & WS_EX_CONTEXTHELP); })});
-}
-
 // The same sheet as the system lays it out.
 class PlainWizard : public WTL::CPropertySheetImpl<PlainWizard> {
  public:
   PlainWizard() { m_psh.dwFlags = 0x01000190; }
   void OnSheetInitialized() {
     for (size_t i = 0; i < places.size(); ++i) places[i] = place_of(m_hWnd, row[i]);
+    style = GetExStyle();
   }
   std::array<RECT, 5> places;
+  DWORD style = 0;
 };
+
+TEST_F(WizardOnScreen, CanBeAskedForHelpInItsCaption) {
+  PlainWizard plain;
+  ASSERT_TRUE(plain.AddPage(name.psp()));
+  {
+    DialogDriver person({press(PSBTN_CANCEL)});
+    EXPECT_EQ(plain.DoModal(nullptr), 0);
+  }
+  DWORD style = 0;
+  wizard.initialized = [&] { style = wizard.GetExStyle(); };
+  show(wizard, {});
+  EXPECT_NE(style, plain.style);
+  EXPECT_EQ(style, plain.style | WS_EX_CONTEXTHELP);
+}
 
 TEST_F(WizardOnScreen, MovesItsRowOfButtonsToTheRightOfWhereBackWas) {
   PlainWizard plain;
@@ -207,6 +219,21 @@ TEST_F(WizardOnScreen, IsCentredOnceInTheWorkArea) {
          expect_centred(sheet, work);
          move_away(sheet);
        })});
+}
+
+TEST_F(WizardOnScreen, IsCentredWhenItIsShownAndNotBefore) {
+  wizard.initialized = [this] {
+    SetWindowPos(wizard, nullptr, 3, 4, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    wizard.SendMessage(WM_SHOWWINDOW, FALSE);
+    wizard.SendMessage(Wizard::posted_message, TRUE);
+    RECT rect;
+    wizard.GetWindowRect(&rect);
+    EXPECT_EQ(rect.left, 3);
+    EXPECT_EQ(rect.top, 4);
+  };
+  RECT work;
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  show(wizard, {then([&](HWND sheet) { expect_centred(sheet, work); })});
 }
 
 TEST_F(WizardOnScreen, IsCentredOnceOverItsOwner) {
