@@ -52,7 +52,7 @@ void replace_bytes(char* text, int length, std::string_view characters, char rep
 
 void replace_characters(char* text, int length, std::string_view characters, char replacement) {
   for (int i = 0; i < length; ++i) {
-    if (_ismbblead(static_cast<unsigned char>(text[i])) && i + 1 < length)
+    if (_ismbblead(static_cast<unsigned char>(text[i])))
       ++i;
     else if (contains(characters, text[i]))
       text[i] = replacement;

@@ -140,6 +140,18 @@ TEST_F(ArrowFont, IsMadeOnce) {
   EXPECT_EQ(fonts_made, 1);
 }
 
+int WINAPI fine_screen(HDC dc, int what) { return what == LOGPIXELSY ? 7200 : GetDeviceCaps(dc, what); }
+
+// On a usual screen similar sizes have the same number of pixels.
+TEST_F(ArrowFont, IsOfTenPoints) {
+  const ImportOverride fine("kexlib.dll", "gdi32.dll", "GetDeviceCaps", fine_screen);
+  ASSERT_TRUE(fine.made());
+  ASSERT_TRUE(button_.SubclassWindow(more_));
+  LOGFONT font{};
+  ASSERT_TRUE(CFontHandle(button_.GetFont()).GetLogFont(font));
+  EXPECT_EQ(font.lfHeight, -1000);
+}
+
 TEST_F(ArrowFont, GoesWithTheObject) {
   HFONT font;
   {

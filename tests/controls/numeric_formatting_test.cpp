@@ -13,6 +13,7 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -227,6 +228,26 @@ TEST_F(EditControls, LeaveNothingOfALongerTextBehind) {
   EXPECT_EQ(read("123456789012345678901234567890"), 123456789012345678901234567890.0);
   EXPECT_EQ(read("12"), 12.0);
   EXPECT_EQ(read(""), 0.0);
+}
+
+WNDPROC edit_procedure = nullptr;
+std::vector<char> line_given;
+LRESULT CALLBACK record_line(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (message == EM_GETLINE) {
+    const auto* const line = reinterpret_cast<const char*>(l);
+    line_given.assign(line, line + 261);
+  }
+  return CallWindowProcA(edit_procedure, window, message, w, l);
+}
+
+// The control terminates neither a text of 260 characters nor a shorter one.
+TEST_F(EditControls, AreGivenALineOfZerosAfterItsSize) {
+  edit_procedure =
+      reinterpret_cast<WNDPROC>(SetWindowLongPtrA(edit_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(record_line)));
+  EXPECT_EQ(read("12"), 12.0);
+  std::vector<char> expected(261, '\0');
+  expected[0] = 260 & 0xFF, expected[1] = 260 >> 8;
+  EXPECT_EQ(line_given, expected);
 }
 
 TEST_F(EditControls, WithSeveralLinesAreReadInTheFirst) {

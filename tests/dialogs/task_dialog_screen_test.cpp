@@ -197,8 +197,8 @@ TEST_F(TaskDialogOnScreen, AnActionMayRaiseItAgainAndAnother) {
       101, [&](const Context& context) { inner.push_back(inner.empty() ? context.dialog->raise() : other.raise()); });
   const int pressed =
       raise_and({press_button("Again"), wait_for([] { return dialogs_of_this_thread() == 2; }), press_button("Close"),
-                 wait_for([&] { return inner.size() == 1; }),
-                 press_button("Again"), [](HWND shown) { return window_text(shown) == "Other"; }, press_button("Done"),
+                 wait_for([&] { return inner.size() == 1; }), press_button("Again"),
+                 [](HWND shown) { return window_text(shown) == "Other"; }, press_button("Done"),
                  wait_for([&] { return inner.size() == 2; }), press_button("Close")});
   EXPECT_EQ(pressed, 102);
   EXPECT_EQ(inner, (std::vector<int>{102, 101}));

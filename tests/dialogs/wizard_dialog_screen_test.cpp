@@ -9,6 +9,7 @@
 #include <dialogs/dialog_driver.h>
 #include <dialogs/resources.h>
 #include <dialogs/wizard_dialog_fixture.h>
+#include <support/import_override.h>
 #include <support/resource_counts.h>
 #include <support/user_input.h>
 #include <support/window_text.h>
@@ -129,8 +130,15 @@ TEST_F(WizardOnScreen, IsGivenAFontThatItsButtonsAreNot) {
   EXPECT_EQ(GetObjectType(first), 0u);
 }
 
-TEST_F(WizardOnScreen, CanBeAskedForHelpInItsCaption) {
-  show(wizard, {then([](HWND sheet) { EXPECT_TRUE(GetWindowLongA(sheet, GWL_EXSTYLE) & WS_EX_CONTEXTHELP); })});
+int WINAPI fine_screen(HDC dc, int what) { return what == LOGPIXELSY ? 7200 : GetDeviceCaps(dc, what); }
+
+// On a usual screen similar sizes have the same number of pixels.
+TEST_F(WizardOnScreen, IsGivenAFontOfTwelvePoints) {
+  const ImportOverride fine("kexlib.dll", "gdi32.dll", "GetDeviceCaps", &fine_screen);
+  ASSERT_TRUE(fine.made());
+  LOGFONTA description{};
+  show(wizard, {then([&](HWND) { GetObjectA(wizard.font, sizeof description, &description); })});
+  EXPECT_EQ(description.lfHeight, -1200);
 }
 
 // The same sheet as the system lays it out.
@@ -139,9 +147,25 @@ class PlainWizard : public WTL::CPropertySheetImpl<PlainWizard> {
   PlainWizard() { m_psh.dwFlags = 0x01000190; }
   void OnSheetInitialized() {
     for (size_t i = 0; i < places.size(); ++i) places[i] = place_of(m_hWnd, row[i]);
+    style = GetExStyle();
   }
   std::array<RECT, 5> places;
+  DWORD style = 0;
 };
+
+TEST_F(WizardOnScreen, CanBeAskedForHelpInItsCaption) {
+  PlainWizard plain;
+  ASSERT_TRUE(plain.AddPage(name.psp()));
+  {
+    DialogDriver person({press(PSBTN_CANCEL)});
+    EXPECT_EQ(plain.DoModal(nullptr), 0);
+  }
+  DWORD style = 0;
+  wizard.initialized = [&] { style = wizard.GetExStyle(); };
+  show(wizard, {});
+  EXPECT_NE(style, plain.style);
+  EXPECT_EQ(style, plain.style | WS_EX_CONTEXTHELP);
+}
 
 TEST_F(WizardOnScreen, MovesItsRowOfButtonsToTheRightOfWhereBackWas) {
   PlainWizard plain;
@@ -195,6 +219,21 @@ TEST_F(WizardOnScreen, IsCentredOnceInTheWorkArea) {
          expect_centred(sheet, work);
          move_away(sheet);
        })});
+}
+
+TEST_F(WizardOnScreen, IsCentredWhenItIsShownAndNotBefore) {
+  wizard.initialized = [this] {
+    SetWindowPos(wizard, nullptr, 3, 4, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    wizard.SendMessage(WM_SHOWWINDOW, FALSE);
+    wizard.SendMessage(Wizard::posted_message, TRUE);
+    RECT rect;
+    wizard.GetWindowRect(&rect);
+    EXPECT_EQ(rect.left, 3);
+    EXPECT_EQ(rect.top, 4);
+  };
+  RECT work;
+  SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  show(wizard, {then([&](HWND sheet) { expect_centred(sheet, work); })});
 }
 
 TEST_F(WizardOnScreen, IsCentredOnceOverItsOwner) {

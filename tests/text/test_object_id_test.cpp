@@ -223,6 +223,20 @@ TEST(TestObjectId, FreesTheTextThatItIsReadInto) {
   EXPECT_LT(count_heap_blocks() - before, 25);
 }
 
+TEST(TestObjectId, FreesItsTwoTexts) {
+  const std::string special(100000, 'x');  // too large for the system to cache its memory
+  const CComVariant text(special.c_str());
+  const auto round = [&] {
+    kexTestObjectID id(special.c_str());
+    EXPECT_EQ(id.put_id(text), S_OK);
+    EXPECT_TRUE(id.is_special_value());
+  };
+  for (int i = 0; i < 3; ++i) round();
+  const int before = count_heap_blocks();
+  for (int i = 0; i < 50; ++i) round();
+  EXPECT_LT(count_heap_blocks() - before, 25);
+}
+
 TEST(TestObjectId, NeedsAPlaceToBeReadInto) { EXPECT_EQ(kexTestObjectID().get_id(nullptr), E_POINTER); }
 
 TEST(TestObjectId, IsNotReadIntoWhatCannotBeCleared) {

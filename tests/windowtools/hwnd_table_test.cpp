@@ -217,6 +217,26 @@ TEST_F(HwndTableInMdi, GivesTheWindowInTheActiveChild) {
   EXPECT_EQ(table().get_handle("view"), in_first_);
 }
 
+TEST_F(HwndTableInMdi, ForgetsEachOfSeveralWindowsOfOneName) {
+  HWND third = mdi_.add_child();
+  HWND in_third = make_view(third);
+  for (HWND view : {in_first_, in_second_, in_third}) table().reg_window(view, "view", 1);
+  const auto expect_forgotten = [&](HWND child, HWND view) {
+    mdi_.activate(child);
+    EXPECT_EQ(table().get_handle("view"), nullptr);
+    EXPECT_EQ(table().check_name("view", view), 0);
+  };
+  table().unreg_window(in_second_);
+  expect_forgotten(second_, in_second_);
+  table().unreg_window(in_first_);
+  expect_forgotten(first_, in_first_);
+  mdi_.activate(third);
+  EXPECT_EQ(table().get_handle("view"), in_third);
+  table().unreg_window(in_third);
+  expect_forgotten(third, in_third);
+  EXPECT_EQ(table().check_name("view", dialog()), 0);
+}
+
 TEST_F(HwndTableInMdi, GivesNoneWhereOnlyAnotherChildHasTheName) {
   table().reg_window(in_first_, "view", 1);
   EXPECT_EQ(table().get_handle("view"), nullptr);
