@@ -13,6 +13,7 @@
 #include <support/files.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
+#include <support/shortcut.h>
 #include <support/type_library.h>
 
 #include <cstring>
@@ -190,6 +191,19 @@ TEST(TypeLibraryScan, LosesOneBlockForEachTypeItLooksAtAndNothingElse) {
   EXPECT_EQ(blocks_lost_by([&] { reg_free_find_tlb(other_class, root.c_str(), "*.tlb"); }), 3);
   // Each library contains a class and its interface.
   EXPECT_EQ(blocks_lost_by([&] { reg_free_list_classes(unknown_class, root.c_str(), "*.tlb"); }), 6);
+}
+
+TEST(TypeLibraryScan, DoesNotFollowShortcuts) {
+  const Com com;
+  TemporaryFolder folder;
+  const std::string root = folder.path().string();
+  make_shortcut(folder.path() / "server.lnk", program_folder() / "components" / "com_server.dll");
+  ASSERT_TRUE(fs::exists("server.lnk"));
+  Order order;
+  ASSERT_EQ(order.Apply(root.c_str(), "*.dll", 1), S_OK);
+  ASSERT_EQ(order.files.size(), 1u);  // it could be followed
+  EXPECT_EQ(texts_of(reg_free_list_classes(__uuidof(IArea), root.c_str(), "*.dll")), std::vector<std::string>());
+  EXPECT_EQ(reg_free_find_tlb(__uuidof(Circle), root.c_str(), "*.dll"), "");
 }
 
 TEST(TypeLibraryScan, AndCreationLeaveNoHandlesBehind) {

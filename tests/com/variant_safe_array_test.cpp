@@ -232,7 +232,7 @@ class VariantAtTheEndOfAPage {
   VARIANT* value_;
 };
 
-TEST(VariantSafeArray, StoresNothingInElementsOfAnotherSize) {
+TEST(VariantSafeArray, StoresNothingInElementsOfAnotherSizeAndReadsNone) {
   const VariantAtTheEndOfAPage value;
   for (const ULONG size : {4ul, 16ul, 48ul, 4096ul}) {
     SAFEARRAY* nameless = nullptr;
@@ -246,6 +246,7 @@ TEST(VariantSafeArray, StoresNothingInElementsOfAnotherSize) {
     ASSERT_EQ(static_cast<SAFEARRAY*>(array), nameless);
     EXPECT_EQ(array.PutAt(0, value.get()), E_INVALIDARG) << size;
     EXPECT_EQ(array.PutAt(1, value.get()), E_INVALIDARG) << size;
+    ASSERT_EQ(array.GetAt(1).vt, VT_EMPTY) << size;
     EXPECT_EQ(std::count(bytes, bytes + 2 * size, 0xCC), static_cast<std::ptrdiff_t>(2 * size));
     // The elements cannot be accessed as VARIANTs either. A lock of the caller is kept.
     EXPECT_EQ(SafeArrayLock(nameless), S_OK);

@@ -72,6 +72,15 @@ TEST(BlockIndex, TellsApartNamesThatDifferInAnySingleByteOrInLength) {
   EXPECT_EQ(hashes.size(), names);
 }
 
+TEST(BlockIndex, LooksAtNothingBesideAName) {
+  for (std::size_t length = 0; length <= 40; ++length) {
+    const std::string name(length, 'x'), one = "before__" + name + "after___", other = "elsewhere" + name + "_______";
+    const std::string_view first(one.data() + 8, length), second(other.data() + 9, length);
+    EXPECT_EQ(BlockIndex::hash(first), BlockIndex::hash(second)) << length;
+    EXPECT_TRUE(bytes::equal(first, second)) << length;
+  }
+}
+
 TEST(BlockIndex, ComparesEveryByteOfNamesOfEveryLength) {
   for (std::size_t length = 0; length <= 40; ++length) {
     const std::string name(length, 'x');

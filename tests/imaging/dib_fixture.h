@@ -33,6 +33,7 @@ class Dib : public kexWTLDIB {
   using kexWTLDIB::m_bmi;
   using kexWTLDIB::m_dc;
   using kexWTLDIB::m_old_bitmap;
+  using kexWTLDIB::m_state;
   using kexWTLDIB::UpdateSubstituteBits;
 
   Dib() = default;

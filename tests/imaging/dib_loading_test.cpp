@@ -59,10 +59,12 @@ TEST(Dib, ABitmapOfTheKeyAloneIsBlank) {
   EXPECT_EQ(dib.load_bitmap_transparent(IDB_MAGENTA, GetModuleHandle(nullptr), substitute), 1);
   EXPECT_EQ(dib.pixels(), Pixels{S});
   EXPECT_EQ(dib.is_blank(), 1);
+  EXPECT_EQ(dib.m_state, 1);
   EXPECT_EQ(dib.load_bitmap(IDB_ONE_BIT, GetModuleHandle(nullptr)), 1);
   EXPECT_EQ(dib.is_blank(), 1);  // only a substitution changes the result
   dib.UpdateSubstituteBits(substitute);
   EXPECT_EQ(dib.is_blank(), 0);
+  EXPECT_EQ(dib.m_state, 2);
 }
 
 class DibFiles : public testing::Test {

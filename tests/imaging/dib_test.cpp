@@ -6,6 +6,7 @@
 #include <support/picture.h>
 #include <support/resource_counts.h>
 
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -33,6 +34,20 @@ TEST(Dib, ANewPictureIsABottomUpSectionSelectedIntoTheContext) {
   EXPECT_EQ(header.biSizeImage, 60u);
   SetPixel(dib.m_dc, 0, 0, RGB(1, 2, 3));  // the upper left
   EXPECT_EQ(dib.pixels()[10] & 0xFFFFFF, 0x010203u);
+}
+
+TEST(Dib, ANewPictureHasADescriptionOfItsOwn) {
+  Dib dib;
+  std::memset(&dib.m_bmi, 0xFF, sizeof dib.m_bmi);
+  ASSERT_EQ(dib.create(5, 3), 1);
+  const BITMAPINFOHEADER& header = dib.m_bmi.bmiHeader;
+  EXPECT_EQ(header.biXPelsPerMeter, 0);
+  EXPECT_EQ(header.biYPelsPerMeter, 0);
+  EXPECT_EQ(header.biClrUsed, 0u);
+  EXPECT_EQ(header.biClrImportant, 0u);
+  const RGBQUAD& color = dib.m_bmi.bmiColors[0];
+  EXPECT_EQ(RGB(color.rgbRed, color.rgbGreen, color.rgbBlue), 0u);
+  EXPECT_EQ(color.rgbReserved, 0);
 }
 
 TEST(Dib, ANewPictureReplacesTheOldOne) {
@@ -142,6 +157,7 @@ TEST(Dib, IsDrawnWithItsUpperLeftCornerAtThePlace) {
   Picture picture(4, 4, RGB(9, 9, 9));
   WTL::CDC dc(picture.dc());
   dib.copy_to_dc(&dc, 1, 1);
+  dib.copy_to_dc(nullptr, 1, 1);
   dc.Detach();
   EXPECT_EQ(picture.at(0, 0), RGB(9, 9, 9));
   EXPECT_EQ(picture.at(1, 1), RGB(255, 0, 0));

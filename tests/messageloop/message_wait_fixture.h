@@ -102,6 +102,7 @@ class MessageWait : public testing::Test {
 // How the library polls and sleeps.
 struct Sleeps {
   int polls = 0;
+  DWORD poll_time = 0;                       // the longest time-out of a poll
   std::vector<std::array<DWORD, 4>> sleeps;  // count, all, time, mask
   std::function<void()> before_sleep;
 };
@@ -109,6 +110,7 @@ inline Sleeps sleeps;
 
 inline DWORD WINAPI counted_poll(DWORD count, const HANDLE* handles, BOOL all, DWORD time) {
   ++sleeps.polls;
+  sleeps.poll_time = std::max(sleeps.poll_time, time);
   return WaitForMultipleObjects(count, handles, all, time);
 }
 

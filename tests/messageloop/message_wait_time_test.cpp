@@ -6,6 +6,7 @@
 #include <support/import_override.h>
 
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -105,6 +106,36 @@ TEST_F(SleepOfMessageWait, HasNoLimitWhereTheWaitHasNone) {
   other.join();
   for (const auto& sleep : sleeps.sleeps) EXPECT_EQ(sleep[2], INFINITE);
   EXPECT_EQ(sleeps.polls, 0);  // there is no object to poll
+}
+
+TEST_F(SleepOfMessageWait, IsNoPollBetweenMessages) {
+  const Event event;
+  const HANDLE handle = event;
+  window_.on_message = [&](UINT message, WPARAM) {
+    if (message == WM_APP + 1) event.set();
+  };
+  window_.post(WM_APP);
+  window_.post(WM_APP + 1);
+  EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, FALSE, nullptr), WAIT_OBJECT_0);
+  EXPECT_EQ(sleeps.polls, 3);
+  EXPECT_EQ(sleeps.poll_time, 0u);
+  EXPECT_EQ(sleeps.sleeps.size(), 0u);
+}
+
+std::vector<DWORD> ticks;  // of the next calls; the last one stays
+
+DWORD WINAPI next_tick_count() {
+  const DWORD tick = ticks.front();
+  if (ticks.size() > 1) ticks.erase(ticks.begin());
+  return tick;
+}
+
+TEST_F(SleepOfMessageWait, IsLeftOutWhereTheTimeEndsWhileTheQueueIsLookedAt) {
+  const ImportOverride given("kexlib.dll", "KERNEL32.dll", "GetTickCount", &next_tick_count);
+  ASSERT_TRUE(given.made());
+  ticks = {1000, 1000, 1100};  // the start, before the queue, after it
+  EXPECT_EQ(SafeWaitWithMessageLoop(0, nullptr, 100, FALSE, nullptr), static_cast<DWORD>(WAIT_TIMEOUT));
+  EXPECT_EQ(sleeps.sleeps.size(), 0u);
 }
 
 TEST_F(SleepOfMessageWait, HasTheRestOfTheTimeOnlyAfterAMessage) {

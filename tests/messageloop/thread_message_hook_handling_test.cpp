@@ -98,6 +98,10 @@ TEST_F(ThreadMessageHook, HandlesAMessageWhateverTheHookCodeAndPassesItOn) {
   EXPECT_EQ(installed(HC_ACTION, PM_REMOVE, address), 0);
   EXPECT_EQ(passed_on.size(), 0u);
   EXPECT_EQ(hook_.handled.size(), 3u);
+
+  const RecordingHook nobody(1, 0xFFFFFFF0);  // there is no such thread
+  EXPECT_EQ(installed(HC_ACTION, PM_REMOVE, address), 0);
+  EXPECT_EQ(passed_on.size(), 0u);
 }
 
 class Window {

@@ -146,6 +146,34 @@ TEST_F(ThreadMessageHook, ThrowsWhereItsLockCannotBeMade) {
   EXPECT_TRUE(out_of_memory);
 }
 
+std::vector<const CRITICAL_SECTION*> deleted_sections;
+const CRITICAL_SECTION* made_section;
+DWORD section_spins, section_flags;
+
+BOOL WINAPI record_section(LPCRITICAL_SECTION section, DWORD spins, DWORD flags) {
+  made_section = section;
+  section_spins = spins;
+  section_flags = flags;
+  return InitializeCriticalSectionEx(section, spins, flags);
+}
+
+void WINAPI record_deletion(LPCRITICAL_SECTION section) {
+  deleted_sections.push_back(section);
+  DeleteCriticalSection(section);
+}
+
+TEST_F(ThreadMessageHook, ItsLockDoesNotSpinAndIsDeletedOnce) {
+  const ImportOverride initialized("kexlib.dll", "KERNEL32.dll", "InitializeCriticalSectionEx", &record_section);
+  const ImportOverride deleted("kexlib.dll", "KERNEL32.dll", "DeleteCriticalSection", &record_deletion);
+  ASSERT_TRUE(initialized.made() && deleted.made());
+  section_spins = section_flags = 4711;
+  deleted_sections.clear();
+  { const RecordingHook hook(1); }
+  EXPECT_EQ(section_spins, 0u);
+  EXPECT_EQ(section_flags, 0u);
+  EXPECT_EQ(deleted_sections, std::vector<const CRITICAL_SECTION*>{made_section});
+}
+
 // Copies share the hook and, byte for byte, the lock; the copy is not destroyed, since it does not own the lock.
 TEST_F(ThreadMessageHook, IsCopiedWithoutASecondHook) {
   hook_.SetHook();

@@ -8,6 +8,7 @@
 
 #include <support/files.h>
 #include <support/import_override.h>
+#include <support/shortcut.h>
 #include <text/apply_to_files_fixture.h>
 
 #include <string>
@@ -21,16 +22,6 @@ class Shortcuts : public ApplyToFiles {
  protected:
   Shortcuts() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
   ~Shortcuts() override { CoUninitialize(); }
-
-  // Created by the shell, as for a user.
-  static void make_shortcut(const std::string& path, const std::string& target) {
-    CComPtr<IShellLinkA> link;
-    CComPtr<IPersistFile> file;
-    ASSERT_EQ(link.CoCreateInstance(CLSID_ShellLink), S_OK);
-    ASSERT_EQ(link.QueryInterface(&file), S_OK);
-    ASSERT_TRUE(SUCCEEDED(link->SetPath(target.c_str())));
-    ASSERT_EQ(file->Save(CComBSTR(path.c_str()), TRUE), S_OK);
-  }
 
   std::string below(const char* name) const { return (root() / name).string(); }
 };
