@@ -7,6 +7,13 @@ if(MSVC)
   # C4324 reports that an aligned class is padded.
   target_compile_options(kexlib_settings INTERFACE /W4 /WX /wd4324 /permissive- /utf-8 /Zc:__cplusplus)
   target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang") # what else breaks the rules of Visual C++
+    target_compile_options(
+      kexlib_settings INTERFACE -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wundef -Wmicrosoft
+                                -Wdllexport-explicit-instantiation-decl -Wnon-gcc
+                                # ATL's message maps override without the word; MFC has a VARTYPE before its dots.
+                                -Wno-inconsistent-missing-override -Wno-varargs)
+  endif()
 else()
   target_compile_options(
     kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
@@ -37,7 +44,8 @@ endif()
 
 # Every program carries the manifest for version 6 of the common controls, except those with the property
 # KEXLIB_WITHOUT_MANIFEST.
-if(MINGW)
+# With Visual Studio on Windows the linker embeds a manifest.
+if(MINGW OR CMAKE_CROSSCOMPILING)
   set(is_program $<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>)
   set(wants_manifest $<NOT:$<BOOL:$<TARGET_PROPERTY:KEXLIB_WITHOUT_MANIFEST>>>)
   target_sources(kexlib_settings

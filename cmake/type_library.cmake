@@ -2,6 +2,9 @@
 # includes the header by #include <NAME.h> and the library as a resource (1 TYPELIB "NAME.tlb").
 #
 # The description imports oaidl.idl; cmake/idl has the part of it that is needed, since the cross tools have none.
+#
+# The target type_libraries makes all of them.
+add_custom_target(type_libraries)
 function(kexlib_add_type_library name idl)
   find_program(WIDL x86_64-w64-mingw32-widl REQUIRED)
   # widl reads IUnknown and IDispatch from the system's own library.
@@ -20,6 +23,7 @@ function(kexlib_add_type_library name idl)
     DEPENDS ${idl} ${imports}/oaidl.idl ${imports}/wtypes.idl
     VERBATIM)
   add_custom_target(${name}_files DEPENDS ${folder}/${name}.tlb ${folder}/${name}.h)
+  add_dependencies(type_libraries ${name}_files)
   add_library(${name} INTERFACE)
   add_dependencies(${name} ${name}_files)
   target_include_directories(${name} SYSTEM INTERFACE ${folder})
