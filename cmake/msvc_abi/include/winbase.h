@@ -7,3 +7,7 @@ extern "C"
     WORD WINAPI
     RtlCaptureStackBackTrace(DWORD skipped, DWORD count, void** frames, DWORD* hash);
 #define CaptureStackBackTrace RtlCaptureStackBackTrace
+#define SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE 2
+#ifdef _LIBCPP_BUILDING_LIBRARY
+#undef DeleteFile  // a member of FILE_DISPOSITION_INFO too, which Wine declares before the macro
+#endif
