@@ -9,7 +9,7 @@ set(CMAKE_C_COMPILER ${msvc_abi_tools}/bin/clang-cl)
 set(CMAKE_CXX_COMPILER ${msvc_abi_tools}/bin/clang-cl)
 set(CMAKE_LINKER ${llvm}/bin/lld-link)
 set(CMAKE_AR ${llvm}/bin/llvm-lib)
-set(CMAKE_RC_COMPILER ${llvm}/bin/llvm-rc)
+set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres) # llvm-rc knows no code_page(65001)
 set(CMAKE_MT ${llvm}/bin/llvm-mt)
 
 # The order matters: each folder's headers include the next one's. libc++ must stand before the compiler's own headers.
@@ -25,7 +25,6 @@ string(APPEND flags " -D_UCRT -DWINE_UNICODE_NATIVE -D_HAS_EXCEPTIONS=1 -D_LIBCP
 string(APPEND flags " /GS-") # the check of the stack belongs to a run-time library that is not here
 set(CMAKE_C_FLAGS_INIT "${flags}")
 set(CMAKE_CXX_FLAGS_INIT "${flags}")
-set(CMAKE_RC_FLAGS_INIT "-I ${wine}/windows -I ${wine}/msvcrt")
 
 # The compiler asks for oldnames.lib, which has nothing that is used here. Manifests are resources (cmake/program.rc).
 foreach(kind EXE SHARED MODULE)
