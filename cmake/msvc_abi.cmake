@@ -22,7 +22,7 @@ foreach(folder ${CMAKE_CURRENT_LIST_DIR}/msvc_abi/include_cxx ${msvc_abi_tools}/
 endforeach()
 # Wine's headers: the universal run-time library, and wchar_t as the type of wide text. libc++: the static library.
 string(APPEND flags " -D_UCRT -DWINE_UNICODE_NATIVE -D_HAS_EXCEPTIONS=1 -D_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS")
-string(APPEND flags " /GS-") # the check of the stack belongs to a run-time library that is not here
+string(APPEND flags " /GS-") # the mingw-w64 build has no check of the stack either
 set(CMAKE_C_FLAGS_INIT "${flags}")
 set(CMAKE_CXX_FLAGS_INIT "${flags}")
 
@@ -30,6 +30,7 @@ set(CMAKE_CXX_FLAGS_INIT "${flags}")
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "/libpath:${msvc_abi_tools}/lib /nodefaultlib:oldnames /manifest:no")
 endforeach()
+string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " /entry:mainCRTStartup") # some library has a wmain too
 
 # There is no run-time library for the debugger, and nothing that links incrementally.
 set(CMAKE_TRY_COMPILE_CONFIGURATION Release)
