@@ -7,6 +7,13 @@ if(MSVC)
   # C4324 reports that an aligned class is padded.
   target_compile_options(kexlib_settings INTERFACE /W4 /WX /wd4324 /permissive- /utf-8 /Zc:__cplusplus)
   target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang") # what else breaks the rules of Visual C++
+    target_compile_options(
+      kexlib_settings INTERFACE -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wundef -Wmicrosoft
+                                -Wdllexport-explicit-instantiation-decl -Wnon-gcc
+                                # ATL's message maps override without the word; MFC has a VARTYPE before its dots.
+                                -Wno-inconsistent-missing-override -Wno-varargs)
+  endif()
 else()
   target_compile_options(
     kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion

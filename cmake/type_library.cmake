@@ -3,6 +3,9 @@
 #
 # The compiler is widl, or midl where that is missing. The description imports oaidl.idl; cmake/idl has the part of it
 # that widl needs, since the cross tools have none.
+#
+# The target type_libraries makes all of them.
+add_custom_target(type_libraries)
 function(kexlib_add_type_library name idl)
   cmake_path(ABSOLUTE_PATH idl)
   set(folder ${PROJECT_BINARY_DIR}/type_libraries/${name})
@@ -30,6 +33,7 @@ function(kexlib_add_type_library name idl)
   endif()
   add_custom_command(OUTPUT ${folder}/${name}.tlb ${folder}/${name}.h ${commands} DEPENDS ${idl} ${imports} VERBATIM)
   add_custom_target(${name}_files DEPENDS ${folder}/${name}.tlb ${folder}/${name}.h)
+  add_dependencies(type_libraries ${name}_files)
   add_library(${name} INTERFACE)
   add_dependencies(${name} ${name}_files)
   target_include_directories(${name} SYSTEM INTERFACE ${folder})

@@ -1,9 +1,13 @@
 # Sourced by kex before the other scripts: where things are, and what all of them need.
 # shellcheck disable=SC2034 # used by those that source this file
 
-preset=mingw-release
-build=$root/build/$preset
-programs=$build/bin
+# use_preset NAME: the CMake preset that commands build and run, and its folders.
+use_preset() {
+  preset=$1
+  build=$root/build/$preset
+  programs=$build/bin
+}
+use_preset mingw-release
 
 # One clear sentence, then exit status 2.
 fail() {
@@ -13,6 +17,15 @@ fail() {
 
 say() {
   echo "kex: $*" >&2
+}
+
+# use_toolchain NAME: what --toolchain names.
+use_toolchain() {
+  case $1 in
+    mingw) use_preset mingw-release ;;
+    msvc-abi) use_preset msvc-abi ;;
+    *) fail "there is no toolchain '$1'; there are mingw and msvc-abi." ;;
+  esac
 }
 
 make_build_folder() {

@@ -7,7 +7,9 @@ has_node() {
 
 missing_packages() {
   local wanted installed
-  wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt" | sort)
+  wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt")
+  [ "$preset" != msvc-abi ] || wanted+=$'\n'$(packages_to install)
+  wanted=$(sort <<<"$wanted")
   if has_node; then wanted=$(grep -v -x -e nodejs -e npm <<<"$wanted"); fi
   # shellcheck disable=SC2086
   installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
@@ -15,8 +17,13 @@ missing_packages() {
   comm -23 <(echo "$wanted") <(echo "$installed") | paste -sd ' '
 }
 
-# Installs what is missing from the one list of packages, and nothing that is there.
+# Installs what is missing from the lists of packages, and nothing that is there; makes the tools of msvc-abi.
 set_up_machine() {
+  install_missing_packages
+  [ "$preset" != msvc-abi ] || set_up_msvc_abi
+}
+
+install_missing_packages() {
   local missing log=$root/build/setup.log
   command -v dpkg-query >/dev/null || fail "this is no Debian machine: install what packaging/debian-packages.txt names by hand."
   missing=$(missing_packages)

@@ -17,6 +17,7 @@ class CSize : public SIZE {
   CSize(SIZE size) noexcept : SIZE(size) {}
 
   bool operator==(SIZE other) const noexcept { return cx == other.cx && cy == other.cy; }
+  bool operator!=(SIZE other) const noexcept { return !(*this == other); }
 };
 
 // A point, in pixels.

@@ -30,6 +30,17 @@
 #define KEXLIB_API __declspec(dllimport)
 #endif
 
+// The instantiation of a class template that the DLL exports. Its declaration in the header has the first, its definition
+// in the source the second: GCC exports an instantiation as it is declared, Visual C++ as it is defined, and there the
+// exporting declaration is an error.
+#if defined(KEXLIB_EXPORTS) && defined(_MSC_VER)
+#define KEXLIB_API_INSTANTIATION
+#define KEXLIB_API_INSTANTIATED KEXLIB_API
+#else
+#define KEXLIB_API_INSTANTIATION KEXLIB_API
+#define KEXLIB_API_INSTANTIATED
+#endif
+
 // A class that is only a base: its constructors do not set the virtual table (__declspec(novtable)). GCC has no such
 // attribute and sets it. The difference is not observable, since the constructors call no virtual function.
 #ifdef _MSC_VER

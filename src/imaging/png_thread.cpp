@@ -127,7 +127,7 @@ int CThreadT<owns>::Terminate(unsigned long code) {
   return TerminateThread(m_handle, code);
 }
 
-template class CThreadT<true>;
+template class KEXLIB_API_INSTANTIATED CThreadT<true>;
 
 kexPNGGenerationThread::kexPNGGenerationThread(std::unique_ptr<hnDuctImage> image, const CString& path,
                                                const std::shared_ptr<kexBuffer>& buffer)

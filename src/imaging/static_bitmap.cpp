@@ -56,4 +56,4 @@ void wbzStaticBitmapTemplate<Static>::set_bitmap_from_file(const char* path) {
   set_internal_bitmap(image.Detach());
 }
 
-template class wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;
+template class KEXLIB_API_INSTANTIATED wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;

@@ -3,6 +3,7 @@
 
 #include <neutralfmt/vsprintf.h>
 
+#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -93,10 +94,17 @@ TEST(NeutralFormat, PrintsFixedNumbersAsTheRunTimeLibraryDoes) {
     if (std::isnan(value)) continue;
     if (i % 2) value = static_cast<double>(static_cast<std::int64_t>(random) >> 30) / 1024.0;  // many ties
     const int width = i % 40 - 20;
-    const int precision = i % 13 - 2;
+    const int precision = i % 12;
     const char* const format = formats[i % std::ssize(formats)];
     ASSERT_EQ(text(format, width, precision, value), plain(format, width, precision, value))
         << format << ' ' << width << ' ' << precision;
+  }
+}
+
+TEST(NeutralFormat, TakesEachNegativePrecisionAsNone) {
+  for (const int precision : {-1, -2, -100, INT_MIN}) {
+    EXPECT_EQ(text("%.*f|%.*e|%.*g", precision, 1.5, precision, 1.5, precision, 1.5), "1.500000|1.500000e+00|1.5");
+    EXPECT_EQ(text("%.*d|%.*s", precision, 7, precision, "text"), "7|text");
   }
 }
 

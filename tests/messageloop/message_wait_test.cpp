@@ -4,6 +4,7 @@
 
 #include <messageloop/message_wait_fixture.h>
 
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -63,9 +64,14 @@ TEST_F(MessageWait, SaysThatAMutexWasAbandonedDuringTheSleep) {
 
 TEST_F(MessageWait, WaitsForAThread) {
   const Event end;
-  std::thread thread([&] { WaitForSingleObject(end, INFINITE); });
-  const HANDLE handle =
-      OpenThread(SYNCHRONIZE, FALSE, GetThreadId(reinterpret_cast<HANDLE>(pthread_gethandle(thread.native_handle()))));
+  std::atomic<DWORD> id = 0;
+  std::thread thread([&] {
+    id = GetCurrentThreadId();
+    id.notify_one();
+    WaitForSingleObject(end, INFINITE);
+  });
+  id.wait(0);
+  const HANDLE handle = OpenThread(SYNCHRONIZE, FALSE, id);
   ASSERT_NE(handle, nullptr);
   EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, 20, FALSE, nullptr), static_cast<DWORD>(WAIT_TIMEOUT));
   end.set();

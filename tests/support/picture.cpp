@@ -75,11 +75,12 @@ bool Picture::save(const std::string& name, int magnified) const {
   ULONG_PTR token;
   Gdiplus::GdiplusStartupInput input;
   if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return false;
-  bool saved;
-  {
-    Gdiplus::Bitmap bitmap(large.bitmap_, nullptr);
-    saved = bitmap.Save((folder / (name + ".png")).c_str(), &png_encoder, nullptr) == Gdiplus::Ok;
-  }
+  using namespace Gdiplus::DllExports;
+  Gdiplus::GpBitmap* bitmap = nullptr;
+  const bool saved =
+      GdipCreateBitmapFromHBITMAP(large.bitmap_, nullptr, &bitmap) == Gdiplus::Ok &&
+      GdipSaveImageToFile(bitmap, (folder / (name + ".png")).wstring().c_str(), &png_encoder, nullptr) == Gdiplus::Ok;
+  GdipDisposeImage(bitmap);
   Gdiplus::GdiplusShutdown(token);
   return saved;
 }

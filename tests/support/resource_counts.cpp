@@ -98,8 +98,8 @@ int count_heap_blocks() {
 }
 
 size_t count_memory() {
-  PROCESS_MEMORY_COUNTERS_EX counters = {};
+  PROCESS_MEMORY_COUNTERS counters = {};
   counters.cb = sizeof counters;
-  GetProcessMemoryInfo(GetCurrentProcess(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters);
-  return counters.PagefileUsage;  // PrivateUsage is 0 under Wine
+  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+  return counters.PagefileUsage;
 }

@@ -94,7 +94,8 @@ Conversion take_conversion(const char*& at, Arguments& arguments) {
   conversion.width = take_number(at, arguments);
   if (*at == '.') {
     ++at;
-    conversion.precision = take_number(at, arguments);
+    // Every negative precision means none. Not every run-time library takes another one than -1.
+    conversion.precision = std::max(take_number(at, arguments), -1);
   }
   conversion.length = take_any_of(at, "hljztL");
   conversion.type = *at;

@@ -99,7 +99,7 @@ class CThreadT {
   DWORD m_id = 0;
 };
 
-extern template class KEXLIB_API CThreadT<true>;
+extern template class KEXLIB_API_INSTANTIATION CThreadT<true>;
 
 /// A thread that calls T::Run() of its object; the result is the exit code. T derives from this class. An exception
 /// that leaves Run ends the process (std::terminate).

@@ -63,6 +63,6 @@ class wbzStaticBitmapTemplate {
   Static control_;
 };
 
-extern template class KEXLIB_API wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;
+extern template class KEXLIB_API_INSTANTIATION wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;
 
 #endif

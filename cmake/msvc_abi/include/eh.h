@@ -1,0 +1,5 @@
+#pragma once
+extern "C" {
+#include_next <eh.h>
+terminate_handler __cdecl _get_terminate();
+}
