@@ -30,9 +30,9 @@
 #define KEXLIB_API __declspec(dllimport)
 #endif
 
-// The instantiation of a class template that the DLL exports. Its declaration in the header has the first, its definition
-// in the source the second: GCC exports an instantiation as it is declared, Visual C++ as it is defined, and there the
-// exporting declaration is an error.
+// The instantiation of a class template that the DLL exports. Its declaration in the header has the first, its
+// definition in the source the second: GCC exports an instantiation as it is declared, Visual C++ as it is defined, and
+// there the exporting declaration is an error.
 #if defined(KEXLIB_EXPORTS) && defined(_MSC_VER)
 #define KEXLIB_API_INSTANTIATION
 #define KEXLIB_API_INSTANTIATED KEXLIB_API
