@@ -1,3 +1,5 @@
+#include <atlbase.h>
+#include <atlapp.h>
 #include <atlctrls.h>
 
 #include <gallery/frame.h>

@@ -10,9 +10,14 @@
 #ifndef FRAMEWORK_AFX_H
 #define FRAMEWORK_AFX_H
 
+#ifdef _WINDOWS_
+#error "MFC's headers include windows.h themselves: they come before it, and before those of ATL"
+#endif
+#define _AFX
+
 #include <kexframework/export.h>
 
-#include <atlstr.h>
+#include <afxstr.h>
 
 #include <optional>
 #include <type_traits>

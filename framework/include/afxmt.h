@@ -2,7 +2,7 @@
 #ifndef FRAMEWORK_AFXMT_H
 #define FRAMEWORK_AFXMT_H
 
-#include <afxwin.h>
+#include <afx.h>
 
 // Owns the handle of a kernel object to wait for.
 class KEXFRAMEWORK_API CSyncObject : public CObject {

@@ -3,6 +3,7 @@
 #define FRAMEWORK_AFXWIN_H
 
 #include <afx.h>
+#include <atltypes.h>
 
 class CWinApp;
 class CWnd;

@@ -15,7 +15,16 @@
 #ifndef FRAMEWORK_ATLAPP_H
 #define FRAMEWORK_ATLAPP_H
 
-#include <atlbase.h>
+#ifndef FRAMEWORK_ATLBASE_H
+#error "atlapp.h requires atlbase.h to be included first"
+#endif
+
+// The version of WTL. Define 0x0910 for the meaning that version 9.1 has: classes of its own for geometry, and the
+// former results of a page's handlers.
+#ifndef _WTL_VER
+#define _WTL_VER 0x1000
+#endif
+
 #include <atlwin.h>
 
 #include <algorithm>

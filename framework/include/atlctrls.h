@@ -8,7 +8,13 @@
 #ifndef FRAMEWORK_ATLCTRLS_H
 #define FRAMEWORK_ATLCTRLS_H
 
-#include <atlapp.h>
+#ifndef FRAMEWORK_ATLAPP_H
+#error "atlctrls.h requires atlapp.h to be included first"
+#endif
+#ifndef FRAMEWORK_ATLWIN_H
+#error "atlctrls.h requires atlwin.h to be included first"
+#endif
+
 #include <atlgdi.h>
 
 namespace WTL {

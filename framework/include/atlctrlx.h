@@ -7,9 +7,15 @@
 #ifndef FRAMEWORK_ATLCTRLX_H
 #define FRAMEWORK_ATLCTRLX_H
 
+#ifndef FRAMEWORK_ATLAPP_H
+#error "atlctrlx.h requires atlapp.h to be included first"
+#endif
+#ifndef FRAMEWORK_ATLCTRLS_H
+#error "atlctrlx.h requires atlctrls.h to be included first"
+#endif
+
 #include <atlstr.h>
-#include <atlctrls.h>
-#include <atlmisc.h>
+#include <atlgdi.h>
 
 #include <utility>
 
@@ -90,11 +96,12 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   void SizeToImage() {
     int width = 0, height = 0;
     if (!m_ImageList.GetIconSize(width, height)) return;
-    CRect window, client;
-    this->GetWindowRect(window);
-    this->GetClientRect(client);
-    this->SetWindowPos(nullptr, 0, 0, width + window.Width() - client.Width(),
-                       height + window.Height() - client.Height(), SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    RECT window, client;
+    this->GetWindowRect(&window);
+    this->GetClientRect(&client);
+    this->SetWindowPos(nullptr, 0, 0, width + (window.right - window.left) - client.right,
+                       height + (window.bottom - window.top) - client.bottom,
+                       SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
   bool IsHoverMode() const { return (m_dwExtendedStyle & BMPBTN_HOVER) != 0; }
@@ -115,17 +122,17 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
     if (image != -1) m_ImageList.Draw(dc, image, shift, shift, ILD_NORMAL);
 
     if (!edge) return;
-    CRect rect;
-    this->GetClientRect(rect);
+    RECT rect;
+    this->GetClientRect(&rect);
     bool single = (m_dwExtendedStyle & BMPBTN_AUTO3D_SINGLE) != 0;
     if (pressed)
-      dc.DrawEdge(rect, single ? BDR_SUNKENOUTER : EDGE_SUNKEN, BF_RECT);
+      dc.DrawEdge(&rect, single ? BDR_SUNKENOUTER : EDGE_SUNKEN, BF_RECT);
     else if (!IsHoverMode() || m_fMouseOver)
-      dc.DrawEdge(rect, single ? BDR_RAISEDINNER : EDGE_RAISED, BF_RECT);
+      dc.DrawEdge(&rect, single ? BDR_RAISEDINNER : EDGE_RAISED, BF_RECT);
 
     if (!IsHoverMode() && m_fFocus) {
-      rect.DeflateRect(2 * ::GetSystemMetrics(SM_CXEDGE), 2 * ::GetSystemMetrics(SM_CYEDGE));
-      dc.DrawFocusRect(rect);
+      ::InflateRect(&rect, -2 * ::GetSystemMetrics(SM_CXEDGE), -2 * ::GetSystemMetrics(SM_CYEDGE));
+      dc.DrawFocusRect(&rect);
     }
   }
 
@@ -199,10 +206,10 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
   }
 
   LRESULT OnMouseMove(UINT, WPARAM, LPARAM lParam, BOOL& bHandled) {
-    CRect rect;
-    this->GetClientRect(rect);
+    RECT rect;
+    this->GetClientRect(&rect);
     // Mouse messages arrive from outside the button while it has the capture.
-    if (IsHoverMode()) set_mouse_over(rect.PtInRect(place(lParam)));
+    if (IsHoverMode()) set_mouse_over(::PtInRect(&rect, place(lParam)));
     bHandled = FALSE;
     return 0;
   }
@@ -252,7 +259,7 @@ class CBitmapButtonImpl : public ATL::CWindowImpl<T, TBase, TWinTraits> {
 
   // Signed: a position may be left of or above the origin.
   template <typename Packed>
-  static CPoint place(Packed packed) {
+  static POINT place(Packed packed) {
     return {static_cast<short>(LOWORD(packed)), static_cast<short>(HIWORD(packed))};
   }
 

@@ -14,14 +14,31 @@
 
 #include <cassert>
 
+// Throws the exception for an HRESULT. In a source with MFC that is CMemoryException for E_OUTOFMEMORY and
+// COleException for all others, by pointer; in one without, CAtlException. A program in which both kinds of source use
+// the same template gets either.
+#define AtlThrow ATL::AtlThrowImpl
+
 #ifndef ATLASSERT
 #define ATLASSERT(expression) assert(expression)
 #endif
 
 namespace ATL {
 
-// Throws MFC's exception for an HRESULT: CMemoryException for E_OUTOFMEMORY, COleException for all others.
-[[noreturn]] KEXFRAMEWORK_API void AtlThrow(HRESULT result);
+// What AtlThrow throws in a source without MFC. Thrown by value.
+class CAtlException {
+ public:
+  CAtlException(HRESULT result = E_FAIL) noexcept : m_hr(result) {}
+  operator HRESULT() const noexcept { return m_hr; }
+
+  HRESULT m_hr;
+};
+
+#ifdef _AFX
+[[noreturn]] KEXFRAMEWORK_API void AtlThrowImpl(HRESULT result);
+#else
+[[noreturn]] inline void AtlThrowImpl(HRESULT result) { throw CAtlException(result); }
+#endif
 
 // GetLastError() as an HRESULT.
 inline HRESULT AtlHresultFromLastError() { return HRESULT_FROM_WIN32(GetLastError()); }

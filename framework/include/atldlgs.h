@@ -18,7 +18,13 @@
 #ifndef FRAMEWORK_ATLDLGS_H
 #define FRAMEWORK_ATLDLGS_H
 
-#include <atlapp.h>
+#ifndef FRAMEWORK_ATLAPP_H
+#error "atldlgs.h requires atlapp.h to be included first"
+#endif
+#ifndef FRAMEWORK_ATLWIN_H
+#error "atldlgs.h requires atlwin.h to be included first"
+#endif
+
 #include <prsht.h>
 
 #include <memory>

@@ -12,7 +12,9 @@
 #ifndef FRAMEWORK_ATLGDI_H
 #define FRAMEWORK_ATLGDI_H
 
-#include <atldef.h>
+#ifndef FRAMEWORK_ATLAPP_H
+#error "atlgdi.h requires atlapp.h to be included first"
+#endif
 
 #include <cstdlib>
 #include <cstring>

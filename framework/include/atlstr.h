@@ -1,22 +1,30 @@
-// CStringA and CStringW, the strings of MFC applications, and CString, the narrow one.
+// The strings of programs without MFC: CStringA and CStringW, and CString, the narrow one. In a source with MFC these
+// names are MFC's strings (afxstr.h), which are other types.
 #ifndef FRAMEWORK_ATLSTR_H
 #define FRAMEWORK_ATLSTR_H
 
+#include <atlbase.h>
 #include <cstringt.h>
 
-// Returns the module that contains a string resource: the module whose state is current, or a library
-// (CDynLinkLibrary). Null if none does.
-KEXFRAMEWORK_API HINSTANCE AfxFindStringResourceHandle(UINT id);
+namespace ATL {
 
-// Character functions of the run-time library; string resources are found through the application.
-template <typename CharType, class StringIterator = ATL::ChTraitsCRT<CharType>>
-class StrTraitMFC_DLL : public StringIterator {
+// Character functions of the run-time library; string resources are those of the module.
+template <typename CharType, class StringIterator = ChTraitsCRT<CharType>>
+class StrTraitATL : public StringIterator {
  public:
-  static HINSTANCE FindStringResourceInstance(UINT id) { return AfxFindStringResourceHandle(id); }
+  static HINSTANCE FindStringResourceInstance(UINT id) {
+    const HINSTANCE resources = _AtlBaseModule.GetResourceInstance();
+    return FindResourceA(resources, MAKEINTRESOURCEA(id / 16 + 1), reinterpret_cast<LPCSTR>(RT_STRING)) ? resources
+                                                                                                        : nullptr;
+  }
 };
 
-using CStringA = ATL::CStringT<char, StrTraitMFC_DLL<char>>;
-using CStringW = ATL::CStringT<wchar_t, StrTraitMFC_DLL<wchar_t>>;
+#ifndef _AFX
+using CStringA = CStringT<char, StrTraitATL<char>>;
+using CStringW = CStringT<wchar_t, StrTraitATL<wchar_t>>;
 using CString = CStringA;
+#endif
+
+}  // namespace ATL
 
 #endif

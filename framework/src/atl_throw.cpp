@@ -2,7 +2,7 @@
 
 namespace ATL {
 
-void AtlThrow(HRESULT result) {
+void AtlThrowImpl(HRESULT result) {
   if (result == E_OUTOFMEMORY) AfxThrowMemoryException();
   AfxThrowOleException(result);
 }

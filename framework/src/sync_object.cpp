@@ -1,4 +1,5 @@
 #include <afxmt.h>
+#include <afxwin.h>
 
 CSyncObject::CSyncObject(LPCTSTR) {}
 

@@ -1,7 +1,6 @@
 #include <kexlib/com/registration_free.h>
 #include <kexlib/text/apply_to_files.h>
 
-#include <atlbase.h>
 #include <oleauto.h>
 #include <shlwapi.h>
 

@@ -1,7 +1,5 @@
 #include <kexlib/com/variant_safe_array.h>
 
-#include <atldef.h>
-
 #include <support/variant_copy.h>
 
 #include <climits>

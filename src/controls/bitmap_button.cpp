@@ -1,7 +1,6 @@
 #include <kexlib/controls/bitmap_button.h>
 #include <kexlib/imaging/dib.h>
-
-#include <afx.h>
+#include <kexlib/wtl_geometry.h>
 
 #include <wbzframe/themed_std_button.h>
 

@@ -1,7 +1,7 @@
 #ifndef KEXLIB_CONTROLS_SUBCLASS_INSTEAD_H
 #define KEXLIB_CONTROLS_SUBCLASS_INSTEAD_H
 
-#include <windows.h>
+#include <kexlib/windows.h>
 
 namespace kexlib {
 

@@ -1,7 +1,5 @@
 #include <kexlib/diagnostics/problem_alert.h>
 
-#include <afxwin.h>
-
 CProblemAlert::CProblemAlert(int startNow) {
   if (startNow) StartThread();
 }

@@ -1,7 +1,5 @@
 #include <kexlib/dialogs/task_dialog.h>
 
-#include <afxwin.h>
-#include <atlcomcli.h>
 #include <commctrl.h>
 #include <shellapi.h>
 

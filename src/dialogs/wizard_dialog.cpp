@@ -1,7 +1,5 @@
 #include <kexlib/dialogs/wizard_dialog.h>
 
-#include <afxwin.h>
-
 // The identifiers of the system's property sheets.
 #define ID_WIZBACK 0x3023
 #define ID_WIZNEXT 0x3024

@@ -1,6 +1,5 @@
 #include <kexlib/imaging/static_bitmap.h>
 
-#include <afxwin.h>
 #include <atlimage.h>
 
 template <class Static>

@@ -1,7 +1,5 @@
 #include <kexlib/messageloop/thread_message_hook.h>
 
-#include <atlbase.h>
-
 #include <atomic>
 
 namespace {

@@ -1,7 +1,7 @@
 #ifndef KEXLIB_MESSAGELOOP_TIMER_REGISTRY_H
 #define KEXLIB_MESSAGELOOP_TIMER_REGISTRY_H
 
-#include <atlbase.h>
+#include <kexlib/framework.h>
 
 class CATLWindowLessTimer;
 

@@ -4,8 +4,7 @@
 // (except by TerminateProcess). An object that only one unit uses, and that needs no order, is defined in that unit's
 // source.
 #include <kexlib/diagnostics/trace_file.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 #include <diagnostics/profiler_state.h>
 #include <messageloop/timer_registry.h>

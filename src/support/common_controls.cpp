@@ -1,4 +1,3 @@
-#include <atlbase.h>
 
 #include <module/process_end.h>
 #include <support/common_controls.h>

@@ -1,7 +1,7 @@
 #ifndef KEXLIB_SUPPORT_COMMON_CONTROLS_H
 #define KEXLIB_SUPPORT_COMMON_CONTROLS_H
 
-#include <windows.h>
+#include <kexlib/windows.h>
 
 namespace kexlib {
 

@@ -1,7 +1,7 @@
 #ifndef KEXLIB_SUPPORT_FIXED_TEXT_H
 #define KEXLIB_SUPPORT_FIXED_TEXT_H
 
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 namespace kexlib {
 

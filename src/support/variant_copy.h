@@ -1,7 +1,8 @@
 #ifndef KEXLIB_SUPPORT_VARIANT_COPY_H
 #define KEXLIB_SUPPORT_VARIANT_COPY_H
 
-#include <windows.h>
+#include <kexlib/windows.h>
+
 #include <oleauto.h>
 
 namespace kexlib {

@@ -1,7 +1,7 @@
 #ifndef KEXLIB_SUPPORT_WIDENED_H
 #define KEXLIB_SUPPORT_WIDENED_H
 
-#include <atlbase.h>
+#include <kexlib/framework.h>
 
 namespace kexlib {
 

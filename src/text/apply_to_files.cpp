@@ -1,7 +1,6 @@
+#include <kexlib/framework.h>
 #include <kexlib/text/apply_to_files.h>
 
-#include <afx.h>
-#include <atlbase.h>
 #include <shlobj.h>
 #include <shlwapi.h>
 

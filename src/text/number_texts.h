@@ -1,7 +1,7 @@
 #ifndef KEXLIB_TEXT_NUMBER_TEXTS_H
 #define KEXLIB_TEXT_NUMBER_TEXTS_H
 
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 #include <cstddef>
 

@@ -1,6 +1,5 @@
 #include <kexlib/text/text_helpers.h>
 
-#include <atlbase.h>
 #include <emmintrin.h>
 #include <mbctype.h>
 #include <mbstring.h>

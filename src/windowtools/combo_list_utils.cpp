@@ -1,7 +1,5 @@
 #include <kexlib/windowtools/combo_list_utils.h>
 
-#include <afx.h>
-
 #include <cstring>
 
 namespace {

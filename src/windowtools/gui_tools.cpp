@@ -1,8 +1,5 @@
 #include <kexlib/windowtools/gui_tools.h>
 
-#include <afxwin.h>
-#include <atlstr.h>
-
 #include <algorithm>
 
 using ATL::CWindow;

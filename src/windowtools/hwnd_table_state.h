@@ -1,7 +1,7 @@
 #ifndef KEXLIB_WINDOWTOOLS_HWND_TABLE_STATE_H
 #define KEXLIB_WINDOWTOOLS_HWND_TABLE_STATE_H
 
-#include <windows.h>
+#include <kexlib/windows.h>
 
 class kexHWNDTable;
 

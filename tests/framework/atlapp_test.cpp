@@ -1,6 +1,7 @@
 // The message loop of WTL.
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
 #include <atlapp.h>
 
 #include <functional>

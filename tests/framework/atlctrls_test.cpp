@@ -1,6 +1,8 @@
 // The wrappers of the system's controls, with real controls.
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
+#include <atlapp.h>
 #include <atlctrls.h>
 #include <atlmisc.h>
 

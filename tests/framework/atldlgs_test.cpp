@@ -1,6 +1,8 @@
 // WTL's property sheets and wizards, with the system's.
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
+#include <atlapp.h>
 #include <atldlgs.h>
 
 #include <framework/resources.h>

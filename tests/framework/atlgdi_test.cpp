@@ -1,6 +1,7 @@
 // Device contexts, bitmaps and fonts of WTL.
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
 #include <atlapp.h>
 #include <atlgdi.h>
 #include <atlmisc.h>

@@ -1,6 +1,8 @@
 // Sizes, points and rectangles of WTL.
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
+#include <atlapp.h>
 #include <atlmisc.h>
 
 namespace {

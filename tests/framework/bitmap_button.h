@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atlbase.h>
+#include <atlapp.h>
+#include <atlctrls.h>
 #include <atlctrlx.h>
 
 #include <support/picture.h>

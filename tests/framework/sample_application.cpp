@@ -6,6 +6,7 @@
 
 #include <afxdisp.h>
 #include <afxwin.h>
+#include <atlbase.h>
 #include <atlapp.h>
 #include <atlctrls.h>
 #include <atlctrlx.h>

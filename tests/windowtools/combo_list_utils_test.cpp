@@ -216,7 +216,7 @@ void throw_counted(HRESULT) {
 TEST_F(ListViewCell, DeletesTheExceptionForMemoryThatIsNotThere) {
   SetWindowSubclass(list_, &fill_endlessly, 2, 1000);
   const ImportOverride little("kexframework.dll", "msvcrt.dll", "malloc", &little_memory);
-  const ImportOverride counted("kexlib.dll", "kexframework.dll", "_ZN3ATL8AtlThrowEl", &throw_counted);
+  const ImportOverride counted("kexlib.dll", "kexframework.dll", "_ZN3ATL12AtlThrowImplEl", &throw_counted);
   ASSERT_TRUE(little.made() && counted.made());
   CountedException::made = 0;
   EXPECT_EQ(text_of(0, 0), std::string(2048, 'x'));

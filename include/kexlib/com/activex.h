@@ -8,6 +8,7 @@
 #define KEXLIB_COM_ACTIVEX_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 #include <atlwin.h>

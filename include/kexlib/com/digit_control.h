@@ -23,10 +23,9 @@
 #define KEXLIB_COM_DIGIT_CONTROL_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 
 #include <afxdisp.h>
-#include <afxwin.h>
-#include <atlstr.h>
 
 /// An OLE font object (IFontDisp).
 class KEXLIB_API kexOleFont : public COleDispatchDriver {

@@ -15,9 +15,7 @@
 #define KEXLIB_COM_GUID_H
 
 #include <kexlib/export.h>
-
-#include <atlbase.h>
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 #include <cstdint>
 #include <cstdlib>

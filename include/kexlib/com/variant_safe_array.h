@@ -17,8 +17,8 @@
 #define KEXLIB_COM_VARIANT_SAFE_ARRAY_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
-#include <windows.h>
 #include <oleauto.h>
 
 /// A VARIANT that clears itself. It adds nothing to the VARIANT, and can be used wherever one is expected.

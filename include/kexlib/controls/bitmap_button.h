@@ -27,9 +27,11 @@
 #define KEXLIB_CONTROLS_BITMAP_BUTTON_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 #include <atlapp.h>
+#include <atlctrls.h>
 #include <atlctrlx.h>
 
 #include <wbzframe/themer.h>

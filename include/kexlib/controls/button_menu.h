@@ -16,6 +16,7 @@
 #define KEXLIB_CONTROLS_BUTTON_MENU_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 #include <atlapp.h>

@@ -22,8 +22,8 @@
 #define KEXLIB_CONTROLS_NUMERIC_FORMATTING_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 
-#include <atlstr.h>
 #include <atlapp.h>
 #include <atlctrls.h>
 

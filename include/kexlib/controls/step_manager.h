@@ -21,8 +21,7 @@
 #define KEXLIB_CONTROLS_STEP_MANAGER_H
 
 #include <kexlib/export.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 #include <set>
 #include <vector>

@@ -13,6 +13,7 @@
 #define KEXLIB_DIAGNOSTICS_PROBLEM_ALERT_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 
 #include <afxmt.h>
 

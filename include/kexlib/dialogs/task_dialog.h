@@ -30,6 +30,7 @@
 #define KEXLIB_DIALOGS_TASK_DIALOG_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 

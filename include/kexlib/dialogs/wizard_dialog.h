@@ -48,8 +48,8 @@
 #define KEXLIB_DIALOGS_WIZARD_DIALOG_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 
-#include <atlstr.h>
 #include <atlapp.h>
 #include <atldlgs.h>
 #include <atlgdi.h>

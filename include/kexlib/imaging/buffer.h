@@ -16,8 +16,7 @@
 #define KEXLIB_IMAGING_BUFFER_H
 
 #include <kexlib/export.h>
-
-#include <afx.h>
+#include <kexlib/framework.h>
 
 #include <atomic>
 #include <memory>

@@ -21,11 +21,12 @@
 #define KEXLIB_IMAGING_DIB_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
+#include <kexlib/wtl_geometry.h>
 
 #include <atlbase.h>
 #include <atlapp.h>
 #include <atlgdi.h>
-#include <atlmisc.h>
 
 /// The style of draw_button_flat; any other value means kexEdgeFlat.
 enum kexWTLDIBEdgeStyle {

@@ -13,8 +13,8 @@
 #define KEXLIB_IMAGING_IMAGE_LIST_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
-#include <windows.h>
 #include <commctrl.h>
 
 /// The look of a picture in the list; any other value means kexImageNormal.

@@ -11,10 +11,8 @@
 #define KEXLIB_IMAGING_PNG_THREAD_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 #include <kexlib/imaging/buffer.h>
-
-#include <atlstr.h>
-#include <windows.h>
 
 #include <rqgfx/duct_image.h>
 

@@ -6,8 +6,7 @@
 #define KEXLIB_IMAGING_SCREEN_CAPTURE_H
 
 #include <kexlib/export.h>
-
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 /// Copies the primary screen (BitBlt from the desktop window) and writes it to a PNG file; an existing file is
 /// replaced. The path is in the ANSI code page and is not changed. S_OK (0) if the screen could be copied, even if the

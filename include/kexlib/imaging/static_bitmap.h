@@ -16,6 +16,7 @@
 #define KEXLIB_IMAGING_STATIC_BITMAP_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 #include <atlapp.h>

@@ -30,8 +30,7 @@
 #define KEXLIB_MESSAGELOOP_MESSAGE_WAIT_H
 
 #include <kexlib/export.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 /// Waits until one of the objects is signalled, and dispatches messages meanwhile, one at a time. Before each message
 /// the objects are polled (WaitForMultipleObjects with no time), so they take priority even in a flood of messages.

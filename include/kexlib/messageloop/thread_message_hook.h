@@ -46,8 +46,7 @@
 #define KEXLIB_MESSAGELOOP_THREAD_MESSAGE_HOOK_H
 
 #include <kexlib/export.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 /// The base of objects that handle messages posted to one thread.
 class KEXLIB_API CThreadMessageHook {

@@ -34,8 +34,7 @@
 #define KEXLIB_MESSAGELOOP_WINDOWLESS_TIMER_H
 
 #include <kexlib/export.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 namespace kexlib {
 class TimerRegistry;

@@ -10,6 +10,7 @@
 #define KEXLIB_TEXT_TEST_OBJECT_ID_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 

@@ -12,8 +12,7 @@
 #define KEXLIB_TEXT_TEXT_HELPERS_H
 
 #include <kexlib/export.h>
-
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 #include <bzbase/string.h>
 

@@ -8,9 +8,7 @@
 #define KEXLIB_TEXT_TIP_NAME_H
 
 #include <kexlib/export.h>
-
-#include <atlbase.h>
-#include <atlstr.h>
+#include <kexlib/framework.h>
 
 /// The line, in the ANSI code page of the calling thread. Its parts, in this order:
 ///

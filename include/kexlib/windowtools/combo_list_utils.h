@@ -13,9 +13,8 @@
 #define KEXLIB_WINDOWTOOLS_COMBO_LIST_UTILS_H
 
 #include <kexlib/export.h>
+#include <kexlib/framework.h>
 
-#include <atlbase.h>
-#include <atlstr.h>
 #include <atlapp.h>
 #include <atlctrls.h>
 

@@ -10,6 +10,7 @@
 #define KEXLIB_WINDOWTOOLS_GUI_TOOLS_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
 #include <atlbase.h>
 #include <atlapp.h>

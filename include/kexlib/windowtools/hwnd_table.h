@@ -29,8 +29,7 @@
 #define KEXLIB_WINDOWTOOLS_HWND_TABLE_H
 
 #include <kexlib/export.h>
-
-#include <windows.h>
+#include <kexlib/windows.h>
 
 #include <bzbase/copy.h>
 #include <bzbase/singleton.h>

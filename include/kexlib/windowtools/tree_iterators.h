@@ -18,8 +18,8 @@
 #define KEXLIB_WINDOWTOOLS_TREE_ITERATORS_H
 
 #include <kexlib/export.h>
+#include <kexlib/windows.h>
 
-#include <windows.h>
 #include <commctrl.h>
 
 #include <cstddef>
