@@ -1,4 +1,5 @@
-#include <afxwin.h>
+#include <kexlib/framework.h>
+
 #include <atlimage.h>
 
 #include <gallery/application.h>

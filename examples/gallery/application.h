@@ -2,7 +2,7 @@
 #ifndef GALLERY_APPLICATION_H
 #define GALLERY_APPLICATION_H
 
-#include <windows.h>
+#include <kexlib/framework.h>
 
 #include <functional>
 

@@ -22,8 +22,8 @@
 #ifndef GALLERY_PAGE_H
 #define GALLERY_PAGE_H
 
-#include <atlbase.h>
-#include <atlstr.h>
+#include <kexlib/framework.h>
+
 #include <atlwin.h>
 #include <atlapp.h>
 #include <atlctrls.h>

@@ -1,4 +1,5 @@
-#include <atlbase.h>
+#include <kexlib/framework.h>
+
 #include <atlapp.h>
 #include <atlgdi.h>
 

@@ -2,7 +2,7 @@
 #ifndef GALLERY_SCREEN_PICTURE_H
 #define GALLERY_SCREEN_PICTURE_H
 
-#include <windows.h>
+#include <kexlib/framework.h>
 
 #include <string>
 

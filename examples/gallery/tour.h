@@ -5,7 +5,7 @@
 #ifndef GALLERY_TOUR_H
 #define GALLERY_TOUR_H
 
-#include <windows.h>
+#include <kexlib/framework.h>
 
 #include <functional>
 #include <string>

@@ -17,7 +17,11 @@
 // Throws the exception for an HRESULT. In a source with MFC that is CMemoryException for E_OUTOFMEMORY and
 // COleException for all others, by pointer; in one without, CAtlException. A program in which both kinds of source use
 // the same template gets either.
+#ifdef _AFX
 #define AtlThrow ATL::AtlThrowImpl
+#else
+#define AtlThrow ATL::AtlThrowWithoutMfc
+#endif
 
 #ifndef ATLASSERT
 #define ATLASSERT(expression) assert(expression)
@@ -34,11 +38,8 @@ class CAtlException {
   HRESULT m_hr;
 };
 
-#ifdef _AFX
 [[noreturn]] KEXFRAMEWORK_API void AtlThrowImpl(HRESULT result);
-#else
-[[noreturn]] inline void AtlThrowImpl(HRESULT result) { throw CAtlException(result); }
-#endif
+[[noreturn]] inline void AtlThrowWithoutMfc(HRESULT result) { throw CAtlException(result); }
 
 // GetLastError() as an HRESULT.
 inline HRESULT AtlHresultFromLastError() { return HRESULT_FROM_WIN32(GetLastError()); }

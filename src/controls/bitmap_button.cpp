@@ -1,6 +1,5 @@
 #include <kexlib/controls/bitmap_button.h>
 #include <kexlib/imaging/dib.h>
-#include <kexlib/wtl_geometry.h>
 
 #include <wbzframe/themed_std_button.h>
 

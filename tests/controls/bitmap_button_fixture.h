@@ -115,8 +115,8 @@ class BitmapButtonControl : public testing::Test {
     button_->DoPaint(CDCHandle(picture.dc()), themed);
     return picture;
   }
-  WTL::CPoint middle() const {
-    CRect client;
+  POINT middle() const {
+    WTL::CRect client;
     button_->GetClientRect(client);
     return client.CenterPoint();
   }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <afxmt.h>
+#include <afxwin.h>
 
 #include <support/resource_counts.h>
 

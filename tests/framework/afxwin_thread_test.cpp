@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <afxmt.h>
+#include <afxwin.h>
 
 #include <support/expect_flat.h>
 #include <support/import_override.h>

@@ -8,6 +8,7 @@
 #include <atlapp.h>
 #include <atlctrls.h>
 #include <atlctrlx.h>
+#include <atlmisc.h>
 
 #include <support/picture.h>
 

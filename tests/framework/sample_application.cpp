@@ -381,14 +381,14 @@ void draw_label() {
   bitmap.CreateCompatibleBitmap(screen, 200, 40);
   HBITMAP previous = drawing.SelectBitmap(bitmap);
 
-  WTL::CRect label(0, 0, 200, 40);
+  CRect label(0, 0, 200, 40);
   drawing.FillRect(label, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
   label.InflateRect(-2, -2);
   drawing.FillRect(label, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
 
   WTL::CFont font;
   font = bold_font();
-  WTL::CRect shadow = label;
+  CRect shadow = label;
   shadow.OffsetRect(1, 1);
   HFONT previous_font = drawing.SelectFont(font);
   drawing.SetBkMode(TRANSPARENT);
@@ -408,7 +408,7 @@ void draw_label() {
   line.Format("label of %ld x %ld: frame %06lX, inside %06lX", label.Size().cx, label.Size().cy,
               GetPixel(drawing, 1, 1), GetPixel(copying, 195, 35));
   note(line);
-  note(label.CenterPoint() == WTL::CPoint(100, 20) && label == WTL::CRect(2, 2, 198, 38) ? "in the middle" : "aside");
+  note(label.CenterPoint() == CPoint(100, 20) && label == CRect(2, 2, 198, 38) ? "in the middle" : "aside");
   copying.SelectBitmap(previous_copy);
   drawing.SelectBitmap(previous);
 }

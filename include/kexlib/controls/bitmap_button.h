@@ -28,6 +28,7 @@
 
 #include <kexlib/export.h>
 #include <kexlib/windows.h>
+#include <kexlib/wtl_geometry.h>
 
 #include <atlbase.h>
 #include <atlapp.h>
