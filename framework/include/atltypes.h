@@ -2,8 +2,10 @@
 #ifndef FRAMEWORK_ATLTYPES_H
 #define FRAMEWORK_ATLTYPES_H
 
-#include <kexframework/geometry.h>
-
+// In this order: the text of the classes needs the types of Windows.
+// clang-format off
 #include <atldef.h>
+#include <kexframework/geometry.h>
+// clang-format on
 
 #endif

@@ -1,0 +1,82 @@
+#!/usr/bin/env python3
+"""What the real frameworks refuse is refused here: each mistake is planted into a small source.
+
+    strict_test.py REPOSITORY
+"""
+
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+REPOSITORY = Path(sys.argv.pop(1)).resolve()
+FLAGS = ["-std=c++20", "-D_WIN32_WINNT=0x0A00", *(f"-I{REPOSITORY / folder}" for folder in ("include", "framework/include"))]
+
+
+def compiled(*headers: str, text: str = "", arguments: tuple[str, ...] = ("-fsyntax-only",)) -> subprocess.CompletedProcess:
+    source = "".join(f"#include <{header}>\n" for header in headers) + text
+    return subprocess.run(["x86_64-w64-mingw32-g++-posix", *FLAGS, *arguments, "-x", "c++", "-"], input=source,
+                          capture_output=True, text=True)
+
+
+class Order(unittest.TestCase):
+    def refuses(self, sentence: str, *headers: str) -> None:
+        done = compiled(*headers)
+        self.assertNotEqual(done.returncode, 0, headers)
+        self.assertIn(sentence, done.stderr)
+
+    def accepts(self, *headers: str) -> None:
+        self.assertEqual(compiled(*headers).stderr, "")
+
+    def test_mfc_comes_before_windows_and_before_atl(self):
+        self.refuses("MFC's headers include windows.h themselves", "windows.h", "afxwin.h")
+        self.refuses("MFC's headers include windows.h themselves", "atlbase.h", "afx.h")
+        self.accepts("afxwin.h", "windows.h", "atlbase.h")
+
+    def test_a_header_of_kexlib_that_needs_mfc_says_so(self):
+        self.refuses("kexlib needs MFC, which must come before windows.h", "windows.h", "kexlib/text/tip_name.h")
+        self.accepts("afxwin.h", "windows.h", "kexlib/text/tip_name.h")
+
+    def test_headers_of_kexlib_may_come_in_any_order(self):
+        self.accepts("kexlib/messageloop/message_wait.h", "kexlib/text/tip_name.h")
+        self.accepts("kexlib/controls/button_menu.h", "kexlib/imaging/buffer.h")
+
+    def test_those_without_strings_need_no_mfc(self):
+        self.accepts("windows.h", "kexlib/messageloop/message_wait.h")
+        self.accepts("atlbase.h", "kexlib/controls/button_menu.h")
+
+    def test_wtl_wants_its_headers_in_order(self):
+        self.refuses("atlapp.h requires atlbase.h", "atlapp.h")
+        self.refuses("atlctrls.h requires atlapp.h", "atlbase.h", "atlctrls.h")
+        self.refuses("atlgdi.h requires atlapp.h", "atlbase.h", "atlgdi.h")
+        self.refuses("atldlgs.h requires atlapp.h", "atlbase.h", "atldlgs.h")
+        self.refuses("atlmisc.h requires atlapp.h", "atlbase.h", "atlmisc.h")
+        self.refuses("atlctrlx.h requires atlctrls.h", "atlbase.h", "atlapp.h", "atlctrlx.h")
+        self.accepts("atlbase.h", "atlapp.h", "atlctrls.h", "atlctrlx.h", "atlmisc.h", "atldlgs.h")
+
+    def test_geometry_has_its_name_in_both_versions_of_wtl(self):
+        for version in ("0x1000", "0x0910"):
+            done = compiled("kexlib/imaging/dib.h", text="WTL::CSize size; WTL::CPoint point; WTL::CRect rect;\n",
+                            arguments=("-fsyntax-only", f"-D_WTL_VER={version}"))
+            self.assertEqual(done.stderr, "", version)
+
+
+class Check(unittest.TestCase):
+    def check(self, *headers: str) -> subprocess.CompletedProcess:
+        with tempfile.TemporaryDirectory() as folder:
+            source = compiled(*headers, text="CString planted() { return CString(\"a\"); }\n",
+                              arguments=("-c", "-o", f"{folder}/planted.obj"))
+            self.assertEqual(source.stderr, "")
+            return subprocess.run([REPOSITORY / "scripts/check/strict", f"{folder}/planted.obj"], capture_output=True, text=True)
+
+    def test_finds_a_string_without_mfc(self):
+        done = self.check("atlstr.h")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("planted.obj: is built without MFC", done.stdout)
+
+    def test_accepts_one_with_mfc(self):
+        self.assertEqual(self.check("afx.h").returncode, 0)
+
+
+unittest.main(verbosity=2)
