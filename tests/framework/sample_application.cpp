@@ -383,7 +383,8 @@ void draw_label() {
 
   CRect label(0, 0, 200, 40);
   drawing.FillRect(label, static_cast<HBRUSH>(GetStockObject(BLACK_BRUSH)));
-  label.InflateRect(-2, -2);
+  label.DeflateRect(3, 3);
+  label.InflateRect(1, 1);
   drawing.FillRect(label, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
 
   WTL::CFont font;
@@ -408,7 +409,7 @@ void draw_label() {
   line.Format("label of %ld x %ld: frame %06lX, inside %06lX", label.Size().cx, label.Size().cy,
               GetPixel(drawing, 1, 1), GetPixel(copying, 195, 35));
   note(line);
-  note(label.CenterPoint() == CPoint(100, 20) && label == CRect(2, 2, 198, 38) ? "in the middle" : "aside");
+  note(label.PtInRect(label.CenterPoint()) && label == CRect(2, 2, 198, 38) ? "in the middle" : "aside");
   copying.SelectBitmap(previous_copy);
   drawing.SelectBitmap(previous);
 }
