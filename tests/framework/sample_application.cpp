@@ -409,7 +409,9 @@ void draw_label() {
   line.Format("label of %ld x %ld: frame %06lX, inside %06lX", label.Size().cx, label.Size().cy,
               GetPixel(drawing, 1, 1), GetPixel(copying, 195, 35));
   note(line);
-  note(label.PtInRect(label.CenterPoint()) && label == CRect(2, 2, 198, 38) ? "in the middle" : "aside");
+  const CPoint middle = label.CenterPoint();
+  note(label.PtInRect(middle) && middle == CPoint(100, 20) && label == CRect(2, 2, 198, 38) ? "in the middle"
+                                                                                            : "aside");
   copying.SelectBitmap(previous_copy);
   drawing.SelectBitmap(previous);
 }
