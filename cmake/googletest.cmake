@@ -7,7 +7,6 @@ endif()
 set(KEXLIB_GOOGLETEST_FOLDER "${googletest_of_debian}" CACHE PATH "GoogleTest's sources; empty: the package is used")
 if(KEXLIB_GOOGLETEST_FOLDER)
   set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-  set(gtest_force_shared_crt ON CACHE BOOL "" FORCE) # the run-time library that everything else has
   set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
   set(gtest_force_shared_crt ON CACHE BOOL "" FORCE) # the run-time library that everything else has
   add_subdirectory(${KEXLIB_GOOGLETEST_FOLDER} ${PROJECT_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
