@@ -1,5 +1,5 @@
-// MFC, ATL and their strings, in the order that their headers demand. The headers of kexlib include this one before any
-// other header of Windows; after it, a source may include windows.h and more of the frameworks.
+// MFC, ATL and their strings, in the order that their headers demand. The headers of kexlib that have a string or a
+// class of MFC in them include this one first; after it, a source may include windows.h and more of the frameworks.
 //
 // MFC must come before windows.h, and all that kexlib.dll exports is built with MFC: its CString is MFC's, and what
 // AtlThrow throws is MFC's. So include a header of kexlib, or <afxwin.h>, before <windows.h> and before ATL.

@@ -1,4 +1,3 @@
-
 #include <module/process_end.h>
 #include <support/common_controls.h>
 
