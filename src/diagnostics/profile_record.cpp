@@ -64,27 +64,26 @@ void Block::add_chunk(Arena& arena) {
   newest_chunk_ = chunk;
 }
 
-void ProfileRecord::push_front(std::atomic<ThreadRecord*>& bucket, ThreadRecord& record) {
-  ThreadRecord* head = bucket.load(std::memory_order_acquire);
-  do {
-    record.next_in_bucket_.store(head, std::memory_order_relaxed);
-  } while (!bucket.compare_exchange_weak(head, &record, std::memory_order_acq_rel));
-}
-
-void ProfileRecord::append(std::atomic<ThreadRecord*>& first, ThreadRecord& record) {
-  std::atomic<ThreadRecord*>* end = &first;
-  ThreadRecord* found = nullptr;
-  while (!end->compare_exchange_strong(found, &record, std::memory_order_acq_rel)) {
-    end = &found->next_;
-    found = nullptr;
-  }
-}
-
-ThreadRecord& ProfileRecord::add_thread(std::uint32_t id) {
+ThreadRecord& ProfileRecord::add_thread(std::uint32_t id, std::atomic<ThreadRecord*>* place, Way way) {
   ThreadRecord* const record = new ThreadRecord(id);
-  push_front(bucket(id), *record);
-  append(first_, *record);
+  ThreadRecord* taken_by = nullptr;
+  while (!place->compare_exchange_strong(taken_by, record, std::memory_order_acq_rel)) {
+    place = &taken_by->branches_[way.next(taken_by->branches_.size())];
+    taken_by = nullptr;
+  }
+  append(*record);
   return *record;
+}
+
+void ProfileRecord::append(ThreadRecord& record) {
+  ThreadRecord* last = near_last_.load(std::memory_order_acquire);
+  std::atomic<ThreadRecord*>* end = last ? &last->next_ : &first_;
+  last = nullptr;
+  while (!end->compare_exchange_strong(last, &record, std::memory_order_acq_rel)) {
+    end = &last->next_;
+    last = nullptr;
+  }
+  near_last_.store(&record, std::memory_order_release);
 }
 
 std::size_t ProfileRecord::memory() const {
@@ -95,7 +94,8 @@ std::size_t ProfileRecord::memory() const {
 
 void ProfileRecord::clear() {
   ThreadRecord* thread = first_.exchange(nullptr);
-  for (auto& bucket : buckets_) bucket.store(nullptr, std::memory_order_relaxed);
+  near_last_.store(nullptr, std::memory_order_relaxed);
+  for (auto& root : roots_) root.store(nullptr, std::memory_order_relaxed);
   while (thread) delete std::exchange(thread, thread->next_.load(std::memory_order_relaxed));
 }
 

@@ -11,6 +11,7 @@
 
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -190,11 +191,14 @@ class alignas(64) ThreadRecord {
   Arena arena_;
   Block root_{nullptr, {}};
   Block* current_ = &root_;
-  std::atomic<ThreadRecord*> next_in_bucket_{};
+  std::array<std::atomic<ThreadRecord*>, 4> branches_{};  // where other ids of the search tree are
   std::atomic<ThreadRecord*> next_{};
 };
 
 // All threads of a run, found by id, walked in the order of their first call.
+//
+// They are found in a digital search tree: each record on the way to an id takes some of its bits, so no way is longer
+// than an id has bits, and a new record is a leaf, which one compare-and-swap puts into an empty place.
 class ProfileRecord {
  public:
   constexpr ProfileRecord() = default;
@@ -204,9 +208,13 @@ class ProfileRecord {
 
   // The record of the thread `id`, created if there is none. Call it on that thread.
   ThreadRecord& thread(std::uint32_t id) {
-    ThreadRecord* record = bucket(id).load(std::memory_order_acquire);
-    while (record && record->id_ != id) record = record->next_in_bucket_.load(std::memory_order_acquire);
-    return record ? *record : add_thread(id);
+    Way way(id);
+    std::atomic<ThreadRecord*>* place = &roots_[way.next(root_count)];
+    while (ThreadRecord* const record = place->load(std::memory_order_acquire)) {
+      if (record->id_ == id) return *record;
+      place = &record->branches_[way.next(record->branches_.size())];
+    }
+    return add_thread(id, place, way);
   }
 
   const ThreadRecord* first_thread() const { return first_.load(std::memory_order_acquire); }
@@ -219,17 +227,28 @@ class ProfileRecord {
   void clear();
 
  private:
-  static constexpr std::size_t bucket_count = 1024;
+  static constexpr std::size_t root_count = 1024;
 
-  // Windows' thread ids are multiples of four.
-  std::atomic<ThreadRecord*>& bucket(std::uint32_t id) { return buckets_[id / 4 % bucket_count]; }
+  // The turns on the way to an id. Windows' thread ids are multiples of four, so the two lowest bits come last.
+  class Way {
+   public:
+    explicit Way(std::uint32_t id) : bits_(std::rotr(id, 2)) {}
+    std::size_t next(std::size_t branches) {
+      const std::size_t branch = bits_ % branches;
+      bits_ /= static_cast<std::uint32_t>(branches);
+      return branch;
+    }
 
-  ThreadRecord& add_thread(std::uint32_t id);
-  static void push_front(std::atomic<ThreadRecord*>& bucket, ThreadRecord& record);
-  static void append(std::atomic<ThreadRecord*>& first, ThreadRecord& record);
+   private:
+    std::uint32_t bits_;
+  };
 
-  std::array<std::atomic<ThreadRecord*>, bucket_count> buckets_{};
+  ThreadRecord& add_thread(std::uint32_t id, std::atomic<ThreadRecord*>* place, Way way);
+  void append(ThreadRecord& record);
+
+  std::array<std::atomic<ThreadRecord*>, root_count> roots_{};
   std::atomic<ThreadRecord*> first_{};
+  std::atomic<ThreadRecord*> near_last_{};  // the last one, but for those that are being appended
 };
 
 namespace bytes {

@@ -29,6 +29,12 @@ std::vector<std::int64_t> begins_of(const Block& block) {
   return begins;
 }
 
+std::vector<std::uint32_t> ids_of(const ProfileRecord& record) {
+  std::vector<std::uint32_t> ids;
+  for (const ThreadRecord* thread = record.first_thread(); thread; thread = thread->next()) ids.push_back(thread->id());
+  return ids;
+}
+
 // A platform whose thread and time the test sets, and which records the order of the calls.
 struct ScriptedPlatform {
   static std::uint32_t thread_id() {
@@ -199,15 +205,22 @@ TEST(ThreadRecord, CopiesTheName) {
   EXPECT_EQ(names_of(thread.first_block()), std::vector<std::string>{"before"});
 }
 
-TEST(ProfileRecord, KeepsThreadsInOrderOfTheirFirstCallAlsoWithinOneBucket) {
+TEST(ProfileRecord, KeepsThreadsInOrderOfTheirFirstCallAlsoWhereTheirIdsAreAlike) {
   OwnRecord record;
-  const std::vector<std::uint32_t> ids = {4096 * 7, 4, 4096 * 3, 4096 * 7 + 4, 0xFFFFFFFC};
+  const std::vector<std::uint32_t> ids = {4096 * 7, 4, 4096 * 3, 4096 * 7 + 4, 0xFFFFFFFC, 0, 0xFFFFFFFF, 1, 2, 3, 5};
   for (const std::uint32_t id : ids) record.thread(id);
   for (const std::uint32_t id : ids) EXPECT_EQ(record.thread(id).id(), id);
-  std::vector<std::uint32_t> found;
-  for (const ThreadRecord* thread = record.first_thread(); thread; thread = thread->next())
-    found.push_back(thread->id());
-  EXPECT_EQ(found, ids);
+  EXPECT_EQ(ids_of(record), ids);
+}
+
+// A cost that grows with the threads, for the search or for the place in the order, would take minutes here.
+TEST(ProfileRecord, TakesHundredsOfThousandsOfThreads) {
+  OwnRecord record;
+  std::vector<std::uint32_t> ids;
+  for (std::uint32_t i = 1; i <= 300000; ++i) ids.push_back(i * 4);
+  for (const std::uint32_t id : ids) record.thread(id);
+  for (const std::uint32_t id : ids) ASSERT_EQ(record.thread(id).id(), id);
+  EXPECT_EQ(ids_of(record), ids);
 }
 
 TEST(ProfileRecord, TakesThreadsThatStartAtTheSameTime) {
