@@ -1,9 +1,43 @@
 #include <kexlib/imaging/buffer.h>
 
+#include <algorithm>
+#include <array>
 #include <fstream>
 #include <new>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+namespace {
+
+// Calls write(bytes, count) until `count` zeros are written or it returns false.
+template <class Write>
+void write_zeros(unsigned __int64 count, Write write) {
+  static constexpr std::array<char, 64 * 1024> zeros{};
+  while (count > 0) {
+    const auto piece = static_cast<UINT>(std::min<unsigned __int64>(count, zeros.size()));
+    if (!write(zeros.data(), piece)) return;
+    count -= piece;
+  }
+}
+
+// Up to `length` bytes of an archive. The memory follows what it delivers, not what it promises.
+std::vector<char> delivered(CArchive& ar, DWORD length) {
+  constexpr size_t first_piece = size_t{64} * 1024;
+  std::vector<char> bytes;
+  for (size_t got = 0;;) {
+    bytes.resize(std::min<size_t>(length, std::max(first_piece, got * 2)));
+    const size_t asked = bytes.size() - got;
+    const UINT read = ar.Read(bytes.data() + got, static_cast<UINT>(asked));
+    got += read;
+    if (read < asked || got == length) {
+      bytes.resize(got);
+      return bytes;
+    }
+  }
+}
+
+}  // namespace
 
 kexBuffer::kexBuffer() = default;
 
@@ -18,6 +52,9 @@ std::shared_ptr<kexBuffer> kexBuffer::create_from_archive(CArchive& ar) {
 }
 
 void kexBuffer::write(const void* data, unsigned __int64 size) {
+  if (size == 0) return;
+  write_zeros(std::exchange(missing_, 0),
+              [this](const char* zeros, UINT count) -> bool { return static_cast<bool>(stream_.write(zeros, count)); });
   stream_.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
 }
 
@@ -27,13 +64,16 @@ bool kexBuffer::is_closed() const { return closed_; }
 
 bool kexBuffer::fail() const { return stream_.fail(); }
 
-unsigned __int64 kexBuffer::size() const { return closed_ ? stream_.view().size() : 0; }
+unsigned __int64 kexBuffer::size() const { return closed_ ? stream_.view().size() + missing_ : 0; }
 
 void kexBuffer::write_to_file(const CString& path) const try {
   wait_closed();
   const std::string_view bytes = stream_.view();
   std::ofstream file(path.GetString(), std::ios::binary | std::ios::trunc);  // allocates a buffer
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  if (missing_ == 0) return;
+  file.seekp(static_cast<std::streamoff>(missing_ - 1), std::ios::cur);  // the system fills a gap with zeros
+  file.put('\0');
 } catch (const std::bad_alloc&) {
 }
 
@@ -41,16 +81,21 @@ void kexBuffer::serialize(CArchive& ar) {
   if (ar.IsStoring()) {
     wait_closed();
     const std::string_view bytes = stream_.view();
-    const auto length = static_cast<DWORD>(bytes.size());
+    const auto length = static_cast<DWORD>(size());
+    const auto held = static_cast<DWORD>(std::min<unsigned __int64>(length, bytes.size()));
     ar << length;
-    ar.Write(bytes.data(), length);
+    ar.Write(bytes.data(), held);
+    write_zeros(length - held, [&ar](const char* zeros, UINT count) {
+      ar.Write(zeros, count);
+      return true;
+    });
     return;
   }
   DWORD length = 0;
   ar >> length;
-  std::vector<char> bytes(length);  // the zeros stay if the archive ends early
-  ar.Read(bytes.data(), length);
-  write(bytes.data(), length);
+  const std::vector<char> bytes = delivered(ar, length);
+  write(bytes.data(), bytes.size());
+  missing_ += length - bytes.size();
   close();
 }
 

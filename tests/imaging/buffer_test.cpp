@@ -133,6 +133,53 @@ TEST_F(Buffer, AnArchiveThatEndsWithinTheBytesGivesZerosForTheRest) {
   EXPECT_EQ(contents(*loaded(std::string("\5\0\0\0ab", 6))), std::string("ab\0\0\0", 5));
 }
 
+TEST_F(Buffer, ZerosForTheRestAreWrittenToAFile) {
+  loaded(std::string("\5\0\0\0ab", 6))->write_to_file("rest.bin");
+  EXPECT_EQ(read_file("rest.bin"), std::string("ab\0\0\0", 5));
+}
+
+TEST_F(Buffer, ZerosForTheRestStandBeforeWhatIsWrittenLater) {
+  auto buffer = loaded(std::string("\5\0\0\0ab", 6));
+  buffer->write("", 0);
+  EXPECT_EQ(buffer->size(), 5u);
+  buffer->write("c", 1);
+  EXPECT_EQ(buffer->size(), 6u);
+  EXPECT_EQ(contents(*buffer), std::string("ab\0\0\0c", 6));
+}
+
+TEST_F(Buffer, MoreZerosThanOnePieceOfThem) {
+  constexpr size_t length = 0x12345;
+  auto buffer = loaded(std::string("\x45\x23\1\0ab", 6));
+  std::string expected(length, '\0');
+  expected.replace(0, 2, "ab");
+  EXPECT_TRUE(contents(*buffer) == expected);
+  buffer->write("c", 1);
+  EXPECT_TRUE(contents(*buffer) == expected + "c");
+}
+
+// Four bytes promise 4 GiB: neither are they allocated, nor are they written as zeros.
+TEST_F(Buffer, AnArchiveThatPromisesMoreThanItDeliversCostsWhatItDelivers) {
+  const size_t before = most_memory();
+  auto buffer =
+      loaded(std::string("\xFF\xFF\xFF\xFF"
+                         "ab",
+                         6));
+  EXPECT_LT(most_memory(), before + (size_t{64} << 20));
+  EXPECT_TRUE(buffer->is_closed());
+  EXPECT_FALSE(buffer->fail());
+  EXPECT_EQ(buffer->size(), 0xFFFFFFFFu);
+}
+
+TEST_F(Buffer, LoadsAsManyBytesAsThePiecesThatItReads) {
+  for (const size_t length : {0x10000u, 0x10001u, 0x20000u, 0x20001u, 0x50000u}) {
+    std::string bytes(length, '\0');
+    for (size_t i = 0; i < length; ++i) bytes[i] = static_cast<char>(i * 7 / 3);
+    const auto buffer = loaded(stored(*buffer_with(bytes)));
+    EXPECT_EQ(buffer->size(), length);
+    EXPECT_TRUE(contents(*buffer) == bytes) << length;
+  }
+}
+
 TEST_F(Buffer, AnArchiveThatEndsWithinTheLengthThrowsAndLeavesTheBufferOpen) {
   CMemFile file;
   file.Write("\5\0\0", 3);

@@ -97,9 +97,13 @@ int count_heap_blocks() {
   return count;
 }
 
-size_t count_memory() {
+static PROCESS_MEMORY_COUNTERS memory_counters() {
   PROCESS_MEMORY_COUNTERS counters = {};
   counters.cb = sizeof counters;
   GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-  return counters.PagefileUsage;
+  return counters;
 }
+
+size_t count_memory() { return memory_counters().PagefileUsage; }
+
+size_t most_memory() { return memory_counters().PeakWorkingSetSize; }

@@ -17,6 +17,9 @@ int count_windows();
 // Private bytes of the process: too coarse to find small leaks.
 size_t count_memory();
 
+// The most physical memory that the process has had at once, in bytes.
+size_t most_memory();
+
 // Blocks of all heaps of this process.
 int count_heap_blocks();
 

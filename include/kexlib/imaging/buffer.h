@@ -12,6 +12,10 @@
 //
 // In an archive a buffer is a 32-bit little-endian length, followed by that number of bytes. The length of a buffer of
 // 4 GiB or more is truncated to 32 bits.
+//
+// An untrusted archive may promise up to 4 GiB and deliver less. Loading it takes time and memory for what is
+// delivered; the zeros of the rest take neither before they are used. Compare size() with the largest buffer that you
+// expect before you write it to a file, store it, or write to it.
 #ifndef KEXLIB_IMAGING_BUFFER_H
 #define KEXLIB_IMAGING_BUFFER_H
 
@@ -70,6 +74,7 @@ class KEXLIB_API kexBuffer {
 
   std::ostringstream stream_;
   std::atomic<bool> closed_{false};
+  unsigned __int64 missing_ = 0;  // the zeros after the stream's bytes, which an archive promised and did not deliver
 };
 
 /// Returns a new, empty, open buffer.
