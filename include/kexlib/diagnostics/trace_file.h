@@ -10,7 +10,8 @@
 // open when kexlib.dll is unloaded, it is closed with its footer.
 //
 // Errors. None is reported and nothing is thrown. A line whose file cannot be created is lost; the next line tries
-// again, with a new name.
+// again, with a new name. That attempt takes some hundred microseconds: where the desktop folder may not be writable,
+// switch tracing off around a loop that traces often.
 //
 // Threads. No lock is taken: trace, switch and close from one thread at a time.
 #ifndef KEXLIB_DIAGNOSTICS_TRACE_FILE_H
