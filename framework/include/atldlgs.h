@@ -8,7 +8,7 @@
 //         MESSAGE_HANDLER(WM_INITDIALOG, OnInitDialog)
 //         CHAIN_MSG_MAP(CPropertyPageImpl<NamePage>)      // calls OnApply and the others
 //       END_MSG_MAP()
-//       BOOL OnApply() { ... return TRUE; }
+//       int OnApply() { ... return PSNRET_NOERROR; }
 //     };
 //
 //     NamePage name;
@@ -30,6 +30,12 @@
 #include <memory>
 #include <utility>
 #include <vector>
+
+// Since version 10 the answer of a page's handler is the result of the notification.
+// _WTL_FORCE_OLD_PAGE_NOTIFY_HANDLERS keeps the answers of 9.1.
+#if _WTL_VER >= 0x1000 && !defined(_WTL_FORCE_OLD_PAGE_NOTIFY_HANDLERS) && !defined(_WTL_NEW_PAGE_NOTIFY_HANDLERS)
+#define _WTL_NEW_PAGE_NOTIFY_HANDLERS
+#endif
 
 namespace WTL {
 
@@ -239,15 +245,20 @@ class CPropertyPageWindow : public ATL::CWindow {
 // destroyed.
 //
 // T may have, instead of those below:
-//     BOOL OnSetActive();       // the page is about to be shown; FALSE: skip it
-//     BOOL OnKillActive();      // about to be left; FALSE: stay on it
-//     BOOL OnApply();           // OK or Apply; FALSE: keep the sheet open on its page
-//     void OnReset();           // the sheet is cancelled
-//     BOOL OnQueryCancel();     // FALSE: do not cancel
-//     int OnWizardBack();       // 0: go; -1: stay; otherwise the dialog identifier of the page to go to
-//     int OnWizardNext();       // the same
-//     BOOL OnWizardFinish();    // FALSE: keep the wizard open
-//     void OnHelp();            // the help button
+//     int OnSetActive();         // about to be shown; 0: show it; -1: skip it; otherwise the dialog identifier of
+//                                // the page to show instead
+//     BOOL OnKillActive();       // about to be left; TRUE: stay on it
+//     int OnApply();             // OK or Apply; PSNRET_NOERROR; PSNRET_INVALID: keep the sheet open and go back to
+//                                // this page; PSNRET_INVALID_NOCHANGEPAGE: keep it open on its page
+//     void OnReset();            // the sheet is cancelled
+//     BOOL OnQueryCancel();      // TRUE: do not cancel
+//     int OnWizardBack();        // 0: go; -1: stay; otherwise the dialog identifier of the page to go to
+//     int OnWizardNext();        // the same
+//     INT_PTR OnWizardFinish();  // 0: finish; otherwise keep the wizard open
+//     void OnHelp();             // the help button
+//
+// In version 9.1 OnSetActive, OnKillActive, OnApply, OnQueryCancel and OnWizardFinish return a BOOL: TRUE agrees, FALSE
+// refuses. A handler that returns the answer of this class agrees in both.
 template <class T, class TBase = CPropertyPageWindow>
 class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   using Dialog = ATL::CDialogImplBaseT<TBase>;
@@ -272,14 +283,22 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   operator PROPSHEETPAGE*() { return &m_psp; }
   HPROPSHEETPAGE Create() { return ::CreatePropertySheetPage(&m_psp); }
 
+#ifdef _WTL_NEW_PAGE_NOTIFY_HANDLERS
+  int OnSetActive() { return 0; }
+  BOOL OnKillActive() { return FALSE; }
+  int OnApply() { return PSNRET_NOERROR; }
+  BOOL OnQueryCancel() { return FALSE; }
+  INT_PTR OnWizardFinish() { return 0; }
+#else
   BOOL OnSetActive() { return TRUE; }
   BOOL OnKillActive() { return TRUE; }
   BOOL OnApply() { return TRUE; }
-  void OnReset() {}
   BOOL OnQueryCancel() { return TRUE; }
+  BOOL OnWizardFinish() { return TRUE; }
+#endif
+  void OnReset() {}
   int OnWizardBack() { return 0; }
   int OnWizardNext() { return 0; }
-  BOOL OnWizardFinish() { return TRUE; }
   void OnHelp() {}
 
   BEGIN_MSG_MAP(CPropertyPageImpl)
@@ -292,22 +311,22 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
     T& page = static_cast<T&>(*this);
     if (header.hwndFrom == ::GetParent(this->m_hWnd)) switch (header.code) {
         case PSN_SETACTIVE:
-          return page.OnSetActive() ? 0 : -1;
+          return result_of(page.OnSetActive(), -1);
         case PSN_KILLACTIVE:
-          return !page.OnKillActive();
+          return result_of(page.OnKillActive(), TRUE);
         case PSN_APPLY:
-          return page.OnApply() ? PSNRET_NOERROR : PSNRET_INVALID_NOCHANGEPAGE;
+          return result_of(page.OnApply(), PSNRET_INVALID_NOCHANGEPAGE);
         case PSN_RESET:
           page.OnReset();
           return 0;
         case PSN_QUERYCANCEL:
-          return !page.OnQueryCancel();
+          return result_of(page.OnQueryCancel(), TRUE);
         case PSN_WIZBACK:
           return page.OnWizardBack();
         case PSN_WIZNEXT:
           return page.OnWizardNext();
         case PSN_WIZFINISH:
-          return !page.OnWizardFinish();
+          return result_of(page.OnWizardFinish(), TRUE);
         case PSN_HELP:
           page.OnHelp();
           return 0;
@@ -321,6 +340,15 @@ class CPropertyPageImpl : public ATL::CDialogImplBaseT<TBase> {
   PROPSHEETPAGE m_psp;
 
  private:
+  // The result of a notification from the answer of a handler.
+  static LRESULT result_of(INT_PTR answer, [[maybe_unused]] LRESULT refusal) {
+#ifdef _WTL_NEW_PAGE_NOTIFY_HANDLERS
+    return answer;
+#else
+    return answer ? 0 : refusal;
+#endif
+  }
+
   // WM_INITDIALOG contains the object. From then on the object handles the messages of the page.
   static INT_PTR CALLBACK StartPageProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam) {
     if (uMsg != WM_INITDIALOG) return FALSE;

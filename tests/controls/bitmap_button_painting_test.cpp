@@ -21,7 +21,7 @@ TEST_F(BitmapButtonControl, ShowsItsPictureInTheMiddle) {
   make(kexBtnTypePlain);
   EXPECT_EQ(color(), orange);
   EXPECT_FALSE(is_shifted(false));
-  const CPoint at = middle();
+  const WTL::CPoint at = middle();
   EXPECT_EQ(paint(false).at(at.x - 8, at.y), GetSysColor(COLOR_BTNFACE)) << "magenta became the face";
   EXPECT_EQ(paint(false).at(at.x - 9, at.y), behind);
 }

@@ -123,7 +123,7 @@ TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
 
 TEST_F(BitmapButtonControl, TakesTheSizeOfItsPictureOnlyWhereItIsAsked) {
   const auto size = [&] {
-    CRect rect;
+    WTL::CRect rect;
     ::GetWindowRect(window(), rect);
     return std::pair{rect.Width(), rect.Height()};
   };

@@ -1,9 +1,14 @@
 #!/usr/bin/env python3
 """What the real frameworks refuse is refused here: each mistake is planted into a small source.
 
-    strict_test.py REPOSITORY
+    strict_test.py REPOSITORY BUILD
 """
 
+import concurrent.futures
+import json
+import os
+import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -11,6 +16,7 @@ import unittest
 from pathlib import Path
 
 REPOSITORY = Path(sys.argv.pop(1)).resolve()
+BUILD = Path(sys.argv.pop(1)).resolve()
 FLAGS = ["-std=c++20", "-D_WIN32_WINNT=0x0A00", *(f"-I{REPOSITORY / folder}" for folder in ("include", "framework/include"))]
 
 
@@ -55,11 +61,43 @@ class Order(unittest.TestCase):
         self.refuses("atlctrlx.h requires atlctrls.h", "atlbase.h", "atlapp.h", "atlctrlx.h")
         self.accepts("atlbase.h", "atlapp.h", "atlctrls.h", "atlctrlx.h", "atlmisc.h", "atldlgs.h")
 
-    def test_geometry_has_its_name_in_both_versions_of_wtl(self):
+
+class Versions(unittest.TestCase):
+    """WTL 9.1 (_WTL_VER=0x0910) beside 10, which the build has."""
+
+    def compiles(self, arguments: str, *headers: str, text: str) -> None:
+        self.assertEqual(compiled(*headers, text=text, arguments=("-fsyntax-only", *arguments.split())).stderr, "", arguments)
+
+    def test_geometry_has_its_name_in_both(self):
         for version in ("0x1000", "0x0910"):
-            done = compiled("kexlib/imaging/dib.h", text="WTL::CSize size; WTL::CPoint point; WTL::CRect rect;\n",
-                            arguments=("-fsyntax-only", f"-D_WTL_VER={version}"))
-            self.assertEqual(done.stderr, "", version)
+            self.compiles(f"-D_WTL_VER={version}", "kexlib/imaging/dib.h",
+                          text="WTL::CSize size; WTL::CPoint point; WTL::CRect rect;\n")
+
+    def test_a_switch_of_version_10_keeps_the_answers_of_pages(self):
+        headers = ("atlbase.h", "atlapp.h", "atldlgs.h")
+        answers = "static_assert(std::is_same_v<decltype(CPropertyPage<1>().OnWizardFinish()), %s>);\n"
+        self.compiles("-D_WTL_VER=0x1000", *headers, text=answers % "INT_PTR")
+        self.compiles("-D_WTL_FORCE_OLD_PAGE_NOTIFY_HANDLERS", *headers, text=answers % "BOOL")
+        self.compiles("-D_WTL_VER=0x0910", *headers, text=answers % "BOOL")
+
+    def test_what_differs_compiles_in_both(self):
+        """The sources that use pages or geometry, in the version that the build does not have. framework_wtl_9_1_tests has
+        the framework's own tests of them."""
+        differs = re.compile(r"\b(CSize|CPoint|CRect|CPropertyPage\w*|CPropertySheet\w*)\b")
+        units = [entry for entry in json.loads((BUILD / "compile_commands.json").read_text())
+                 if entry["file"].endswith(".cpp") and "tests/framework/" not in entry["file"]
+                 and differs.search(Path(entry["file"]).read_text())]
+        names = {str(Path(unit["file"]).relative_to(REPOSITORY)) for unit in units}
+        self.assertLessEqual({"src/dialogs/wizard_dialog.cpp", "src/imaging/dib.cpp", "tests/imaging/dib_test.cpp",
+                              "examples/gallery/pages/wizard_dialog_page.cpp"}, names)
+
+        def faults(unit: dict) -> str:
+            words = [word for word in shlex.split(unit["command"]) if not word.endswith("ccache")]
+            words[words.index("-o"):words.index("-o") + 2] = ["-fsyntax-only", "-U_WTL_VER", "-D_WTL_VER=0x0910"]
+            return subprocess.run(words, cwd=unit["directory"], capture_output=True, text=True).stderr
+
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            self.assertEqual("".join(pool.map(faults, units)), "")
 
 
 class Check(unittest.TestCase):

@@ -20,6 +20,13 @@ constexpr int next_button = 0x3024;
 // The notifications of the pages, by name.
 std::string told;
 
+// The answers of a page, which are others in WTL 10 than in 9.1.
+#ifdef _WTL_NEW_PAGE_NOTIFY_HANDLERS
+constexpr int agrees = 0, skips = -1, refuses = TRUE, does_not_apply = PSNRET_INVALID_NOCHANGEPAGE;
+#else
+constexpr int agrees = TRUE, skips = FALSE, refuses = FALSE, does_not_apply = FALSE;
+#endif
+
 // A page with configurable answers.
 template <int t_idd>
 class Page : public CPropertyPageImpl<Page<t_idd>> {
@@ -42,26 +49,26 @@ class Page : public CPropertyPageImpl<Page<t_idd>> {
   }
   LRESULT OnOtherApply(int, LPNMHDR, BOOL&) { return 12345; }
 
-  BOOL OnSetActive() { return tell("active"), active; }
+  int OnSetActive() { return tell("active"), active; }
   BOOL OnKillActive() { return tell("kill"), kill; }
-  BOOL OnApply() { return tell("apply"), apply; }
+  int OnApply() { return tell("apply"), apply; }
   void OnReset() { tell("reset"); }
   BOOL OnQueryCancel() {
     tell("cancel?");
-    return std::exchange(cancel, TRUE);
+    return std::exchange(cancel, agrees);
   }
   int OnWizardBack() { return tell("back"), back; }
   int OnWizardNext() {
     tell("next");
     return std::exchange(next, 0);
   }
-  BOOL OnWizardFinish() {
+  auto OnWizardFinish() -> decltype(Impl().OnWizardFinish()) {
     tell("finish");
-    return std::exchange(finish, TRUE);
+    return std::exchange(finish, agrees);
   }
   void OnHelp() { tell("help"); }
 
-  BOOL active = TRUE, kill = TRUE, apply = TRUE, cancel = TRUE, finish = TRUE;
+  int active = agrees, kill = agrees, apply = agrees, cancel = agrees, finish = agrees;
   int back = 0, next = 0;
 
  private:
@@ -181,25 +188,33 @@ TEST_F(PropertySheetsOnScreen, CancelResetsThePagesThatWereThere) {
 }
 
 TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeCancelled) {
-  first.cancel = FALSE;
+  first.cancel = refuses;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.press(PSBTN_CANCEL), [] { told += "still there, "; }}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 cancel?, still there, 1 cancel?, 1 reset, ");
 }
 
 TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeLeft) {
-  first.kill = FALSE;
+  first.kill = refuses;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.go_to(1), sheet.expect_page(0), sheet.press(PSBTN_OK), sheet.expect_page(0)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 1 kill, 1 cancel?, 1 reset, ");
 }
 
 TEST_F(PropertySheetsOnScreen, APageMayRefuseToBeApplied) {
-  first.apply = FALSE;
+  first.apply = does_not_apply;
   add_pages();
   EXPECT_EQ(sheet.run({sheet.press(PSBTN_OK), sheet.expect_page(0)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 kill, 1 apply, 1 cancel?, 1 reset, ");
 }
+
+#ifdef _WTL_NEW_PAGE_NOTIFY_HANDLERS
+TEST_F(PropertySheetsOnScreen, APageThatIsNotAppliedMayCallTheUserBack) {
+  first.apply = PSNRET_INVALID;
+  add_pages();
+  EXPECT_EQ(sheet.run({sheet.go_to(1), sheet.press(PSBTN_OK), sheet.expect_page(0)}), 0);
+}
+#endif
 
 TEST_F(PropertySheetsOnScreen, APageKnowsItsSheet) {
   add_pages();
@@ -386,16 +401,25 @@ TEST_F(PropertySheetsOnScreen, APageOfAWizardMayKeepTheUserOrSendHimElsewhere) {
 
 TEST_F(PropertySheetsOnScreen, APageThatDoesNotWantToBeActiveIsPassedOver) {
   add_wizard_pages();
-  second.active = FALSE;
+  second.active = skips;
   sheet.run({sheet.press(PSBTN_NEXT), sheet.expect_page(2)});
   EXPECT_EQ(told,
             "1 init, 1 active, 1 next, 1 kill, 2 init, 2 active, 3 init, 3 active, 3 cancel?, 1 reset, 2 reset, "
             "3 reset, ");
 }
 
+#ifdef _WTL_NEW_PAGE_NOTIFY_HANDLERS
+TEST_F(PropertySheetsOnScreen, APageMayNameThePageToShowInstead) {
+  add_wizard_pages();
+  second.active = IDD_FIRST_PAGE;
+  sheet.run({sheet.press(PSBTN_NEXT), sheet.expect_page(0)});
+  EXPECT_EQ(told, "1 init, 1 active, 1 next, 1 kill, 2 init, 2 active, 1 active, 1 cancel?, 1 reset, 2 reset, ");
+}
+#endif
+
 TEST_F(PropertySheetsOnScreen, APageMayRefuseToFinish) {
   add_wizard_pages();
-  first.finish = FALSE;
+  first.finish = refuses;
   EXPECT_GT(sheet.run({sheet.press(PSBTN_FINISH), sheet.expect_page(0), sheet.press(PSBTN_FINISH)}), 0);
   EXPECT_EQ(told, "1 init, 1 active, 1 finish, 1 finish, ");
 }
@@ -429,7 +453,7 @@ TEST_F(PropertySheetsOnScreen, AModelessOneGoesWhenItIsClosed) {
 }
 
 TEST_F(PropertySheetsOnScreen, AModelessOneThatMayNotBeClosedStays) {
-  first.cancel = FALSE;
+  first.cancel = refuses;
   CPropertySheet modeless("Modeless");
   EXPECT_TRUE(modeless.AddPage(first));
   modeless.Create();

@@ -1,4 +1,4 @@
-// WTL's geometry is ATL's, in sources with WTL alone.
+// WTL's geometry, in sources with WTL alone: ATL's since version 10.
 #include <gtest/gtest.h>
 
 #include <atlbase.h>
@@ -7,6 +7,10 @@
 
 namespace {
 
+#if _WTL_VER >= 0x1000
 TEST(WtlGeometry, IsAtGlobalScope) { EXPECT_EQ(::CRect(::CPoint(1, 2), ::CSize(3, 4)).Size(), ::CSize(3, 4)); }
+#else
+TEST(WtlGeometry, IsInWtl) { EXPECT_EQ(WTL::CRect(WTL::CPoint(1, 2), WTL::CSize(3, 4)).Size(), WTL::CSize(3, 4)); }
+#endif
 
 }  // namespace

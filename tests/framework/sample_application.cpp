@@ -76,6 +76,7 @@ struct Settings {
   int size = 0;
 };
 
+// The answers of the pages are those of both WTL 9.1 and 10: a handler that agrees returns the answer of the base.
 template <class T>
 class CSettingsPage : public WTL::CPropertyPageImpl<T> {
  public:
@@ -104,9 +105,9 @@ class CNamePage : public CSettingsPage<CNamePage> {
     GetDlgItem(IDC_NAME).SetWindowText(m_settings.name);
     return TRUE;
   }
-  BOOL OnApply() {
+  int OnApply() {
     m_settings.name = text(IDC_NAME);
-    return TRUE;
+    return CSettingsPage::OnApply();
   }
 };
 
@@ -123,11 +124,11 @@ class CSizePage : public CSettingsPage<CSizePage> {
   BOOL OnKillActive() {
     bool good = atoi(text(IDC_WIDTH)) > 0;
     note(CString("size page left with '") + text(IDC_WIDTH) + (good ? "'" : "': refused"));
-    return good;
+    return good ? CSettingsPage::OnKillActive() : !CSettingsPage::OnKillActive();
   }
-  BOOL OnApply() {
+  int OnApply() {
     m_settings.size = atoi(text(IDC_WIDTH));
-    return TRUE;
+    return CSettingsPage::OnApply();
   }
 };
 

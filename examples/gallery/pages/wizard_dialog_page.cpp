@@ -17,7 +17,8 @@ struct Part : kexWizardExchangeBase {
   bool in_library = false;
 };
 
-// A page with the part that all pages share.
+// A page with the part that all pages share. Its handlers agree by the answer of their base: WTL 9.1 and 10 have
+// different ones.
 template <class T, int identifier>
 class PartPage : public WTL::CPropertyPageImpl<T>, public kexWizardPageInfoHolder {
  public:
@@ -36,9 +37,9 @@ class NamePage : public PartPage<NamePage, IDD_PART_NAME> {
     CHAIN_MSG_MAP(WTL::CPropertyPageImpl<NamePage>)
   END_MSG_MAP()
 
-  BOOL OnSetActive() {
+  int OnSetActive() {
     GetPropertySheet().SetWizardButtons(PSWIZB_NEXT | PSWIZB_FINISH);
-    return TRUE;
+    return PartPage::OnSetActive();
   }
   // Without a name, the wizard stays on this page.
   int OnWizardNext() {
@@ -59,9 +60,9 @@ class PlacePage : public PartPage<PlacePage, IDD_PART_PLACE> {
     ::CheckRadioButton(m_hWnd, IDC_IN_PROJECT, IDC_IN_LIBRARY, IDC_IN_PROJECT);
     return TRUE;
   }
-  BOOL OnSetActive() {
+  int OnSetActive() {
     GetPropertySheet().SetWizardButtons(PSWIZB_BACK | PSWIZB_NEXT | PSWIZB_FINISH);
-    return TRUE;
+    return PartPage::OnSetActive();
   }
   int OnWizardNext() {
     part->in_library = ::IsDlgButtonChecked(m_hWnd, IDC_IN_LIBRARY) == BST_CHECKED;
@@ -76,11 +77,12 @@ class SummaryPage : public PartPage<SummaryPage, IDD_PART_SUMMARY> {
     CHAIN_MSG_MAP(WTL::CPropertyPageImpl<SummaryPage>)
   END_MSG_MAP()
 
-  BOOL OnSetActive() {
+  int OnSetActive() {
     GetPropertySheet().SetWizardButtons(PSWIZB_BACK | PSWIZB_FINISH);
     CString text = "Finish makes the part \"" + part->name + "\" ";
     text += part->in_library ? "in the library." : "in the project.";
-    return ::SetDlgItemText(m_hWnd, IDC_PART_SUMMARY, text);
+    ::SetDlgItemText(m_hWnd, IDC_PART_SUMMARY, text);
+    return PartPage::OnSetActive();
   }
 };
 
