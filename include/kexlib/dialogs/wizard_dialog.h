@@ -10,9 +10,23 @@
 //       ...
 //     };
 //
+//     class PartWizard : public kexWizardDialog {        // wide enough for its row of buttons
+//      public:
+//       using kexWizardDialog::kexWizardDialog;
+//
+//      protected:
+//       void OnSheetInitialized2() override {
+//         RECT window, finish;
+//         GetWindowRect(&window);
+//         GetDlgItem(ID_WIZFINISH).GetWindowRect(&finish);             // <afxres.h>
+//         SetWindowPos(nullptr, 0, 0, finish.right + 12 - window.left, window.bottom - window.top,
+//                      SWP_NOMOVE | SWP_NOZORDER);
+//       }
+//     };
+//
 //     NamePage name;
 //     PlacePage place;
-//     kexWizardDialog wizard("New part", 0, frame);
+//     PartWizard wizard("New part", 0, frame);
 //     wizard.add_page(name);
 //     wizard.add_page(place);
 //     wizard.put_user_object(std::make_shared<PartData>());
@@ -27,7 +41,11 @@
 //   - Arial of 12 points for the sheet itself; its buttons keep their font
 //   - centring when it is shown for the first time
 //   - the order of the buttons: Help, Cancel, Back, Next, Finish, with gaps of 6 pixels, beginning 6 pixels to the
-//     right of the place of Back. The last ones are outside the window: widen it in OnSheetInitialized2
+//     right of the place of Back. The last ones are outside the window: widen it in OnSheetInitialized2, as above
+//
+// Finish. The button stands on every page; SetWizardButtons in OnSetActive enables it where the user may finish. Which
+// button the Enter key presses is the system's choice and is not documented: it may be Finish on any page. So each page
+// checks its input in OnWizardFinish too, or reads it in OnKillActive.
 //
 // Help. F1 and the "?" call CWinApp::WinHelpInternal of the program with the page's dialog identifier + 0x20000 and
 // HELP_CONTEXT. The page is found by its index among those of add_page: pages that are added past it, or refused by the

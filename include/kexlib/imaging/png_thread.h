@@ -1,10 +1,15 @@
 // PNG generation thread: encodes an image as PNG on a worker thread, to a file, or to a buffer and a file.
 //
+//     std::unique_ptr<hnDuctImage> image(rq_duct_image_from_dib(drawing.bitmap()));   // of a pvWindowDIB, for instance
 //     auto buffer = kexBuffer_create();
 //     kexPNGGenerationThread job(std::move(image), "picture.png", buffer);
 //     job.Resume();                                                     // the thread is created suspended
 //     ...                                                               // other threads wait for the buffer
 //     job.Join(INFINITE);                                               // before the object is destroyed
+//
+// The image. rq_duct_image_from_dib (<rqgfx/duct_image.h>) copies any bottom-up DIB section of 32 bits: the bitmap of a
+// pvWindowDIB (<pvwnd/window_dib.h>), to draw on with GDI, or of a class that is derived from kexWTLDIB (m_bitmap).
+// Call GdiFlush after drawing. Or fill an hnDuctImage row by row. A screenshot needs no image: see screen_capture.h.
 //
 // The thread uses the object while it runs. The destructor does not wait for it.
 #ifndef KEXLIB_IMAGING_PNG_THREAD_H

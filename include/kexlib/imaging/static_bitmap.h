@@ -11,6 +11,8 @@
 //
 // Errors. None is reported. If a bitmap cannot be loaded, the control shows nothing.
 //
+// Loading an image file starts GDI+ and stops it again (CImage); a program need do neither.
+//
 // Threads. Use it on the thread of the control's window, and not in DllMain: GDI+ cannot be started there.
 #ifndef KEXLIB_IMAGING_STATIC_BITMAP_H
 #define KEXLIB_IMAGING_STATIC_BITMAP_H
