@@ -148,6 +148,7 @@ class CListViewCtrlT : public TBase {
     description.pszText = const_cast<LPTSTR>(text);
     return number(LVM_INSERTITEM, 0, &description);
   }
+  BOOL DeleteAllItems() noexcept { return number(LVM_DELETEALLITEMS); }
   BOOL SetItemText(int item, int subitem, LPCTSTR text) noexcept {
     LVITEM description{};
     description.iSubItem = subitem;

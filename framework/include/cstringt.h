@@ -6,9 +6,11 @@
 #include <atlsimpstr.h>
 #include <mbstring.h>
 
+#include <cctype>
 #include <compare>
 #include <cstdarg>
 #include <cstdio>
+#include <cwctype>
 
 namespace ATL {
 
@@ -166,6 +168,21 @@ class CStringT : public CSimpleStringT<BaseType> {
   }
   CStringT Mid(int first) const { return Mid(first, this->GetLength()); }
   CStringT Left(int count) const { return Mid(0, count); }
+
+  // Removes white space at both ends.
+  CStringT& Trim() {
+    const auto is_space = [this](int at) {
+      if constexpr (sizeof(XCHAR) == sizeof(WCHAR))
+        return std::iswspace(this->GetString()[at]) != 0;
+      else
+        return std::isspace(static_cast<unsigned char>(this->GetString()[at])) != 0;
+    };
+    int first = 0, end = this->GetLength();
+    while (first < end && is_space(first)) ++first;
+    while (end > first && is_space(end - 1)) --end;
+    if (end - first < this->GetLength()) *this = Mid(first, end - first);
+    return *this;
+  }
 
   // Replaces every occurrence and returns how many there were. An empty old text replaces nothing; a null new text
   // deletes the old one.

@@ -1,9 +1,6 @@
 #include <kexlib/dialogs/wizard_dialog.h>
 
-// The identifiers of the system's property sheets.
-#define ID_WIZBACK 0x3023
-#define ID_WIZNEXT 0x3024
-#define ID_WIZFINISH 0x3025
+#include <afxres.h>
 
 namespace kexlib {
 

@@ -6,6 +6,7 @@
 
 #include <kexlib/dialogs/wizard_dialog.h>
 
+#include <afxres.h>
 #include <afxwin.h>
 
 #include <dialogs/dialog_driver.h>
@@ -18,8 +19,7 @@
 #include <utility>
 #include <vector>
 
-constexpr int back_button = 0x3023, next_button = 0x3024, finish_button = 0x3025;
-constexpr int row[] = {IDHELP, IDCANCEL, back_button, next_button, finish_button};
+constexpr int row[] = {IDHELP, IDCANCEL, ID_WIZBACK, ID_WIZNEXT, ID_WIZFINISH};
 
 template <int t_idd>
 class Page : public WTL::CPropertyPageImpl<Page<t_idd>>, public kexWizardPageInfoHolder {

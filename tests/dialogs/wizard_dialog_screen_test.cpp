@@ -60,12 +60,12 @@ Step click_on_page(int page, int button) {
 TEST_F(WizardOnScreen, GoesForthAndBackAndFinishesByTheMouse) {
   wizard.initialized = [this] { widen(wizard); };
   add_pages(wizard);
-  EXPECT_GT(run(wizard, {click_on_page(0, next_button), click_on_page(1, back_button), click_on_page(0, next_button),
-                         click_on_page(1, next_button), wait_for_page(2), take_picture("wizard_widened"),
-                         click_on_page(2, finish_button)}),
+  EXPECT_GT(run(wizard, {click_on_page(0, ID_WIZNEXT), click_on_page(1, ID_WIZBACK), click_on_page(0, ID_WIZNEXT),
+                         click_on_page(1, ID_WIZNEXT), wait_for_page(2), take_picture("wizard_widened"),
+                         click_on_page(2, ID_WIZFINISH)}),
             0);
   add_pages(wizard);
-  EXPECT_EQ(run(wizard, {click_on_page(0, next_button), click_on_page(1, IDCANCEL)}), 0);
+  EXPECT_EQ(run(wizard, {click_on_page(0, ID_WIZNEXT), click_on_page(1, IDCANCEL)}), 0);
 }
 
 TEST_F(WizardOnScreen, GoesForthAndBackByTheKeyboard) {

@@ -142,6 +142,9 @@ TEST_F(Controls, ListView) {
   EXPECT_EQ(list.GetNextItem(-1, LVNI_SELECTED), 1);
   EXPECT_EQ(list.GetNextItem(1, LVNI_SELECTED), 3);
   EXPECT_EQ(list.GetNextItem(3, LVNI_SELECTED), -1);
+
+  EXPECT_TRUE(list.DeleteAllItems());
+  EXPECT_EQ(list.GetItemCount(), 0);
 }
 
 TEST_F(Controls, TreeView) {

@@ -1,6 +1,7 @@
 // WTL's property sheets and wizards, with the system's.
 #include <gtest/gtest.h>
 
+#include <afxres.h>
 #include <atlbase.h>
 #include <atlapp.h>
 #include <atldlgs.h>
@@ -14,8 +15,6 @@
 #include <string>
 
 namespace {
-
-constexpr int next_button = 0x3024;
 
 // The notifications of the pages, by name.
 std::string told;
@@ -426,7 +425,7 @@ TEST_F(PropertySheetsOnScreen, APageMayRefuseToFinish) {
 
 TEST_F(PropertySheetsOnScreen, TheButtonsOfAWizardAreSetAfterWhatIsUnderWay) {
   add_wizard_pages();
-  auto enabled = [&] { return ::IsWindowEnabled(::GetDlgItem(sheet, next_button)); };
+  auto enabled = [&] { return ::IsWindowEnabled(::GetDlgItem(sheet, ID_WIZNEXT)); };
   sheet.run({[&] {
                EXPECT_TRUE(enabled());
                sheet.SetWizardButtons(PSWIZB_BACK);

@@ -261,6 +261,17 @@ TEST(String, PartsAreCutToWhatIsThere) {
   EXPECT_EQ(text.Left(6).GetString(), text.GetString());
 }
 
+TEST(String, IsTrimmedOfWhiteSpaceAtBothEnds) {
+  CStringA text = " \t\r\na b\v\f ";
+  EXPECT_STREQ(text.Trim(), "a b");
+  EXPECT_STREQ(text, "a b");
+  const CStringA copy = text;
+  EXPECT_EQ(text.Trim().GetString(), copy.GetString()) << "nothing to trim: the buffer stays shared";
+  EXPECT_STREQ(CStringA(" \n ").Trim(), "");
+  EXPECT_STREQ(CStringA().Trim(), "");
+  EXPECT_STREQ(CStringW(L"\x3000\u00e9 ").Trim(), L"\u00e9");
+}
+
 TEST(String, ReplacesEveryOccurrenceAndCountsThem) {
   CStringA text("one, two, three");
   EXPECT_EQ(text.Replace(", ", ";"), 2);

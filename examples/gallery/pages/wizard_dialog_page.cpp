@@ -1,6 +1,8 @@
 // A wizard of three pages, which share the user's input.
 #include <kexlib/dialogs.h>
 
+#include <afxres.h>
+
 #include <gallery/page.h>
 #include <gallery/resources.h>
 #include <gallery/tour.h>
@@ -100,9 +102,6 @@ class PartWizard : public kexWizardDialog {
     SetWindowPos(nullptr, 0, 0, finish.right + space - window.left, window.bottom - window.top,
                  SWP_NOMOVE | SWP_NOZORDER);
   }
-
- private:
-  static constexpr int ID_WIZFINISH = 0x3025;
 };
 
 class WizardDialogPage : public gallery::Page {
@@ -139,7 +138,6 @@ class WizardDialogPage : public gallery::Page {
 };
 
 void tour(gallery::Tour& user) {
-  constexpr int next = 0x3024, back = 0x3023, finish = 0x3025;
   user.click(id_start);
   HWND wizard = user.wait_for_window(caption);
   const auto in_page = [&](int id) {
@@ -154,17 +152,17 @@ void tour(gallery::Tour& user) {
   user.click(in_page(IDC_PART_NAME));
   user.type("wheel");
   user.take_picture("wizard_dialog", wizard);
-  user.click(GetDlgItem(wizard, next));
+  user.click(GetDlgItem(wizard, ID_WIZNEXT));
   user.click(in_page(IDC_IN_LIBRARY));
-  user.click(GetDlgItem(wizard, next));
+  user.click(GetDlgItem(wizard, ID_WIZNEXT));
   user.check("the last page sums it up", [&] {
     return user.text_of(in_page(IDC_PART_SUMMARY)) == "Finish makes the part \"wheel\" in the library.";
   });
   user.take_picture("wizard_dialog_summary", wizard);
-  user.click(GetDlgItem(wizard, back));
+  user.click(GetDlgItem(wizard, ID_WIZBACK));
   user.check("Back goes to the page before",
              [&] { return IsDlgButtonChecked(GetParent(in_page(IDC_IN_LIBRARY)), IDC_IN_LIBRARY) == BST_CHECKED; });
-  user.click(GetDlgItem(wizard, finish));
+  user.click(GetDlgItem(wizard, ID_WIZFINISH));
   user.wait_for_end_of(wizard);
   user.check_text(id_result, "\"wheel\" was made in the library.");
 

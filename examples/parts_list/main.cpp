@@ -1,0 +1,29 @@
+// A list of parts: a small application on kexlib.
+//
+//     parts_list [FOLDER]     shows the parts below a folder, by default the current one
+//
+// Its profile is written to profiler.js in the current folder when it ends.
+#include <kexlib/framework.h>
+
+#include <atlbase.h>
+#include <atlwin.h>
+
+#include <parts_list/main_window.h>
+
+#include <filesystem>
+
+int main(int count, char** arguments) {
+  const std::string folder = std::filesystem::absolute(count > 1 ? arguments[1] : ".").string();
+  ::OleInitialize(nullptr);
+  parts_list::MainWindow window(folder);
+  if (!window.Create(nullptr)) return 2;
+  window.ShowWindow(SW_SHOW);
+  MSG message;
+  while (::GetMessage(&message, nullptr, 0, 0) > 0) {
+    if (::IsDialogMessage(window, &message)) continue;
+    ::TranslateMessage(&message);
+    ::DispatchMessage(&message);
+  }
+  ::OleUninitialize();
+  return 0;
+}
