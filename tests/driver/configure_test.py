@@ -124,7 +124,7 @@ class Files(Configuring):
     def test_the_port_builds_this_source_tree(self):
         port = REPOSITORY / "packaging/vcpkg/kexlib"
         functions = ("vcpkg_check_linkage", "vcpkg_cmake_configure", "vcpkg_cmake_install", "vcpkg_cmake_config_fixup",
-                     "vcpkg_copy_pdbs")
+                     "vcpkg_copy_pdbs", "vcpkg_install_copyright")
         stubs = "".join(f'function({name})\nmessage(NOTICE "{name};${{ARGN}}")\nendfunction()\n' for name in functions)
         script = self.write("port.cmake", f"{stubs}set(CURRENT_PACKAGES_DIR {self.folder}/packages)\n"
                                           f"include({port}/portfile.cmake)\n")
@@ -136,6 +136,9 @@ class Files(Configuring):
         options = re.findall(r"-D(\w+)", " ".join(arguments))
         known = re.findall(r"option\((\w+)", (REPOSITORY / "CMakeLists.txt").read_text())
         self.assertEqual(sorted(options), sorted(known))
+        copyright_files = [Path(name) for name in calls["vcpkg_install_copyright"][1:]]
+        self.assertEqual([path.resolve() for path in copyright_files], [REPOSITORY / "LICENSE", REPOSITORY / "NOTICE.md"])
+        self.assertTrue(all(path.exists() for path in copyright_files))
 
         version = re.findall(r"KEXLIB_VERSION_\w+ (\d+)", (REPOSITORY / "include/kexlib/version.h").read_text())
         self.assertEqual(json.loads((port / "vcpkg.json").read_text())["version"], ".".join(version))
@@ -157,6 +160,11 @@ class BadInput(Configuring):
     def test_atl_and_mfc_are_missing(self):
         done = self.with_visual_cpp("-G", "Ninja", "-DKEXLIB_HAS_ATL_AND_MFC=", "-DKEXLIB_HAS_WTL=")
         self.assert_refused(done, "add the components \"C++ ATL\" and \"C++ MFC\"")
+
+    def test_wtl_without_atl_and_mfc(self):
+        done = self.configure("-G", "Ninja", "--toolchain", str(REPOSITORY / "cmake/mingw_w64.cmake"), *LEAST,
+                              "-DKEXLIB_WTL_INCLUDE_DIR=/wtl/Include")
+        self.assert_refused(done, "A real WTL does not go with kexlib's subset of ATL and MFC")
 
     def test_googletest_is_missing(self):
         done = self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, "-DKEXLIB_VIEWER=OFF", "-DGTest_DIR=",
