@@ -110,6 +110,30 @@ class Install(Test):
             self.assertFalse((parts / lacks).exists(), (component, lacks))
 
 
+class Archive(Test):
+    """What ./kex package makes of the build tree."""
+
+    def test_it_holds_what_is_installed(self):
+        folder = emptied("archive")
+        sums = []
+        for made in ("first", "second"):
+            run(SOURCE / "scripts/make_package", BUILD, folder / made)
+            version = ".".join(re.findall(r"KEXLIB_VERSION_\w+ (\d+)", (SOURCE / "include/kexlib/version.h").read_text()))
+            name = f"kexlib-{version}-x86_64-w64-mingw32"
+            self.assertEqual({path.name for path in (folder / made).iterdir()}, {f"{name}.zip", "SHA256SUMS"})
+            run("sha256sum", "--check", "SHA256SUMS", folder=folder / made)
+            sums.append((folder / made / "SHA256SUMS").read_text())
+        self.assertEqual(sums[0], sums[1])
+
+        run("cmake", "-E", "tar", "xf", f"first/{name}.zip", folder=folder)
+        files, installed = ({path.relative_to(top).as_posix() for path in top.rglob("*") if path.is_file()}
+                            for top in (folder / name, INSTALLED))
+        self.assertEqual(files, installed | {"README.md"})
+        for named in re.findall(r"(share/\S+?\w)[.;]? ", (folder / name / "README.md").read_text().replace("\n", " ")):
+            self.assertTrue((folder / name / named).exists(), named)
+        self.assertNotIn(str(SOURCE).encode(), (folder / name / "bin/kexlib.dll").read_bytes())
+
+
 class FindPackage(Test):
     """find_package with the toolchain file, Debug and Release."""
 
