@@ -8,6 +8,7 @@ Visual C++ is a compiler of that name which CMake does not start.
 
 import json
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -143,6 +144,36 @@ class Files(Configuring):
         version = re.findall(r"KEXLIB_VERSION_\w+ (\d+)", (REPOSITORY / "include/kexlib/version.h").read_text())
         self.assertEqual(json.loads((port / "vcpkg.json").read_text())["version"], ".".join(version))
         self.assertIn("gtest", json.loads((REPOSITORY / "vcpkg.json").read_text())["dependencies"])
+
+
+class Installing(Configuring):
+    """A package without what is not built; the library itself must be there."""
+
+    def installed(self) -> tuple[int, str]:
+        done = subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder / "installed"], capture_output=True,
+                              text=True)
+        return done.returncode, re.sub(r"\s+", " ", done.stdout + done.stderr)
+
+    def test_what_is_not_built_is_said(self):
+        self.write("node", "#!/bin/sh\necho v18.0.0\n").chmod(0o755)
+        for viewer, reason in (("ON", "since it is not built: cmake --build {} --target viewer"),
+                               ("OFF", "since KEXLIB_VIEWER is off")):
+            with self.subTest(viewer):
+                shutil.rmtree(self.build, ignore_errors=True)
+                status, said = self.configure("-G", "Ninja", "--toolchain", str(REPOSITORY / "cmake/mingw_w64.cmake"), *LEAST,
+                                              f"-DKEXLIB_VIEWER={viewer}", f"-DNODE={self.folder}/node", "-DNPM=npm")
+                self.assertEqual(status, 0, said)
+                self.assert_refused(self.installed(), f"kexlib: there is nothing to install, since it is not built: cmake "
+                                                      f"--build {self.build} --target kexlib")
+                self.assertFalse((self.folder / "installed").exists())
+                for name in ("bin/kexlib.dll", "bin/kexframework.dll", "src/kexlib.dll.a", "framework/kexframework.dll.a"):
+                    (self.build / name).touch()
+                status, said = self.installed()
+                self.assertEqual(status, 0, said)
+                self.assertIn("kexlib: the profile viewer is left out, " + reason.format(self.build), said)
+                self.assertTrue((self.folder / "installed/bin/kexlib.dll").exists())
+                self.assertFalse((self.folder / "installed/share/kexlib/profile_viewer.html").exists())
+                shutil.rmtree(self.folder / "installed")
 
 
 class BadInput(Configuring):
