@@ -29,6 +29,10 @@ if(MSVC AND NOT CMAKE_CROSSCOMPILING AND NOT KEXLIB_HAS_ATL_AND_MFC)
   message(FATAL_ERROR " kexlib needs ATL and MFC: add the components \"C++ ATL\" and \"C++ MFC\" for your build tools with "
                       "the Visual Studio Installer.")
 endif()
+if(KEXLIB_WTL_INCLUDE_DIR AND NOT KEXLIB_HAS_ATL_AND_MFC)
+  message(FATAL_ERROR " A real WTL does not go with kexlib's subset of ATL and MFC, and this compiler has no others: "
+                      "configure with -DKEXLIB_WTL_INCLUDE_DIR= to build on the subset.")
+endif()
 
 if(KEXLIB_HAS_ATL_AND_MFC)
   add_library(kexframework INTERFACE)

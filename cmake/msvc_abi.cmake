@@ -35,7 +35,7 @@ string(APPEND CMAKE_EXE_LINKER_FLAGS_INIT " /entry:mainCRTStartup") # some libra
 # There is no run-time library for the debugger, and nothing that links incrementally.
 set(CMAKE_TRY_COMPILE_CONFIGURATION Release)
 
-set(CMAKE_FIND_ROOT_PATH ${msvc_abi_tools})
+set(CMAKE_FIND_ROOT_PATH ${msvc_abi_tools} ${CMAKE_PREFIX_PATH})
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

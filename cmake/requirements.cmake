@@ -1,15 +1,21 @@
-# What the headers need too: include/kexlib/export.h says the same. The space before a text keeps it on one line.
-if(NOT cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES)
-  message(FATAL_ERROR " kexlib needs a compiler for C++20, which ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} "
-                      "is not.")
-endif()
-if(WIN32)
-  if(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
-    message(FATAL_ERROR " kexlib is for 64-bit Windows: choose the platform x64 and its compiler.")
+# What kexlib needs of a compiler and its settings, for the project itself and for users of the installed package.
+# include/kexlib/export.h says the same, for other build systems. KEXLIB_REFUSAL is the sentence for what is missing, or
+# empty.
+set(KEXLIB_REFUSAL "")
+if(NOT WIN32)
+  set(KEXLIB_REFUSAL "kexlib is for 64-bit Windows: choose a compiler for it, by the package's toolchain file "
+                     "mingw_w64.cmake for example.")
+elseif(NOT CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(KEXLIB_REFUSAL "kexlib is for 64-bit Windows: choose the platform x64 and its compiler.")
+elseif(NOT cxx_std_20 IN_LIST CMAKE_CXX_COMPILE_FEATURES)
+  set(KEXLIB_REFUSAL "kexlib needs a compiler for C++20, which ${CMAKE_CXX_COMPILER_ID} ${CMAKE_CXX_COMPILER_VERSION} "
+                     "is not.")
+else()
+  get_directory_property(kexlib_definitions COMPILE_DEFINITIONS)
+  string(TOUPPER "${CMAKE_BUILD_TYPE}" kexlib_build_type)
+  if("${kexlib_definitions};${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${kexlib_build_type}}"
+     MATCHES "(^|;|[/-]D *)_?UNICODE($|[; =])")
+    set(KEXLIB_REFUSAL "The texts of kexlib are narrow: build without UNICODE and _UNICODE.")
   endif()
-  get_directory_property(definitions COMPILE_DEFINITIONS)
-  string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
-  if("${definitions};${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}}" MATCHES "(^|;|[/-]D *)_?UNICODE($|[; =])")
-    message(FATAL_ERROR " The texts of kexlib are narrow: build without UNICODE and _UNICODE.")
-  endif()
 endif()
+list(JOIN KEXLIB_REFUSAL "" KEXLIB_REFUSAL)

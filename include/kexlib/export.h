@@ -17,6 +17,9 @@
 #error kexlib needs C++20: compile with /std:c++20 or -std=c++20.
 #endif
 #undef KEXLIB_LANGUAGE
+#if __has_include(<kexlib/package.h>)  // in an installed package only: the compiler that it is for
+#include <kexlib/package.h>
+#endif
 
 // "... needs to have dll-interface": of members and bases that nobody exports, such as those of the standard library.
 // As MFC's headers do, this switches it off for the rest of the source.

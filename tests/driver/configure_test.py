@@ -8,6 +8,7 @@ Visual C++ is a compiler of that name which CMake does not start.
 
 import json
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -124,7 +125,7 @@ class Files(Configuring):
     def test_the_port_builds_this_source_tree(self):
         port = REPOSITORY / "packaging/vcpkg/kexlib"
         functions = ("vcpkg_check_linkage", "vcpkg_cmake_configure", "vcpkg_cmake_install", "vcpkg_cmake_config_fixup",
-                     "vcpkg_copy_pdbs")
+                     "vcpkg_copy_pdbs", "vcpkg_install_copyright")
         stubs = "".join(f'function({name})\nmessage(NOTICE "{name};${{ARGN}}")\nendfunction()\n' for name in functions)
         script = self.write("port.cmake", f"{stubs}set(CURRENT_PACKAGES_DIR {self.folder}/packages)\n"
                                           f"include({port}/portfile.cmake)\n")
@@ -136,10 +137,43 @@ class Files(Configuring):
         options = re.findall(r"-D(\w+)", " ".join(arguments))
         known = re.findall(r"option\((\w+)", (REPOSITORY / "CMakeLists.txt").read_text())
         self.assertEqual(sorted(options), sorted(known))
+        copyright_files = [Path(name) for name in calls["vcpkg_install_copyright"][1:]]
+        self.assertEqual([path.resolve() for path in copyright_files], [REPOSITORY / "LICENSE", REPOSITORY / "NOTICE.md"])
+        self.assertTrue(all(path.exists() for path in copyright_files))
 
         version = re.findall(r"KEXLIB_VERSION_\w+ (\d+)", (REPOSITORY / "include/kexlib/version.h").read_text())
         self.assertEqual(json.loads((port / "vcpkg.json").read_text())["version"], ".".join(version))
         self.assertIn("gtest", json.loads((REPOSITORY / "vcpkg.json").read_text())["dependencies"])
+
+
+class Installing(Configuring):
+    """A package without what is not built; the library itself must be there."""
+
+    def installed(self) -> tuple[int, str]:
+        done = subprocess.run(["cmake", "--install", self.build, "--prefix", self.folder / "installed"], capture_output=True,
+                              text=True)
+        return done.returncode, re.sub(r"\s+", " ", done.stdout + done.stderr)
+
+    def test_what_is_not_built_is_said(self):
+        self.write("node", "#!/bin/sh\necho v18.0.0\n").chmod(0o755)
+        for viewer, reason in (("ON", "since it is not built: cmake --build {} --target viewer"),
+                               ("OFF", "since KEXLIB_VIEWER is off")):
+            with self.subTest(viewer):
+                shutil.rmtree(self.build, ignore_errors=True)
+                status, said = self.configure("-G", "Ninja", "--toolchain", str(REPOSITORY / "cmake/mingw_w64.cmake"), *LEAST,
+                                              f"-DKEXLIB_VIEWER={viewer}", f"-DNODE={self.folder}/node", "-DNPM=npm")
+                self.assertEqual(status, 0, said)
+                self.assert_refused(self.installed(), f"kexlib: there is nothing to install, since it is not built: cmake "
+                                                      f"--build {self.build} --target kexlib")
+                self.assertFalse((self.folder / "installed").exists())
+                for name in ("bin/kexlib.dll", "bin/kexframework.dll", "src/kexlib.dll.a", "framework/kexframework.dll.a"):
+                    (self.build / name).touch()
+                status, said = self.installed()
+                self.assertEqual(status, 0, said)
+                self.assertIn("kexlib: the profile viewer is left out, " + reason.format(self.build), said)
+                self.assertTrue((self.folder / "installed/bin/kexlib.dll").exists())
+                self.assertFalse((self.folder / "installed/share/kexlib/profile_viewer.html").exists())
+                shutil.rmtree(self.folder / "installed")
 
 
 class BadInput(Configuring):
@@ -157,6 +191,11 @@ class BadInput(Configuring):
     def test_atl_and_mfc_are_missing(self):
         done = self.with_visual_cpp("-G", "Ninja", "-DKEXLIB_HAS_ATL_AND_MFC=", "-DKEXLIB_HAS_WTL=")
         self.assert_refused(done, "add the components \"C++ ATL\" and \"C++ MFC\"")
+
+    def test_wtl_without_atl_and_mfc(self):
+        done = self.configure("-G", "Ninja", "--toolchain", str(REPOSITORY / "cmake/mingw_w64.cmake"), *LEAST,
+                              "-DKEXLIB_WTL_INCLUDE_DIR=/wtl/Include")
+        self.assert_refused(done, "A real WTL does not go with kexlib's subset of ATL and MFC")
 
     def test_googletest_is_missing(self):
         done = self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, "-DKEXLIB_VIEWER=OFF", "-DGTest_DIR=",

@@ -70,6 +70,41 @@ class Refusals(unittest.TestCase):
                 self.assertEqual(called.read_text().splitlines(),
                                  [f"-C {build} build.ninja", f"-C {build} -t query bin/{program}"])
 
+    def test_package_takes_committed_sources_only(self):
+        checkout = self.folder / "checkout"
+        for name in ("scripts", "packaging"):
+            shutil.copytree(ROOT / name, checkout / name)
+        shutil.copy(ROOT / "kex", checkout)
+        (checkout / "build/mingw-release").mkdir(parents=True)
+        (checkout / "build/mingw-release/build.ninja").touch()
+        (checkout / ".gitignore").write_text("/build/\n")
+        packed = "echo 0123 kexlib.zip >\"$2/SHA256SUMS\""
+        (checkout / "scripts/make_package").write_text(f"#!/bin/sh\nmkdir \"$2\" && {packed}\n")
+        self.fake("ninja", ":")
+
+        def git(*arguments: str) -> None:
+            subprocess.run(["git", "-c", "user.name=a", "-c", "user.email=a@b", *arguments], cwd=checkout, check=True,
+                           stdout=subprocess.DEVNULL)
+
+        def package(*arguments: str) -> subprocess.CompletedProcess:
+            environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+            return subprocess.run([checkout / "kex", "package", *arguments], env=environment, capture_output=True, text=True)
+
+        self.assert_refused(package("--dance"), "'package' knows one argument, --with-changes.")
+        self.assert_refused(package(), "this is no git checkout")
+        git("init", "--quiet")
+        self.assert_refused(package(), "there are changes that are not committed")
+        git("add", ".")
+        git("commit", "--quiet", "--message", "all")
+        shutil.rmtree(checkout / "build/package", ignore_errors=True)
+        done = package()
+        self.assertEqual((done.returncode, done.stdout),
+                         (0, "build/package has the archive and its checksum:\n0123 kexlib.zip\n"), done.stderr)
+        (checkout / "new").touch()
+        self.assert_refused(package(), "there are changes that are not committed")
+        shutil.rmtree(checkout / "build/package")
+        self.assertEqual(package("--with-changes").returncode, 0)
+
     def test_bench_goes_on_after_a_family_that_misses_its_target(self):
         checkout = self.folder / "checkout"
         for name in ("scripts", "packaging"):
