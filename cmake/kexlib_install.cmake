@@ -1,7 +1,7 @@
 # What `cmake --install` gives, in four components:
 #   runtime      the DLLs that programs ship, with the compiler's
-#   development  headers, import libraries, the CMake package, the pkg-config file, the manifest; the place for debugging
-#                aids
+#   development  headers, import libraries, the CMake package, the pkg-config file, the manifest, and how
+#                debuggers show its objects
 #   viewer       the page that shows a profile record, and its program for scripts
 #   docs         the guide, and the examples as sources
 # Each has the licence. Only the library must be built: what else is not there is left out, and the installation says so.
@@ -96,6 +96,8 @@ install(
         cmake/requirements.cmake cmake/kexlib_programs.cmake cmake/program.manifest cmake/program.rc
   DESTINATION ${package_folder}
   COMPONENT development)
+
+install(FILES packaging/debugging/kexlib.natvis DESTINATION ${data_folder} COMPONENT development)
 
 if(MINGW)
   install(FILES cmake/mingw_w64.cmake DESTINATION ${data_folder} COMPONENT development)

@@ -74,7 +74,7 @@ class Install(Test):
                   "include/bzbase/string.h", "bin/kexlib.dll", "lib/cmake/kexlib/kexlib-config.cmake",
                   "lib/cmake/kexlib/program.manifest", "share/doc/kexlib/LICENSE", "share/doc/kexlib/NOTICE.md",
                   "share/doc/kexlib/first-program.md", "share/doc/kexlib/families/controls.md",
-                  "share/kexlib/examples/count_sources/main.cpp"}
+                  "share/kexlib/examples/count_sources/main.cpp", "share/kexlib/kexlib.natvis"}
         if SETTINGS["node"]:
             wanted |= {"share/kexlib/profile_viewer.html", "share/kexlib/profile_tool.mjs"}
         if SETTINGS["mingw"]:
@@ -163,6 +163,19 @@ class FindPackage(Test):
         shutil.copy(folder / "consumer.exe", alone)
         status, _ = said(SETTINGS["emulator"], alone / "consumer.exe", folder=alone, timeout=60)
         self.assertEqual(status, 0xC0000135 & 0xFF)
+
+
+class PartsList(Test):
+    """The example that stands by itself; Debug and Release."""
+
+    def test_it_is_built_on_the_package(self):
+        build = self.configured("parts_list", f"-DCMAKE_PREFIX_PATH={INSTALLED}",
+                                source=INSTALLED / "share/kexlib/examples/parts_list")
+        for configuration in CONFIGURATIONS:
+            with self.subTest(configuration):
+                run("cmake", "--build", build, "--config", configuration)
+                made = {path.name for path in (build / configuration).iterdir()}
+                self.assertLessEqual({"parts_list.exe"} | DLLS, made)
 
 
 class AddSubdirectory(Test):
