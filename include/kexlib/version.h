@@ -1,6 +1,6 @@
 // The version of kexlib, defined here only: the build, the version resource of the DLL and the package read it.
 //
-// Plain #defines, so that the resource compiler can include this header.
+// Plain macros, so that the resource compiler can include this header.
 #ifndef KEXLIB_VERSION_H
 #define KEXLIB_VERSION_H
 

@@ -77,7 +77,7 @@ class KEXLIB_API kexTaskDialog {
   /// Sets the large text; an empty one is omitted.
   void set_main_instruction(const char* text);
 
-  /// Sets the text below, with links in the task dialog's markup: <a href="target">text</a>.
+  /// Sets the text below, with links in the task dialog's markup: `<a href="target">text</a>`.
   void set_message(const char* text);
 
   /// Sets the icon. The value is not checked.

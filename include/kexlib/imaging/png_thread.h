@@ -98,8 +98,8 @@ class CThreadT {
   int Terminate(unsigned long code);
 
  protected:
-  HANDLE m_handle = nullptr;
-  DWORD m_id = 0;
+  HANDLE m_handle = nullptr;  ///< null: no thread
+  DWORD m_id = 0;             ///< the thread's identifier
 };
 
 extern template class KEXLIB_API_INSTANTIATION CThreadT<true>;
