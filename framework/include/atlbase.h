@@ -3,6 +3,7 @@
 #define FRAMEWORK_ATLBASE_H
 
 #include <atlcomcli.h>
+#include <atlsimpcoll.h>
 
 extern "C" IMAGE_DOS_HEADER __ImageBase;
 

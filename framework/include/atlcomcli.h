@@ -9,6 +9,14 @@
 
 namespace ATL {
 
+// What CComPtr shows of an interface: AddRef and Release are the pointer's own affair.
+template <class T>
+class _NoAddRefReleaseOnCComPtr : public T {
+ private:
+  STDMETHOD_(ULONG, AddRef)() = 0;
+  STDMETHOD_(ULONG, Release)() = 0;
+};
+
 // A counted pointer to an interface.
 //
 //     CComPtr<IDispatch> dispatch;
@@ -42,9 +50,9 @@ class CComPtr {
     ATLASSERT(p);
     return *p;
   }
-  T* operator->() const {
+  _NoAddRefReleaseOnCComPtr<T>* operator->() const {
     ATLASSERT(p);
-    return p;
+    return static_cast<_NoAddRefReleaseOnCComPtr<T>*>(p);
   }
   // For out-parameters. Asserts that the pointer is empty: its reference would leak.
   T** operator&() {
@@ -61,8 +69,8 @@ class CComPtr {
     p = object;
   }
   T* Detach() noexcept { return std::exchange(p, nullptr); }
-  // E_POINTER if the target is null.
   HRESULT CopyTo(T** target) const noexcept {
+    ATLASSERT(target);
     if (!target) return E_POINTER;
     *target = p;
     if (p) p->AddRef();
@@ -75,7 +83,7 @@ class CComPtr {
   }
   template <class Q>
   HRESULT QueryInterface(Q** target) const {
-    ATLASSERT(p && target && !*target);
+    ATLASSERT(p && target);
     return p->QueryInterface(__uuidof(Q), reinterpret_cast<void**>(target));
   }
 
@@ -109,7 +117,9 @@ class CComBSTR {
  public:
   CComBSTR() noexcept = default;
   CComBSTR(LPCOLESTR text) : m_str(text ? allocated(SysAllocString(text)) : nullptr) {}
-  CComBSTR(int length, LPCOLESTR text) : m_str(allocated(SysAllocStringLen(text, static_cast<UINT>(length)))) {}
+  // Without a BSTR for a length of 0.
+  CComBSTR(int length, LPCOLESTR text)
+      : m_str(length ? allocated(SysAllocStringLen(text, static_cast<UINT>(length))) : nullptr) {}
   // Converted in the code page of the calling thread.
   CComBSTR(LPCSTR text) : m_str(text ? allocated(SysAllocString(CA2W(text))) : nullptr) {}
   CComBSTR(const CComBSTR& other) : m_str(other.Copy()) {
@@ -137,8 +147,10 @@ class CComBSTR {
   BSTR Copy() const noexcept {
     return m_str ? SysAllocStringByteLen(reinterpret_cast<LPCSTR>(m_str), SysStringByteLen(m_str)) : nullptr;
   }
+  // Takes ownership. Asserts that the string is empty: its text would leak.
   void Attach(BSTR text) noexcept {
-    if (text != m_str) SysFreeString(std::exchange(m_str, text));
+    ATLASSERT(!m_str);
+    m_str = text;
   }
   BSTR Detach() noexcept { return std::exchange(m_str, nullptr); }
 
@@ -187,6 +199,10 @@ class CComVariant : public VARIANT {
     vt = VT_I4;
     lVal = value;
   }
+  // The real class has more types, each with its own VARTYPE. They would convert here.
+  template <typename Number>
+  CComVariant(Number value) requires std::is_arithmetic_v<Number>
+  = delete;
   CComVariant(double value) noexcept : CComVariant() {
     vt = VT_R8;
     dblVal = value;

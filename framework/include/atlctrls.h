@@ -245,7 +245,7 @@ class CToolTipCtrlT : public TBase {
   // Enables or disables tooltips.
   void Activate(BOOL active) noexcept { number(TTM_ACTIVATE, static_cast<WPARAM>(active)); }
   BOOL AddTool(LPTOOLINFO tool) noexcept { return number(TTM_ADDTOOL, 0, tool); }
-  void UpdateTipText(LPTOOLINFO tool) noexcept { number(TTM_UPDATETIPTEXT, 0, tool); }
+  void DelTool(LPTOOLINFO tool) noexcept { number(TTM_DELTOOL, 0, tool); }
   int GetToolCount() const noexcept { return number(TTM_GETTOOLCOUNT); }
   void SetDelayTime(DWORD which, int milliseconds) noexcept {
     number(TTM_SETDELAYTIME, which, MAKELPARAM(milliseconds, 0));
@@ -266,7 +266,7 @@ class CImageListT {
   CImageListT(const CImageListT&) = default;
   CImageListT& operator=(const CImageListT&) = default;
   ~CImageListT() {
-    if (t_bManaged) Destroy();
+    if (t_bManaged && m_hImageList) Destroy();
   }
 
   CImageListT& operator=(HIMAGELIST list) noexcept {
@@ -284,7 +284,8 @@ class CImageListT {
 
   // `flags` are ILC_ flags. `initial` is the initial capacity, `grow` by how many images it grows.
   BOOL Create(int width, int height, UINT flags, int initial, int grow) noexcept {
-    Attach(::ImageList_Create(width, height, flags, initial, grow));
+    ATLASSERT(!m_hImageList);
+    m_hImageList = ::ImageList_Create(width, height, flags, initial, grow);
     return m_hImageList != nullptr;
   }
   BOOL Destroy() noexcept {
@@ -295,21 +296,23 @@ class CImageListT {
 
   // Returns the index of the first new image, or -1. The caller keeps the bitmap. With a mask colour the bitmap is
   // modified.
-  int Add(HBITMAP bitmap, HBITMAP mask = nullptr) noexcept { return ::ImageList_Add(m_hImageList, bitmap, mask); }
-  int Add(HBITMAP bitmap, COLORREF mask) noexcept { return ::ImageList_AddMasked(m_hImageList, bitmap, mask); }
-  int GetImageCount() const noexcept { return ::ImageList_GetImageCount(m_hImageList); }
-  BOOL GetIconSize(int& width, int& height) const noexcept {
-    return ::ImageList_GetIconSize(m_hImageList, &width, &height);
-  }
-  BOOL SetOverlayImage(int image, int overlay) noexcept {
-    return ::ImageList_SetOverlayImage(m_hImageList, image, overlay);
-  }
+  int Add(HBITMAP bitmap, HBITMAP mask = nullptr) noexcept { return ::ImageList_Add(list(), bitmap, mask); }
+  int Add(HBITMAP bitmap, COLORREF mask) noexcept { return ::ImageList_AddMasked(list(), bitmap, mask); }
+  int GetImageCount() const noexcept { return ::ImageList_GetImageCount(list()); }
+  BOOL GetIconSize(int& width, int& height) const noexcept { return ::ImageList_GetIconSize(list(), &width, &height); }
+  BOOL SetOverlayImage(int image, int overlay) noexcept { return ::ImageList_SetOverlayImage(list(), image, overlay); }
   // ILD_ style.
-  BOOL Draw(HDC dc, int image, int x, int y, UINT style) const noexcept {
-    return ::ImageList_Draw(m_hImageList, image, dc, x, y, style);
+  BOOL Draw(HDC dc, int image, int x, int y, UINT style) noexcept {
+    return ::ImageList_Draw(list(), image, dc, x, y, style);
   }
 
   HIMAGELIST m_hImageList;
+
+ private:
+  HIMAGELIST list() const noexcept {
+    ATLASSERT(m_hImageList);
+    return m_hImageList;
+  }
 };
 using CImageList = CImageListT<false>;
 

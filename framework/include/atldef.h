@@ -12,7 +12,8 @@
 #include <oleauto.h>
 #include <tchar.h>
 
-#include <cassert>
+#include <cstdio>
+#include <cstdlib>
 
 // Throws the exception for an HRESULT. In a source with MFC that is CMemoryException for E_OUTOFMEMORY and
 // COleException for all others, by pointer; in one without, CAtlException. A program in which both kinds of source use
@@ -23,11 +24,19 @@
 #define AtlThrow ATL::AtlThrowWithoutMfc
 #endif
 
+// Ends the program if the expression is false. The real one does so in debug builds only; this one always does, so that
+// every build finds the mistake.
 #ifndef ATLASSERT
-#define ATLASSERT(expression) assert(expression)
+#define ATLASSERT(expression) \
+  (static_cast<void>((expression) || (ATL::_AtlAssertionFailed(#expression, __FILE__, __LINE__), false)))
 #endif
 
 namespace ATL {
+
+[[noreturn]] inline void _AtlAssertionFailed(const char* expression, const char* file, int line) noexcept {
+  std::fprintf(stderr, "%s:%d: assertion failed: %s\n", file, line, expression);
+  std::abort();
+}
 
 // What AtlThrow throws in a source without MFC. Thrown by value.
 class CAtlException {

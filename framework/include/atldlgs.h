@@ -27,10 +27,6 @@
 
 #include <prsht.h>
 
-#include <memory>
-#include <utility>
-#include <vector>
-
 // Since version 10 the answer of a page's handler is the result of the notification.
 // _WTL_FORCE_OLD_PAGE_NOTIFY_HANDLERS keeps the answers of 9.1.
 #if _WTL_VER >= 0x1000 && !defined(_WTL_FORCE_OLD_PAGE_NOTIFY_HANDLERS) && !defined(_WTL_NEW_PAGE_NOTIFY_HANDLERS)
@@ -65,30 +61,11 @@ class CPropertySheetWindow : public ATL::CWindow {
     return static_cast<BOOL>(SendMessage(PSM_ADDPAGE, 0, reinterpret_cast<LPARAM>(page)));
   }
   // PSWIZB_ flags. The message is posted, so that a page may call it in OnSetActive.
-  void SetWizardButtons(DWORD buttons) noexcept {
-    ::PostMessage(m_hWnd, PSM_SETWIZBUTTONS, 0, static_cast<LPARAM>(buttons));
-  }
+  void SetWizardButtons(DWORD buttons) noexcept { PostMessage(PSM_SETWIZBUTTONS, 0, static_cast<LPARAM>(buttons)); }
   // PSBTN_ button.
   BOOL PressButton(int button) noexcept {
     return static_cast<BOOL>(SendMessage(PSM_PRESSBUTTON, static_cast<WPARAM>(button)));
   }
-};
-
-// A page that is added to a sheet but not shown yet. It is destroyed with the last copy of the sheet if it is never
-// shown.
-class PendingPropertyPage {
- public:
-  explicit PendingPropertyPage(HPROPSHEETPAGE page) noexcept : page_(page) {}
-  PendingPropertyPage(const PendingPropertyPage&) = delete;
-  PendingPropertyPage& operator=(const PendingPropertyPage&) = delete;
-  ~PendingPropertyPage() {
-    if (page_) ::DestroyPropertySheetPage(page_);
-  }
-  // Passes the page to the system, which then owns it. Null if a copy of the sheet has shown it.
-  HPROPSHEETPAGE hand_over() noexcept { return std::exchange(page_, nullptr); }
-
- private:
-  HPROPSHEETPAGE page_;
 };
 
 // A property sheet T, derived from this class. Before the sheet is created, the members below prepare it.
@@ -110,10 +87,10 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
     m_psh.nStartPage = startPage;
     m_psh.pfnCallback = T::PropSheetCallback;
   }
-  // Copies share the pages that are not shown yet; the first copy that is shown uses them. Pages that are never shown
-  // are destroyed with the last copy.
-  CPropertySheetImpl(const CPropertySheetImpl&) = default;
-  CPropertySheetImpl& operator=(const CPropertySheetImpl&) = default;
+  // Destroys the pages that were never shown.
+  ~CPropertySheetImpl() override {
+    for (int i = 0; i < m_arrPages.GetSize(); ++i) ::DestroyPropertySheetPage(m_arrPages[i]);
+  }
 
   // Runs the sheet. Returns a positive value for OK or Finish, 0 for Cancel, -1 on failure. The pages are used up: add
   // pages again for a second run. The parent given to the constructor takes precedence.
@@ -147,8 +124,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   BOOL AddPage(HPROPSHEETPAGE page) {
     if (!page) return FALSE;
     if (this->m_hWnd) return TBase::AddPage(page);
-    m_arrPages.push_back(std::make_shared<PendingPropertyPage>(page));
-    return TRUE;
+    return m_arrPages.Add(page);
   }
   // Creates a page from this description first.
   BOOL AddPage(LPCPROPSHEETPAGE description) {
@@ -191,7 +167,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   }
 
   PROPSHEETHEADER m_psh;
-  std::vector<std::shared_ptr<PendingPropertyPage>> m_arrPages;  // not shown yet
+  ATL::CSimpleArray<HPROPSHEETPAGE> m_arrPages;  // not shown yet
 
  private:
   bool is_modeless() const { return (m_psh.dwFlags & PSH_MODELESS) != 0; }
@@ -200,7 +176,7 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
   void forget_pages() {
     m_psh.phpage = nullptr;
     m_psh.nPages = 0;
-    m_arrPages.clear();
+    m_arrPages.RemoveAll();
   }
 
   INT_PTR run(HWND parent) {
@@ -210,11 +186,8 @@ class CPropertySheetImpl : public ATL::CWindowImplBaseT<TBase> {
       return -1;
     }
     if (!m_psh.hwndParent) m_psh.hwndParent = parent;
-    std::vector<HPROPSHEETPAGE> pages;
-    for (const auto& pending : m_arrPages)
-      if (HPROPSHEETPAGE page = pending->hand_over()) pages.push_back(page);
-    m_psh.phpage = pages.data();
-    m_psh.nPages = static_cast<UINT>(pages.size());
+    m_psh.phpage = m_arrPages.GetData();
+    m_psh.nPages = static_cast<UINT>(m_arrPages.GetSize());
 
     ATL::_AtlCreateWndData waiting(this);
     INT_PTR result = ::PropertySheet(&m_psh);

@@ -34,7 +34,7 @@ class CBitmapT {
   CBitmapT(const CBitmapT&) = default;
   CBitmapT& operator=(const CBitmapT&) = default;
   ~CBitmapT() {
-    if (t_bManaged) DeleteObject();
+    if (t_bManaged && m_hBitmap) DeleteObject();
   }
 
   CBitmapT& operator=(HBITMAP bitmap) noexcept {
@@ -45,34 +45,37 @@ class CBitmapT {
   bool IsNull() const noexcept { return !m_hBitmap; }
 
   void Attach(HBITMAP bitmap) noexcept {
-    if (t_bManaged && m_hBitmap != bitmap) DeleteObject();
+    if (t_bManaged && m_hBitmap && m_hBitmap != bitmap) DeleteObject();
     m_hBitmap = bitmap;
   }
   HBITMAP Detach() noexcept { return std::exchange(m_hBitmap, nullptr); }
-  // Returns FALSE, and keeps the bitmap, if there is none or if it is selected into a device context.
+  // Returns FALSE, and keeps the bitmap, if it is selected into a device context.
   BOOL DeleteObject() noexcept {
-    if (!m_hBitmap || !::DeleteObject(m_hBitmap)) return FALSE;
+    ATLASSERT(m_hBitmap);
+    if (!::DeleteObject(m_hBitmap)) return FALSE;
     m_hBitmap = nullptr;
     return TRUE;
   }
 
   HBITMAP CreateCompatibleBitmap(HDC dc, int width, int height) noexcept {
-    Attach(::CreateCompatibleBitmap(dc, width, height));
-    return m_hBitmap;
+    ATLASSERT(!m_hBitmap);
+    return m_hBitmap = ::CreateCompatibleBitmap(dc, width, height);
   }
   HBITMAP CreateDIBSection(HDC dc, const BITMAPINFO* info, UINT usage, void** bits, HANDLE section,
                            DWORD offset) noexcept {
-    Attach(::CreateDIBSection(dc, info, usage, bits, section, offset));
-    return m_hBitmap;
+    ATLASSERT(!m_hBitmap);
+    return m_hBitmap = ::CreateDIBSection(dc, info, usage, bits, section, offset);
   }
 
-  // Returns its description; false if there is no bitmap.
+  // Returns its description; false if the handle is no bitmap.
   bool GetBitmap(BITMAP& description) const noexcept {
+    ATLASSERT(m_hBitmap);
     return ::GetObject(m_hBitmap, sizeof description, &description) == sizeof description;
   }
 
   HBITMAP m_hBitmap;
 };
+using CBitmapHandle = CBitmapT<false>;
 using CBitmap = CBitmapT<true>;
 
 // The description of a font.
@@ -101,7 +104,7 @@ class CFontT {
   CFontT(const CFontT&) = default;
   CFontT& operator=(const CFontT&) = default;
   ~CFontT() {
-    if (t_bManaged) DeleteObject();
+    if (t_bManaged && m_hFont) DeleteObject();
   }
 
   CFontT& operator=(HFONT font) noexcept {
@@ -112,19 +115,20 @@ class CFontT {
   bool IsNull() const noexcept { return !m_hFont; }
 
   void Attach(HFONT font) noexcept {
-    if (t_bManaged && m_hFont != font) DeleteObject();
+    if (t_bManaged && m_hFont && m_hFont != font) DeleteObject();
     m_hFont = font;
   }
   HFONT Detach() noexcept { return std::exchange(m_hFont, nullptr); }
   BOOL DeleteObject() noexcept {
-    if (!m_hFont || !::DeleteObject(m_hFont)) return FALSE;
+    ATLASSERT(m_hFont);
+    if (!::DeleteObject(m_hFont)) return FALSE;
     m_hFont = nullptr;
     return TRUE;
   }
 
   HFONT CreateFontIndirect(const LOGFONT* description) noexcept {
-    Attach(::CreateFontIndirect(description));
-    return m_hFont;
+    ATLASSERT(!m_hFont);
+    return m_hFont = ::CreateFontIndirect(description);
   }
   // Creates a font from a face name and a height in tenths of a point, for a device (null: the screen) in its current
   // mapping mode. A name that is too long is truncated.
@@ -156,6 +160,7 @@ class CFontT {
   }
 
   bool GetLogFont(LOGFONT& description) const noexcept {
+    ATLASSERT(m_hFont);
     return ::GetObject(m_hFont, sizeof description, &description) == sizeof description;
   }
 
@@ -172,7 +177,7 @@ class CDCT {
   CDCT(const CDCT&) = default;
   CDCT& operator=(const CDCT&) = default;
   ~CDCT() {
-    if (t_bManaged) DeleteDC();
+    if (t_bManaged && m_hDC) DeleteDC();
   }
 
   CDCT& operator=(HDC dc) noexcept {
@@ -182,27 +187,30 @@ class CDCT {
   operator HDC() const noexcept { return m_hDC; }
 
   void Attach(HDC dc) noexcept {
-    if (t_bManaged && m_hDC != dc) DeleteDC();
+    if (t_bManaged && m_hDC && m_hDC != dc) DeleteDC();
     m_hDC = dc;
   }
   HDC Detach() noexcept { return std::exchange(m_hDC, nullptr); }
   // For a context from CreateCompatibleDC. One from GetDC or BeginPaint is released by its own functions.
   BOOL DeleteDC() noexcept {
-    if (!m_hDC || !::DeleteDC(m_hDC)) return FALSE;
+    ATLASSERT(m_hDC);
+    if (!::DeleteDC(m_hDC)) return FALSE;
     m_hDC = nullptr;
     return TRUE;
   }
 
   // Creates a memory device context. Null: compatible with the screen.
   HDC CreateCompatibleDC(HDC dc = nullptr) noexcept {
-    Attach(::CreateCompatibleDC(dc));
-    return m_hDC;
+    ATLASSERT(!m_hDC);
+    return m_hDC = ::CreateCompatibleDC(dc);
   }
 
   // Returns the previous object, to be selected again.
   HBITMAP SelectBitmap(HBITMAP bitmap) noexcept { return static_cast<HBITMAP>(::SelectObject(m_hDC, bitmap)); }
   HFONT SelectFont(HFONT font) noexcept { return static_cast<HFONT>(::SelectObject(m_hDC, font)); }
-  HBITMAP GetCurrentBitmap() const noexcept { return static_cast<HBITMAP>(::GetCurrentObject(m_hDC, OBJ_BITMAP)); }
+  CBitmapHandle GetCurrentBitmap() const noexcept {
+    return CBitmapHandle(static_cast<HBITMAP>(::GetCurrentObject(m_hDC, OBJ_BITMAP)));
+  }
 
   int GetDeviceCaps(int index) const noexcept { return ::GetDeviceCaps(m_hDC, index); }
   COLORREF GetPixel(int x, int y) const noexcept { return ::GetPixel(m_hDC, x, y); }
@@ -224,7 +232,7 @@ class CDCT {
   }
   // With BF_ADJUST the rectangle becomes the interior.
   BOOL DrawEdge(LPRECT rect, UINT edge, UINT flags) noexcept { return ::DrawEdge(m_hDC, rect, edge, flags); }
-  BOOL DrawFocusRect(LPCRECT rect) noexcept { return ::DrawFocusRect(m_hDC, rect); }
+  void DrawFocusRect(LPCRECT rect) noexcept { ::DrawFocusRect(m_hDC, rect); }
 
   // A length of -1 is the whole text.
   BOOL TextOut(int x, int y, LPCTSTR text, int length = -1) noexcept {
@@ -248,6 +256,7 @@ class CPaintDC : public CDC {
   CPaintDC(const CPaintDC&) = delete;
   CPaintDC& operator=(const CPaintDC&) = delete;
   ~CPaintDC() {
+    ATLASSERT(m_hDC && ::IsWindow(m_hWnd));
     ::EndPaint(m_hWnd, &m_ps);
     Detach();
   }

@@ -30,7 +30,7 @@ class KEXFRAMEWORK_API CImage {
   // Takes ownership of a bitmap, DIB section or not, and deletes the previous one. No member of this subset depends on
   // the order of rows.
   void Attach(HBITMAP bitmap, DIBOrientation orientation = DIBOR_DEFAULT) noexcept;
-  // Returns the bitmap; the caller deletes it (DeleteObject).
+  // Returns the bitmap; the caller deletes it (DeleteObject). Asserts that there is one.
   HBITMAP Detach() noexcept;
   // Deletes the bitmap.
   void Destroy() noexcept;

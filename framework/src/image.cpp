@@ -130,10 +130,13 @@ void CImage::Attach(HBITMAP bitmap, DIBOrientation) noexcept {
   m_hBitmap = bitmap;
 }
 
-HBITMAP CImage::Detach() noexcept { return std::exchange(m_hBitmap, nullptr); }
+HBITMAP CImage::Detach() noexcept {
+  ATLASSERT(m_hBitmap);
+  return std::exchange(m_hBitmap, nullptr);
+}
 
 void CImage::Destroy() noexcept {
-  if (HBITMAP bitmap = Detach()) DeleteObject(bitmap);
+  if (m_hBitmap) DeleteObject(Detach());
 }
 
 int CImage::GetWidth() const noexcept { return describe(m_hBitmap).dsBm.bmWidth; }

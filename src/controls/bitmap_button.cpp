@@ -1,11 +1,13 @@
 #include <kexlib/controls/bitmap_button.h>
 #include <kexlib/imaging/dib.h>
 
+#include <controls/subclass_instead.h>
 #include <wbzframe/themed_std_button.h>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
-
-using namespace WTL;  // BMPBTN_...
+#include <vector>
 
 namespace {
 
@@ -35,6 +37,38 @@ void painting_failed(HWND button) {
   if (IsWindow(button)) ValidateRect(button, nullptr);  // with a null handle, all windows would be redrawn
 }
 
+// SetImageList would size the button by a list that is not there.
+void set_images(WTL::CBitmapButton& button, HIMAGELIST images) {
+  if (images)
+    button.SetImageList(images);
+  else
+    button.m_ImageList.m_hImageList = nullptr;
+}
+
+// WTL adds each text to the tooltip anew, which would go on showing the first one.
+void set_tooltip(WTL::CBitmapButton& button, const char* text) {
+  if (button.m_tip.IsWindow()) button.m_tip.DelTool(WTL::CToolInfo(0, button));
+  if (!button.SetToolTipText(text)) AtlThrow(E_OUTOFMEMORY);
+}
+
+void copy_look(WTL::CBitmapButton& button, const WTL::CBitmapButton& other) {
+  button.m_dwExtendedStyle = other.m_dwExtendedStyle | BMPBTN_SHAREIMAGELISTS;
+  set_images(button, other.GetImageList());
+  std::copy(std::begin(other.m_nImage), std::end(other.m_nImage), button.m_nImage);
+  button.SetCheck(other.GetCheck(), false);
+  std::vector<char> tooltip(static_cast<size_t>(std::max(other.GetToolTipTextLength(), 0)) + 1);
+  const bool has_tooltip = other.GetToolTipText(tooltip.data(), static_cast<int>(tooltip.size()));
+  set_tooltip(button, has_tooltip ? tooltip.data() : nullptr);
+}
+
+void share_window(WTL::CBitmapButton& button, const WTL::CBitmapButton& other) {
+  button.m_hWnd = other.m_hWnd;
+  button.m_tip.m_hWnd = other.m_tip.m_hWnd;
+  button.m_fMouseOver = other.m_fMouseOver;
+  button.m_fFocus = other.m_fFocus;
+  button.m_fPressed = other.m_fPressed;
+}
+
 }  // namespace
 
 kexWTLBitmapButton::kexWTLBitmapButton(kexWTLButtonType type) : type_(type) {
@@ -43,9 +77,26 @@ kexWTLBitmapButton::kexWTLBitmapButton(kexWTLButtonType type) : type_(type) {
                                BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS | BMPBTN_AUTOSIZE);
 }
 
-kexWTLBitmapButton::kexWTLBitmapButton(const kexWTLBitmapButton& other) = default;
+// The base is not copied: WTL's copies its window procedure and its tooltip text, and both objects would free them.
+kexWTLBitmapButton::kexWTLBitmapButton(const kexWTLBitmapButton& other)
+    : CBitmapButton(BMPBTN_SHAREIMAGELISTS), type_(other.type_) {
+  *this = other;
+}
 
-kexWTLBitmapButton& kexWTLBitmapButton::operator=(const kexWTLBitmapButton& other) = default;
+kexWTLBitmapButton& kexWTLBitmapButton::operator=(const kexWTLBitmapButton& other) {
+  if (this == &other) return *this;
+  type_ = other.type_;
+  themer_ = other.themer_;
+  if (!(m_dwExtendedStyle & BMPBTN_SHAREIMAGELISTS) && m_ImageList != other.m_ImageList) m_ImageList.Destroy();
+  const bool keeps_window = kexlib::is_subclassed<CWindowImpl>(*this);
+  if (!keeps_window) m_hWnd = m_tip.m_hWnd = nullptr;
+  copy_look(*this, other);
+  if (keeps_window)
+    Invalidate(FALSE);
+  else
+    share_window(*this, other);
+  return *this;
+}
 
 kexWTLBitmapButton::~kexWTLBitmapButton() = default;
 
@@ -84,10 +135,10 @@ int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id,
 void kexWTLBitmapButton::SetInfo(HWND button, WTL::CImageListT<false>* images, int bitmap_id, const char* tooltip,
                                  HINSTANCE instance) {
   const int image = AddImage(images, bitmap_id, instance);
-  if (!m_hWnd) SubclassWindow(button);
-  SetImageList(images ? images->m_hImageList : nullptr);
+  if (!m_hWnd && ::IsWindow(button)) SubclassWindow(button);
+  set_images(*this, images ? images->m_hImageList : nullptr);
   SetImages(image, image, no_image, image + 1);
-  SetToolTipText(tooltip);
+  set_tooltip(*this, tooltip);
 }
 
 // Kept for compatibility: callers see the pushed image of SetInfo.
@@ -151,10 +202,13 @@ void kexWTLBitmapButton::paint(const WTL::CDCT<false>& dc, bool themed, const wb
   GetClientRect(client);
   if (themed && themer) themer->draw_theme(dc, client, style);
 
-  int width = 0, height = 0;
-  m_ImageList.GetIconSize(width, height);
-  const int shift = m_fPressed && has_edge && m_nImage[_nImagePushed] == no_image ? 1 : 0;
-  m_ImageList.Draw(dc, image, (client.Width() - width) / 2 + shift, (client.Height() - height) / 2 + shift, ILD_NORMAL);
+  if (!m_ImageList.IsNull()) {
+    int width = 0, height = 0;
+    m_ImageList.GetIconSize(width, height);
+    const int shift = m_fPressed && has_edge && m_nImage[_nImagePushed] == no_image ? 1 : 0;
+    m_ImageList.Draw(dc, image, (client.Width() - width) / 2 + shift, (client.Height() - height) / 2 + shift,
+                     ILD_NORMAL);
+  }
 
   if (!themed && has_edge) draw_edge(dc, client);
 }

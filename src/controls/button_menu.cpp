@@ -36,6 +36,18 @@ POINT moved_onto_monitor(POINT point) {
 
 }  // namespace
 
+// The base is not copied: ATL's copies its window procedure, and both objects would free it.
+atlButtonMenu::atlButtonMenu(const atlButtonMenu& other) : CWindowImpl() { *this = other; }
+
+atlButtonMenu& atlButtonMenu::operator=(const atlButtonMenu& other) {
+  if (this == &other) return *this;
+  menu_id_ = other.menu_id_;
+  menu_module_ = other.menu_module_;
+  arrow_font_.m_hFont = other.arrow_font_.m_hFont;  // kept for compatibility: the previous one may be shared
+  if (!kexlib::is_subclassed<CWindowImpl>(*this)) m_hWnd = other.m_hWnd;
+  return *this;
+}
+
 atlButtonMenu::~atlButtonMenu() = default;
 
 BOOL atlButtonMenu::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,

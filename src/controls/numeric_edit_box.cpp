@@ -4,6 +4,22 @@
 
 kexNumericEditBox::kexNumericEditBox() : decimal_seperator_(kexNumericFormatting::get_decimal_seperator()) {}
 
+// The base is not copied: ATL's copies its window procedure, and both objects would free it.
+kexNumericEditBox::kexNumericEditBox(const kexNumericEditBox& other) : CWindowImpl() { *this = other; }
+
+kexNumericEditBox& kexNumericEditBox::operator=(const kexNumericEditBox& other) {
+  if (this == &other) return *this;
+  value_ = other.value_;
+  allow_negative_ = other.allow_negative_;
+  decimal_seperator_ = other.decimal_seperator_;
+  decimal_places_ = other.decimal_places_;
+  if (kexlib::is_subclassed<CWindowImpl>(*this))
+    update_display();
+  else
+    m_hWnd = other.m_hWnd;
+  return *this;
+}
+
 kexNumericEditBox::~kexNumericEditBox() = default;
 
 BOOL kexNumericEditBox::ProcessWindowMessage(HWND, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
@@ -20,9 +36,9 @@ BOOL kexNumericEditBox::SubclassWindow(HWND edit) { return kexlib::subclass_inst
 void kexNumericEditBox::Create(ATL::CWindow& font_source) {
   const HWND host = m_hWnd;
   if (!kexlib::leave_window<CWindowImpl>(*this)) return;
-  CWindowImpl::Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE, WS_EX_CLIENTEDGE);
+  if (!CWindowImpl::Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE, WS_EX_CLIENTEDGE)) return;
   SetWindowLongPtr(GWLP_ID, 0);  // ATL replaces an identifier of 0
-  SetFont(font_source.GetFont());
+  SetFont(font_source.IsWindow() ? font_source.GetFont() : nullptr);
   update_display();
 }
 

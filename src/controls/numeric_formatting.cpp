@@ -66,7 +66,7 @@ CStringA kexNumberFormatting::format_double(double value, int digits) {
 
 double kexNumericFormatting::getValue(const WTL::CEditT<CWindow>* edit, const char* separator) {
   CStringA text;
-  if (edit) {
+  if (edit && edit->IsWindow()) {
     // The control does not terminate the text.
     char* const line = text.GetBuffer(line_length);
     std::memset(line, 0, line_length + 1);
@@ -86,7 +86,7 @@ CStringA kexNumericFormatting::putValue(WTL::CEditT<CWindow>* edit, double value
   CStringA text;
   neutral_format(text, "%.*lf", static_cast<int>(digits), value);
   text.Replace(".", separator);
-  if (edit) edit->SetWindowText(text);
+  if (edit && edit->IsWindow()) edit->SetWindowText(text);
   return text;
 }
 

@@ -33,9 +33,29 @@ kexWizardDialog::kexWizardDialog(UINT title_id, int start_page, HWND parent)
   init();
 }
 
-kexWizardDialog::kexWizardDialog(const kexWizardDialog&) = default;
+// The base is not copied: WTL's copies its window procedure and the handles of its pages, and both would free them.
+kexWizardDialog::kexWizardDialog(const kexWizardDialog& other) : CPropertySheetImpl() { *this = other; }
 
-kexWizardDialog& kexWizardDialog::operator=(const kexWizardDialog&) = default;
+kexWizardDialog& kexWizardDialog::operator=(const kexWizardDialog& other) {
+  if (this == &other) return *this;
+  title_ = other.title_;
+  font_ = other.font_;
+  centered_ = other.centered_;
+  user_object_ = other.user_object_;
+  pages_count_ = other.pages_count_;
+  pages_ = other.pages_;
+
+  for (int i = 0; i < m_arrPages.GetSize(); ++i) DestroyPropertySheetPage(m_arrPages[i]);
+  m_arrPages.RemoveAll();
+  not_shown_.clear();
+  m_psh = other.m_psh;
+  m_psh.phpage = nullptr;
+  m_psh.nPages = 0;
+  if (other.m_arrPages.GetSize() == 0) return *this;  // as in add_page
+  for (kexWizardPageInfoHolder* page : other.not_shown_)
+    if (AddPage(page->psp())) not_shown_.push_back(page);
+  return *this;
+}
 
 kexWizardDialog::~kexWizardDialog() = default;
 
@@ -44,7 +64,9 @@ void kexWizardDialog::init() { m_psh.dwFlags |= PSH_WIZARD97 | PSH_NOAPPLYNOW | 
 // Kept for compatibility: callers see a page that the system refused in the count.
 void kexWizardDialog::add_page(kexWizardPageInfoHolder& page) {
   pages_.push_back(&page);
-  AddPage(page.psp());
+  if (m_arrPages.GetSize() == 0) not_shown_.clear();  // a sheet that could not be created has used them up as well
+  not_shown_.reserve(not_shown_.size() + 1);
+  if (AddPage(page.psp()) && !m_hWnd) not_shown_.push_back(&page);
   ++pages_count_;
 }
 
@@ -81,6 +103,7 @@ void kexWizardDialog::OnSheetInitialized2() {}
 
 // noexcept: an exception must not unwind the frames of PropertySheet.
 void kexWizardDialog::OnSheetInitialized() noexcept {
+  not_shown_.clear();
   if (!(GetExStyle() & WS_EX_CONTEXTHELP)) ModifyStyleEx(0, WS_EX_CONTEXTHELP);
   make_font();
   SetTitle(title_);

@@ -21,8 +21,7 @@ kexlib::PixelSpan span_of(const DWORD* bits, SIZE size) {
 }  // namespace
 
 kexWTLDIB::kexWTLDIB() {
-  m_dc.CreateCompatibleDC();
-  m_old_bitmap = m_dc.GetCurrentBitmap();
+  if (m_dc.CreateCompatibleDC()) m_old_bitmap = m_dc.GetCurrentBitmap();
 }
 
 // Memberwise by design: callers hand the handles on.
@@ -30,7 +29,7 @@ kexWTLDIB& kexWTLDIB::operator=(const kexWTLDIB& other) = default;
 
 kexWTLDIB::~kexWTLDIB() {
   destroy();
-  m_dc.DeleteDC();
+  if (m_dc.m_hDC) m_dc.DeleteDC();  // callers that hand the handles on clear them
 }
 
 int kexWTLDIB::create(int width, int height) {
@@ -53,7 +52,7 @@ int kexWTLDIB::create(int width, int height) {
   m_bitmap = CreateDIBSection(m_dc, &m_bmi, DIB_RGB_COLORS, &bits, nullptr, 0);
   if (!m_bitmap) return 0;
   m_bits = static_cast<DWORD*>(bits);
-  m_dc.SelectBitmap(m_bitmap);
+  if (m_dc.m_hDC) m_dc.SelectBitmap(m_bitmap);
   m_size = WTL::CSize(width, height);
   return 1;
 }
@@ -64,7 +63,7 @@ int kexWTLDIB::destroy() {
 }
 
 HBITMAP kexWTLDIB::detach_bitmap() {
-  m_dc.SelectBitmap(m_old_bitmap);
+  if (m_dc.m_hDC) m_dc.SelectBitmap(m_old_bitmap);
   m_bits = nullptr;
   m_size = WTL::CSize();
   return std::exchange(m_bitmap, nullptr);
@@ -78,7 +77,7 @@ void kexWTLDIB::Fill(COLORREF color) { kexlib::fill(span_of(m_bits, m_size), kex
 
 int kexWTLDIB::set_bitmap(WTL::CBitmapT<true>* bitmap) {
   BITMAP description{};
-  if (bitmap && bitmap->GetBitmap(description)) {
+  if (bitmap && !bitmap->IsNull() && bitmap->GetBitmap(description)) {
     if (m_size != WTL::CSize(description.bmWidth, description.bmHeight))
       create(description.bmWidth, description.bmHeight);
     if (!m_bitmap) return 0;
@@ -98,7 +97,7 @@ int kexWTLDIB::set_bitmap(WTL::CBitmapT<true>* bitmap) {
 
 int kexWTLDIB::get_bitmap(WTL::CBitmapT<true>* bitmap) {
   BITMAP description{};
-  if (!bitmap || !m_bitmap) return 0;
+  if (!bitmap || bitmap->IsNull() || !m_bitmap) return 0;
   bitmap->GetBitmap(description);
   if (m_size != WTL::CSize(description.bmWidth, description.bmHeight)) return 0;
   const auto rows = static_cast<UINT>(m_size.cy);

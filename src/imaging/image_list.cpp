@@ -32,16 +32,16 @@ bool kexWTLImageList::Add(UINT bitmap_id, HINSTANCE instance, kexImageType type)
   WTL::CBitmap bitmap;
   bitmap.CreateCompatibleBitmap(screen, m_size, m_size);
   picture.get_bitmap(&bitmap);  // fails if the size differs; the bitmap then keeps its undefined contents
-  WTL::CImageList(m_handle).Add(bitmap, m_mask_color);
+  if (m_handle) WTL::CImageList(m_handle).Add(bitmap, m_mask_color);
   return true;  // kept for compatibility: callers see only a failed load
 }
 
-int kexWTLImageList::GetImageCount() const { return WTL::CImageList(m_handle).GetImageCount(); }
+int kexWTLImageList::GetImageCount() const { return m_handle ? WTL::CImageList(m_handle).GetImageCount() : 0; }
 
 bool kexWTLImageList::IsNull() const { return !m_handle; }
 
 int kexWTLImageList::SetOverlayImage(int image, int overlay) {
-  return WTL::CImageList(m_handle).SetOverlayImage(image, overlay);
+  return m_handle && WTL::CImageList(m_handle).SetOverlayImage(image, overlay);
 }
 
 kexWTLImageList::operator HIMAGELIST() const { return m_handle; }

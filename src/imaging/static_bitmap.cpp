@@ -20,9 +20,10 @@ template <class Static>
 void wbzStaticBitmapTemplate<Static>::SetBitmap(HBITMAP bitmap) {
   if (owned_) DeleteObject(bitmap_);
   if (shown_ && shown_ != bitmap_) DeleteObject(shown_);  // the control's copy
-  control_.SetBitmap(bitmap);
+  const bool has_control = control_.IsWindow();
+  if (has_control) control_.SetBitmap(bitmap);
   bitmap_ = bitmap;
-  shown_ = control_.GetBitmap();
+  shown_ = has_control ? control_.GetBitmap() : nullptr;
   owned_ = false;
 }
 
@@ -52,7 +53,7 @@ template <class Static>
 void wbzStaticBitmapTemplate<Static>::set_bitmap_from_file(const char* path) {
   ATL::CImage image;
   image.Load(path);
-  set_internal_bitmap(image.Detach());
+  set_internal_bitmap(image.IsNull() ? nullptr : image.Detach());
 }
 
 template class KEXLIB_API_INSTANTIATED wbzStaticBitmapTemplate<WTL::CStaticT<ATL::CWindow>>;

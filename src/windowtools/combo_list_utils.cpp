@@ -29,11 +29,13 @@ bool is_whole(int length, int room) { return length < room - 1; }
 }  // namespace
 
 void kexWTLComboBoxUtils::populate(const std::vector<CStringA>& items) {
+  if (!combo_.IsWindow()) return;
   combo_.ResetContent();
   for (const CStringA& item : items) combo_.AddString(item);
 }
 
 CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
+  if (!list_.IsWindow()) return {};
   constexpr int short_room = 256;
   char short_text[short_room + 1];  // most texts then need one allocation of their exact size
   const bool is_short = is_whole(read(list_, item, subitem, short_text, short_room), short_room);

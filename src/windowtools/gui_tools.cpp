@@ -23,7 +23,7 @@ RECT window_rect(const CWindow& window) {
 int widest_text(const ComboBox& combo, HDC dc) {
   int widest = 0;
   for (int item = 0; item < combo.GetCount(); ++item) {
-    combo.GetLBText(item, nullptr);
+    ::SendMessageA(combo, CB_GETLBTEXT, static_cast<WPARAM>(item), 0);  // not GetLBText, which needs a buffer
     SIZE size{};
     WTL::CDCHandle(dc).GetTextExtent("", lstrlenA(nullptr), &size);
     widest = std::max<int>(widest, size.cx);
@@ -57,6 +57,7 @@ void kexGUITools::ddx_check(CDataExchange* dx, int control_id, bool& value) {
 
 void kexGUITools::fill_combo_box_from_resource_ids(HINSTANCE module, ComboBox& combo, unsigned int* const ids,
                                                    int count) {
+  if (!combo.IsWindow()) return;
   combo.ResetContent();
   for (int i = 0; ids && i < count; ++i) {
     CStringA text;
@@ -67,12 +68,14 @@ void kexGUITools::fill_combo_box_from_resource_ids(HINSTANCE module, ComboBox& c
 }
 
 int kexGUITools::get_dropdown_width(ComboBox& combo) {
+  const int borders = 2 * GetSystemMetrics(SM_CXEDGE) + 2;
+  if (!combo.IsWindow()) return borders;
   const HDC dc = combo.GetDC();
   const HGDIOBJ previous = SelectObject(dc, combo.GetFont());
   const int widest = widest_text(combo, dc);
   SelectObject(dc, previous);
   combo.ReleaseDC(dc);
-  int width = widest + 2 * GetSystemMetrics(SM_CXEDGE) + 2;
+  int width = widest + borders;
   if (combo.GetCount() > most_items_shown) width += GetSystemMetrics(SM_CXVSCROLL);
   // Kept for compatibility: code that hooks these calls sees them. The system refuses or ignores both.
   if (previous) DeleteObject(previous);
@@ -81,10 +84,11 @@ int kexGUITools::get_dropdown_width(ComboBox& combo) {
 }
 
 void kexGUITools::set_dropdown_width(ComboBox& combo, int width) {
-  combo.SetDroppedWidth(static_cast<UINT>(std::max(width, width_of(window_rect(combo)))));
+  if (combo.IsWindow()) combo.SetDroppedWidth(static_cast<UINT>(std::max(width, width_of(window_rect(combo)))));
 }
 
 void kexGUITools::resize_dropdown_width(ComboBox& combo) {
+  if (!combo.IsWindow()) return;
   if (combo.GetCount())
     set_dropdown_width(combo, get_dropdown_width(combo));
   else
@@ -92,6 +96,7 @@ void kexGUITools::resize_dropdown_width(ComboBox& combo) {
 }
 
 void kexGUITools::resize_dropdown_length(ComboBox& combo) {
+  if (!combo.IsWindow()) return;
   const int items = combo.GetCount();
   if (!items) return;
   const int height = combo.GetItemHeight(-1) + combo.GetItemHeight(0) * std::min(items, most_items_shown) +
@@ -109,7 +114,7 @@ void kexGUITools::rearrange_buttons_on_toolbar(const std::vector<CWindow*>& butt
                                                int gap) {
   int x = x_origin;
   for (CWindow* const button : buttons) {
-    if (!button || !button->IsWindowVisible()) continue;
+    if (!button || !button->IsWindow() || !button->IsWindowVisible()) continue;
     RECT rect = window_rect(*button);
     button->ScreenToClient(&rect);  // by design relative to its client area: callers pass y_shift for the parent's
     button->SetWindowPos(nullptr, x, rect.top + y_shift, width_of(rect), height_of(rect), SWP_NOZORDER);
@@ -118,6 +123,7 @@ void kexGUITools::rearrange_buttons_on_toolbar(const std::vector<CWindow*>& butt
 }
 
 void kexGUITools::set_column_fmt(ListView& list, int column, int fmt) {
+  if (!list.IsWindow()) return;
   LVCOLUMN description{};
   description.mask = LVCF_FMT;
   list.GetColumn(column, &description);

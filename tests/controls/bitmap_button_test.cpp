@@ -8,10 +8,26 @@
 #include <support/expect_flat.h>
 #include <support/user_input.h>
 
+#include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace {
+
+std::string tooltip_of(const kexWTLBitmapButton& button) {
+  char text[80] = "";
+  EXPECT_TRUE(button.GetToolTipText(text, sizeof text));
+  return text;
+}
+
+// What the tooltip shows.
+std::string shown_by_the_tooltip(kexWTLBitmapButton& button) {
+  char text[80] = "";
+  WTL::CToolInfo tool(0, button, 0, nullptr, text);
+  button.m_tip.SendMessage(TTM_GETTEXT, sizeof text, reinterpret_cast<LPARAM>(&tool));
+  return text;
+}
 
 TEST(BitmapButtonMade, HasTheStylesOfAHoveringButtonThatSharesItsImages) {
   kexWTLBitmapButton button;
@@ -36,7 +52,7 @@ TEST_F(BitmapButtonControl, TakesTheButtonOver) {
   char name[32] = "";
   GetClassNameA(button.m_tip, name, sizeof name);
   EXPECT_STREQ(name, "tooltips_class32");
-  EXPECT_STREQ(button.m_strToolTipText, "Open a file");
+  EXPECT_EQ(tooltip_of(button), "Open a file");
 }
 
 TEST_F(BitmapButtonControl, AddsEachPictureWithItsDisabledLook) {
@@ -92,7 +108,7 @@ TEST_F(BitmapButtonControl, WithoutAPictureIsJustAFace) {
   set_drawer();
   EXPECT_EQ(color(true), face);
   EXPECT_EQ(color(false), behind);
-  EXPECT_STREQ(button_->m_strToolTipText, "");
+  EXPECT_EQ(button_->GetToolTipTextLength(), -1);
 }
 
 TEST_F(BitmapButtonControl, WithoutAnImageListIsJustAFace) {
@@ -107,7 +123,7 @@ TEST_F(BitmapButtonControl, WithoutAButtonKeepsTheRestOfItsInfo) {
   EXPECT_EQ(button.m_hWnd, nullptr);
   EXPECT_EQ(button.m_nImage[Button::_nImageNormal], 0);
   EXPECT_EQ(button.m_nImage[Button::_nImageDisabled], 1);
-  EXPECT_STREQ(button.m_strToolTipText, "text");
+  EXPECT_EQ(tooltip_of(button), "text");
 }
 
 TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
@@ -116,7 +132,7 @@ TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
   button_->SetInfo(dialog_.GetDlgItem(IDC_LATER), &images_, IDB_FRAME, "later", GetModuleHandle(nullptr));
   EXPECT_EQ(button_->m_hWnd, window());
   EXPECT_EQ(button_->m_nImage[Button::_nImageNormal], 4);
-  EXPECT_STREQ(button_->m_strToolTipText, "later");
+  EXPECT_EQ(tooltip_of(*button_), "later");
   pump_waiting();
   EXPECT_EQ(color(), orange);
 }
@@ -160,7 +176,7 @@ TEST_F(BitmapButtonControl, HasNoTooltipForANullText) {
   activations.clear();
   button_->SetInfo(window(), &images_, IDB_FRAME, nullptr, GetModuleHandle(nullptr));
   EXPECT_EQ(activations, std::vector<int>{0});
-  EXPECT_STREQ(button_->m_strToolTipText, "");
+  EXPECT_EQ(button_->GetToolTipTextLength(), -1);
   button_->SetInfo(window(), &images_, IDB_FRAME, "again", GetModuleHandle(nullptr));
   EXPECT_EQ(activations, (std::vector<int>{0, 1}));
 }
@@ -173,6 +189,22 @@ TEST_F(BitmapButtonControl, LeavesTheImageListToTheCaller) {
   EXPECT_EQ(images_.GetImageCount(), 2);
 }
 
+TEST_F(BitmapButtonControl, ShowsTheLatestTextInItsTooltip) {
+  make(kexBtnTypeThemed, "first");
+  EXPECT_EQ(shown_by_the_tooltip(*button_), "first");
+  button_->SetInfo(window(), &images_, IDB_FRAME, "second", GetModuleHandle(nullptr));
+  EXPECT_EQ(shown_by_the_tooltip(*button_), "second");
+  EXPECT_EQ(button_->m_tip.GetToolCount(), 1);
+}
+
+TEST_F(BitmapButtonControl, WithoutAnImageListDoesNotTakeItsSize) {
+  make(kexBtnTypeThemed);
+  button_->SetBitmapButtonExtendedStyle(BMPBTN_AUTOSIZE, BMPBTN_AUTOSIZE);
+  button_->SetInfo(window(), nullptr, IDB_FRAME, nullptr, GetModuleHandle(nullptr));
+  EXPECT_EQ(button_->GetImageList(), nullptr);
+  button_->UpdateWindow();
+}
+
 TEST_F(BitmapButtonControl, ACopySharesTheThemer) {
   make(kexBtnTypeThemed);
   const auto drawer = set_drawer();
@@ -183,11 +215,113 @@ TEST_F(BitmapButtonControl, ACopySharesTheThemer) {
     copy.DoPaint(CDCHandle(picture.dc()), true);
     EXPECT_EQ(drawer->styles.size(), 1u);
     EXPECT_EQ(copy.m_nImage[Button::_nImageDisabled], 1);
-    copy = *button_;
-    copy.m_hWnd = nullptr;
-    copy.m_tip.m_hWnd = nullptr;
   }
   EXPECT_EQ(images_.GetImageCount(), 2);
+}
+
+TEST(BitmapButtonCopies, OfAFreshOneAreFresh) {
+  const kexWTLBitmapButton plain(kexBtnTypePlain);
+  kexWTLBitmapButton copy(plain), assigned;
+  EXPECT_EQ(&(assigned = plain), &assigned);
+  const kexWTLBitmapButton& itself = assigned;
+  assigned = itself;
+  for (const kexWTLBitmapButton* each : {&copy, &assigned}) {
+    EXPECT_EQ(each->GetBitmapButtonExtendedStyle(), 0x13u);
+    EXPECT_EQ(each->m_hWnd, nullptr);
+    EXPECT_EQ(each->GetImageList(), nullptr);
+    for (const int image : each->m_nImage) EXPECT_EQ(image, -1);
+    EXPECT_EQ(each->GetToolTipTextLength(), -1);
+  }
+}
+
+TEST_F(BitmapButtonControl, ACopyOfOneWithoutAWindowHasItsSettingsAndATextOfItsOwn) {
+  for (const bool source_goes_first : {true, false}) {
+    auto source = std::make_unique<Button>(other_type);
+    source->SetInfo(nullptr, &images_, IDB_FRAME, "text", GetModuleHandle(nullptr));
+    source->SetBitmapButtonExtendedStyle(BMPBTN_CHECK | BMPBTN_AUTOSIZE, BMPBTN_CHECK | BMPBTN_AUTOSIZE);
+    source->SetCheck(true, false);
+    auto copy = std::make_unique<Button>(*source);
+    Button assigned;
+    assigned.SetToolTipText("before");
+    assigned = *source;
+    if (source_goes_first) source.reset();
+    for (Button* each : {copy.get(), &assigned}) {
+      EXPECT_EQ(each->GetBitmapButtonExtendedStyle(), DWORD{0x13 | BMPBTN_CHECK | BMPBTN_AUTOSIZE});
+      EXPECT_EQ(each->GetImageList(), images_.m_hImageList);
+      EXPECT_EQ(each->m_nImage[Button::_nImageDisabled], each->m_nImage[Button::_nImageNormal] + 1);
+      EXPECT_TRUE(each->GetCheck());
+      EXPECT_EQ(tooltip_of(*each), "text");
+    }
+    copy->SetToolTipText("other");
+    if (!source_goes_first) {
+      EXPECT_EQ(tooltip_of(*source), "text");
+    }
+    copy.reset();
+    source.reset();
+  }
+  EXPECT_GT(images_.GetImageCount(), 0);
+}
+
+TEST_F(BitmapButtonControl, ACopyOfALiveOneHasItsWindowButNotItsMessages) {
+  make(kexBtnTypeThemed, "text");
+  const auto drawer = set_drawer();
+  {
+    Button copy(*button_), assigned;
+    assigned = *button_;
+    for (Button* each : {&copy, &assigned}) {
+      EXPECT_EQ(each->m_hWnd, window());
+      EXPECT_EQ(each->m_tip.m_hWnd, button_->m_tip.m_hWnd);
+    }
+    EXPECT_EQ(button_->m_tip.GetToolCount(), 1) << "copying adds no text to the tooltip";
+  }
+  button_->Invalidate(FALSE);
+  button_->UpdateWindow();
+  EXPECT_EQ(drawer->styles.size(), 1u) << "the source is there still";
+  EXPECT_EQ(shown_by_the_tooltip(*button_), "text");
+
+  const Button copy(*button_);
+  button_->UnsubclassWindow();
+  button_.reset();
+  EXPECT_TRUE(::IsWindow(copy)) << "the source may go first";
+}
+
+TEST_F(BitmapButtonControl, ALiveOneKeepsItsWindowWhenItIsAssignedTo) {
+  make(kexBtnTypeThemed, "text");
+  const HWND tip = button_->m_tip, before = window();
+  Button other(kexBtnTypePlain);
+  other.SetInfo(dialog_.GetDlgItem(IDC_LATER), &images_, IDB_FRAME, "other", GetModuleHandle(nullptr));
+  *button_ = other;
+  EXPECT_EQ(button_->m_hWnd, before);
+  EXPECT_EQ(button_->m_tip.m_hWnd, tip);
+  EXPECT_EQ(shown_by_the_tooltip(*button_), "other");
+  EXPECT_EQ(button_->m_nImage[Button::_nImageNormal], 2);
+  *button_ = Button();
+  EXPECT_EQ(button_->m_hWnd, before);
+  EXPECT_EQ(button_->GetImageList(), nullptr);
+  EXPECT_EQ(button_->GetToolTipTextLength(), -1);
+  button_->UpdateWindow();
+  other.UnsubclassWindow();
+}
+
+TEST_F(BitmapButtonControl, ACopyNeverOwnsTheImageList) {
+  const HIMAGELIST owned = ImageList_Create(picture_size, picture_size, ILC_COLOR32, 1, 1),
+                   replaced = ImageList_Create(picture_size, picture_size, ILC_COLOR32, 1, 1);
+  {
+    Button owner;
+    owner.SetImageList(owned);
+    owner.SetBitmapButtonExtendedStyle(0, BMPBTN_SHAREIMAGELISTS);
+    { const Button copy(owner); }
+    EXPECT_EQ(ImageList_GetImageCount(owned), 0);
+    EXPECT_TRUE(ImageList_SetImageCount(owned, 1)) << "it is there still";
+
+    Button assigned;
+    assigned.SetImageList(replaced);
+    assigned.SetBitmapButtonExtendedStyle(0, BMPBTN_SHAREIMAGELISTS);
+    assigned = owner;
+    EXPECT_FALSE(ImageList_SetImageCount(replaced, 1)) << "it was the object's own";
+    EXPECT_EQ(ImageList_GetImageCount(owned), 1);
+  }
+  EXPECT_FALSE(ImageList_SetImageCount(owned, 1));
 }
 
 TEST_F(BitmapButtonControl, RoundsLeaveNothingBehind) {

@@ -170,8 +170,7 @@ TEST_F(ArrowFont, IsSharedByCopies) {
   const HFONT font = button_.GetFont();
   {
     atlButtonMenu copy(button_);
-    copy.m_hWnd = nullptr;
-    copy.m_pfnSuperWindowProc = DefWindowProc;
+    EXPECT_EQ(copy.m_hWnd, more_) << "the window, but not its messages";
     const HWND later = dialog_.GetDlgItem(IDC_LATER);
     ASSERT_TRUE(copy.SubclassWindow(later));
     EXPECT_EQ(copy.GetFont(), font);
@@ -180,8 +179,35 @@ TEST_F(ArrowFont, IsSharedByCopies) {
   }
   EXPECT_EQ(GetObjectType(font), 0u);
   atlButtonMenu assigned;
-  assigned = button_;
+  EXPECT_EQ(&(assigned = button_), &assigned);
+  EXPECT_EQ(assigned.m_hWnd, more_);
   EXPECT_EQ(fonts_made, 1);
+}
+
+TEST_F(ArrowFont, OfAFreshCopyIsItsOwn) {
+  atlButtonMenu fresh;
+  {
+    const atlButtonMenu copy(fresh);
+    fresh = copy;
+  }
+  ASSERT_TRUE(fresh.SubclassWindow(more_));
+  EXPECT_EQ(fonts_made, 1);
+  EXPECT_TRUE(fresh.UnsubclassWindow());
+}
+
+TEST_F(ButtonMenu, KeepsItsWindowWhenItIsAssignedTo) {
+  ASSERT_TRUE(button_.SubclassWindow(more_));
+  {
+    atlButtonMenu other;
+    other.SetMenu(nullptr, 0);
+    button_ = other;
+    const atlButtonMenu& itself = button_;
+    button_ = itself;
+  }
+  EXPECT_EQ(button_.m_hWnd, more_);
+  EXPECT_EQ(SendMessageA(more_, OCM_COMMAND, MAKEWPARAM(IDC_MORE, BN_CLICKED), 0), 0);
+  EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED) << "the menu of the other one is none";
+  EXPECT_TRUE(button_.UnsubclassWindow());
 }
 
 TEST_F(ArrowFont, IsALetterWhereThereIsNone) {

@@ -13,6 +13,7 @@
 #include <support/window_text.h>
 
 #include <cmath>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -337,6 +338,60 @@ TEST_F(NumericEditBox, ACopyHasTheNumbersButNotTheMessages) {
   EXPECT_EQ(text(), "3.000") << "the source is there still";
 }
 
+TEST(NumericEditBoxWithoutAWindow, IsCopiedWithItsNumbers) {
+  auto source = std::make_unique<kexNumericEditBox>(box_with(","));
+  source->set_value(-1.5);
+  source->set_decimal_places(1);
+  kexNumericEditBox copy(*source), assigned;
+  EXPECT_EQ(&(assigned = *source), &assigned);
+  source.reset();
+  LengthDialog dialog;
+  ASSERT_TRUE(dialog.Create(nullptr));
+  for (kexNumericEditBox* each : {&copy, &assigned}) {
+    EXPECT_EQ(each->m_hWnd, nullptr);
+    EXPECT_EQ(each->get_value(), -1.5);
+    EXPECT_EQ(each->get_decimal_places(), 1);
+    ASSERT_TRUE(each->SubclassWindow(dialog.GetDlgItem(each == &copy ? IDC_LENGTH : IDC_WIDTH)));
+    each->set_value(-2.5);
+    EXPECT_EQ(window_text(*each), "-2,5") << "the separator and the sign are copied as well";
+  }
+  dialog.DestroyWindow();
+}
+
+TEST_F(NumericEditBox, KeepsItsWindowWhenItIsAssignedTo) {
+  const HWND width = dialog_.GetDlgItem(IDC_WIDTH);
+  kexNumericEditBox other;
+  ASSERT_TRUE(other.SubclassWindow(width));
+  other.set_value(7.0);
+  box_.set_value(1.0);
+  box_ = other;
+  EXPECT_EQ(box_.m_hWnd, edit_);
+  EXPECT_EQ(text(), "7.000");
+  EXPECT_EQ(box_.get_value(), 7.0);
+  const kexNumericEditBox& itself = box_;
+  box_ = itself;
+  SetWindowTextA(edit_, "8x");
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(text(), "8.000") << "it gets the messages still";
+  EXPECT_EQ(window_text(width), "7.000");
+  EXPECT_TRUE(other.UnsubclassWindow());
+}
+
+TEST_F(NumericEditBox, ACopyMayLeaveTheWindowThatItNames) {
+  const HWND width = dialog_.GetDlgItem(IDC_WIDTH);
+  {
+    kexNumericEditBox copy(box_);
+    ASSERT_TRUE(copy.SubclassWindow(width));
+    SetWindowTextA(width, "4x");
+    SendMessageA(width, WM_KILLFOCUS, 0, 0);
+    EXPECT_EQ(window_text(width), "4.000");
+    EXPECT_TRUE(copy.UnsubclassWindow());
+  }
+  SetWindowTextA(edit_, "5x");
+  SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
+  EXPECT_EQ(text(), "5.000");
+}
+
 TEST_F(NumericEditBox, LetsTheEditControlDoItsOwnWorkWhenTheFocusLeaves) {
   dialog_.told.clear();
   SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
@@ -357,6 +412,13 @@ TEST_F(NumericEditBox, GoesOnWithoutTheWindowThatIsDestroyed) {
   SetWindowTextA(edit_, "1e1");
   SendMessageA(edit_, WM_KILLFOCUS, 0, 0);
   EXPECT_EQ(text(), "10.000");
+}
+
+TEST_F(NumericEditBox, MayBeAttachedToAHostAfterItsWindowIsGone) {
+  ::DestroyWindow(edit_);
+  box_.Attach(dialog_);
+  box_.Create(dialog_);
+  EXPECT_EQ(::GetParent(box_), dialog_.m_hWnd);
 }
 
 TEST(NumericEditBoxRounds, LeaveNothingBehind) {

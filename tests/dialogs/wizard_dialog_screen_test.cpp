@@ -335,6 +335,20 @@ TEST_F(WizardOnScreen, ACopyRunsAsTheOriginalWould) {
   copy.initialized = [&] { EXPECT_EQ(window_text(copy), "New part"); };
   EXPECT_GT(run(copy, {then([&](HWND sheet) { EXPECT_EQ(copy.m_hWnd, sheet); }), press(PSBTN_FINISH)}), 0);
   EXPECT_EQ(wizard.m_hWnd, nullptr);
+  const Wizard of_what_was_shown(copy);
+  EXPECT_EQ(of_what_was_shown.m_arrPages.GetSize(), 0);
+  EXPECT_EQ(of_what_was_shown.get_pages_count(), wizard.get_pages_count());
+  EXPECT_GT(run(wizard, {then([&](HWND sheet) { EXPECT_EQ(wizard.m_hWnd, sheet); }), press(PSBTN_FINISH)}), 0)
+      << "it has pages of its own";
+}
+
+TEST_F(WizardOnScreen, ACopyOfAShownOneHasNoWindow) {
+  show(wizard, {then([&](HWND sheet) {
+         const Wizard copy(wizard);
+         EXPECT_EQ(wizard.m_hWnd, sheet);
+         EXPECT_EQ(copy.m_hWnd, nullptr);
+         EXPECT_EQ(copy.m_arrPages.GetSize(), 0);
+       })});
 }
 
 TEST_F(WizardOnScreen, BeginsWithThePageThatItIsTold) {

@@ -9,6 +9,8 @@
 #include <dialogs/resources.h>
 #include <dialogs/wizard_dialog_fixture.h>
 
+#include <memory>
+
 namespace {
 
 TEST(Wizard, BeginsWithItsStyleAndWhatItIsGiven) {
@@ -45,7 +47,7 @@ TEST(Wizard, CountsAndKeepsThePagesThatItWasGiven) {
   EXPECT_EQ(wizard.get_pages_count(), 1);
   wizard.add_page(none);  // rejected but counted: callers see it in the count
   EXPECT_EQ(wizard.get_pages_count(), 2);
-  EXPECT_EQ(wizard.m_arrPages.size(), 1u);
+  EXPECT_EQ(wizard.m_arrPages.GetSize(), 1);
   EXPECT_EQ(&wizard.get_page(0), &name);
   EXPECT_EQ(&wizard.get_page(1), &none);
   EXPECT_EQ(wizard.get_page(0).idd(), DWORD{IDD_NAME_PAGE});
@@ -90,9 +92,53 @@ TEST(Wizard, CopiesHaveThePagesTheUserObjectAndTheHeader) {
     EXPECT_EQ(&assigned.get_page(0), &name);
     EXPECT_EQ(assigned.m_psh.nStartPage, 1u);
     EXPECT_EQ(assigned.m_psh.hwndParent, GetDesktopWindow());
-    EXPECT_EQ(assigned.m_arrPages.size(), 1u);
+    EXPECT_EQ(assigned.m_arrPages.GetSize(), 1);
   }
   EXPECT_EQ(released, 1);
+}
+
+TEST(Wizard, CopiesOfAFreshOneAreFresh) {
+  Wizard copy{Wizard()};
+  const Wizard& itself = copy;
+  copy = itself;
+  EXPECT_EQ(copy.m_hWnd, nullptr);
+  EXPECT_EQ(copy.get_pages_count(), 0);
+  EXPECT_EQ(copy.m_arrPages.GetSize(), 0);
+  EXPECT_EQ(copy.m_psh.dwFlags, 0x01000190u);
+}
+
+// Of the pages that the callback of a page sees.
+int pages_alive = 0;
+UINT CALLBACK count_pages(HWND, UINT message, PROPSHEETPAGEA*) {
+  if (message == PSPCB_ADDREF) ++pages_alive;
+  if (message == PSPCB_RELEASE) --pages_alive;
+  return 1;
+}
+
+TEST(Wizard, CopiesHavePageHandlesOfTheirOwn) {
+  Page<IDD_NAME_PAGE> name;
+  name.m_psp.dwFlags |= PSP_USECALLBACK;
+  name.m_psp.pfnCallback = count_pages;
+  NoPage refused;
+  for (const bool source_goes_first : {true, false}) {
+    pages_alive = 0;
+    auto source = std::make_unique<Wizard>();
+    source->add_page(refused);
+    source->add_page(name);
+    ASSERT_EQ(pages_alive, 1);
+    auto copy = std::make_unique<Wizard>(*source);
+    EXPECT_EQ(copy->get_pages_count(), 2);
+    EXPECT_EQ(copy->m_arrPages.GetSize(), 1) << "what the system refused is not tried again";
+    EXPECT_EQ(pages_alive, 2);
+    EXPECT_NE(copy->m_arrPages[0], source->m_arrPages[0]);
+    *copy = *source;
+    EXPECT_EQ(pages_alive, 2) << "those that it had are destroyed";
+    (source_goes_first ? source : copy).reset();
+    EXPECT_EQ(pages_alive, 1);
+    source.reset();
+    copy.reset();
+    EXPECT_EQ(pages_alive, 0);
+  }
 }
 
 TEST(Wizard, TakesAnIconAndATitleForLater) {

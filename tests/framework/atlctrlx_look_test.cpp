@@ -38,9 +38,9 @@ TEST_F(BitmapButton, AFrameComesOnTopOfThePicturesSize) {
   EXPECT_GT(window.Width(), image_size);
 }
 
-TEST_F(BitmapButton, WhatIsNoWindowCannotBeSubclassed) {
+TEST_F(BitmapButton, WhatTheSystemRefusesGetsNoTooltip) {
   CBitmapButton none;
-  EXPECT_FALSE(none.SubclassWindow(nullptr));
+  EXPECT_FALSE(none.SubclassWindow(GetDesktopWindow()));
   EXPECT_FALSE(none.m_tip.IsWindow());
 }
 
@@ -63,14 +63,17 @@ TEST_F(BitmapButton, CanBeCreatedToo) {
 TEST_F(BitmapButton, ShowsThePictureOfItsState) {
   make(0);
   EXPECT_EQ(color(), red);
+  button->m_fFocus = 1;
+  EXPECT_EQ(color(), blue);
+  button->m_fPressed = 1;
+  EXPECT_EQ(color(), green) << "pressed goes before hot";
   button->EnableWindow(FALSE);
-  EXPECT_EQ(color(), gray);
-  button->SendMessage(BM_SETSTATE, TRUE);
-  EXPECT_EQ(color(), green) << "pressed goes before disabled";
-  button->SendMessage(BM_SETSTATE, FALSE);
-  EXPECT_EQ(color(), gray);
+  EXPECT_EQ(color(), gray) << "disabled goes before pressed";
+  button->m_fPressed = 0, button->m_fFocus = 0;
   button->EnableWindow();
   EXPECT_EQ(color(), red);
+  button->SendMessage(BM_SETSTATE, TRUE);
+  EXPECT_EQ(color(), red) << "the state of the system's button is another one";
 }
 
 TEST_F(BitmapButton, AStateWithoutAPictureShowsTheNormalOne) {
@@ -80,16 +83,9 @@ TEST_F(BitmapButton, AStateWithoutAPictureShowsTheNormalOne) {
   EXPECT_EQ(color(), blue);
   button->EnableWindow(FALSE);
   EXPECT_EQ(color(), blue);
-  button->SendMessage(BM_SETSTATE, TRUE);
+  button->EnableWindow();
+  button->m_fPressed = 1;
   EXPECT_EQ(color(), blue);
-}
-
-TEST_F(BitmapButton, WithoutPicturesItShowsNone) {
-  button = std::make_unique<CBitmapButton>(BMPBTN_AUTOSIZE);
-  button->SubclassWindow(make_plain());
-  EXPECT_EQ(color(), behind);
-  button->SetImages(normal);
-  EXPECT_EQ(color(), behind) << "nor without an image list";
 }
 
 TEST_F(BitmapButton, SetImagesLeavesWhatItIsNotTold) {
@@ -106,7 +102,7 @@ TEST_F(BitmapButton, APressedOneWithAnEdgeAndWithoutAPictureMovesByAPixel) {
   button->SetImages(normal);
   button->SubclassWindow(make_plain());
   EXPECT_EQ(paint().at(image_size, 10), behind);
-  button->SendMessage(BM_SETSTATE, TRUE);
+  button->m_fPressed = 1;
   EXPECT_EQ(paint().at(image_size, 10), RGB(0, 0, 0));
   EXPECT_EQ(paint().at(10, image_size), RGB(0, 0, 0));
   EXPECT_EQ(paint().at(1, 10), RGB(0, 0, 0));
@@ -130,15 +126,15 @@ Picture with_edge(const Picture& plain, int size, UINT edge) {
 TEST_F(BitmapButton, HasTheEdgeThatItsStyleSays) {
   make(0);
   Picture released = paint();
-  button->SendMessage(BM_SETSTATE, TRUE);
+  button->m_fPressed = 1;
   Picture pressed = paint();
   for (auto [style, raised, sunken] :
        {std::tuple<DWORD, UINT, UINT>{BMPBTN_AUTO3D_SINGLE, BDR_RAISEDINNER, BDR_SUNKENOUTER},
         {BMPBTN_AUTO3D_DOUBLE, EDGE_RAISED, EDGE_SUNKEN}}) {
     button->SetBitmapButtonExtendedStyle(style);
-    button->SendMessage(BM_SETSTATE, FALSE);
+    button->m_fPressed = 0;
     EXPECT_TRUE(paint() == with_edge(released, 40, raised));
-    button->SendMessage(BM_SETSTATE, TRUE);
+    button->m_fPressed = 1;
     EXPECT_TRUE(paint() == with_edge(pressed, 40, sunken));
   }
 }
@@ -162,6 +158,48 @@ TEST_F(BitmapButton, ACheckedOneLooksPressedIfItsStyleSaysSo) {
   EXPECT_EQ(color(), green);
   button->SetCheck(false);
   EXPECT_EQ(color(), red);
+  button->SetBitmapButtonExtendedStyle(BMPBTN_AUTOCHECK);
+  button->SetCheck(true);
+  EXPECT_EQ(color(), green);
+}
+
+TEST_F(BitmapButton, OnlyAutocheckMakesAClickChangeTheCheckState) {
+  for (const DWORD hover : {DWORD{0}, DWORD{BMPBTN_HOVER}}) {
+    make(hover | BMPBTN_CHECK);
+    button->SendMessage(BM_CLICK);
+    EXPECT_FALSE(button->GetCheck());
+    button->SetBitmapButtonExtendedStyle(hover | BMPBTN_AUTOCHECK);
+    parent.clicks = 0;
+    bool during = false;
+    parent.on_click = [&] { during = button->GetCheck(); };
+    button->SendMessage(BM_CLICK);
+    EXPECT_TRUE(during) << "before the parent is told";
+    button->SendMessage(BM_CLICK);
+    EXPECT_FALSE(button->GetCheck());
+    EXPECT_EQ(parent.clicks, 2);
+    parent.on_click = nullptr;
+    button->UnsubclassWindow();
+    plain.DestroyWindow();
+  }
+  make(BMPBTN_AUTOCHECK);
+  button->SendMessage(WM_KEYDOWN, VK_SPACE, 0x00390001);
+  button->SendMessage(WM_KEYUP, VK_SPACE, static_cast<LPARAM>(0xC0390001));
+  EXPECT_TRUE(button->GetCheck()) << "the space bar too";
+}
+
+TEST_F(BitmapButton, WithAutofireClicksWhileItIsHeldDown) {
+  make(BMPBTN_HOVER | BMPBTN_AUTOFIRE);
+  button->SendMessage(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+  ASSERT_TRUE(pump_until([&] { return parent.clicks >= 2; }));
+  button->SendMessage(WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(-5, 5));
+  parent.clicks = 0;
+  button->SendMessage(WM_TIMER, CBitmapButton::ID_TIMER_REPEAT);
+  EXPECT_EQ(parent.clicks, 0) << "not while the mouse is outside";
+  button->SendMessage(WM_LBUTTONUP, 0, MAKELPARAM(-5, 5));
+  EXPECT_EQ(GetCapture(), nullptr);
+  button->SendMessage(WM_TIMER, CBitmapButton::ID_TIMER_REPEAT);
+  EXPECT_EQ(parent.clicks, 0);
+  EXPECT_FALSE(button->KillTimer(CBitmapButton::ID_TIMER_REPEAT)) << "it has ended";
 }
 
 TEST_F(BitmapButton, ChangesOnlyTheStylesOfTheMask) {
@@ -212,21 +250,28 @@ TEST_F(BitmapButton, TellsItsTooltipTheTextNowOrLater) {
   button->SetToolTipText("before");
   button->SubclassWindow(make_plain());
   EXPECT_EQ(shown(), "before");
-  button->SetToolTipText("after");
+  CToolInfo tool(0, *button);
+  button->m_tip.DelTool(tool);
+  EXPECT_TRUE(button->SetToolTipText("after"));
   EXPECT_EQ(shown(), "after");
-  button->SetToolTipText(nullptr);
-  EXPECT_EQ(button->m_tip.GetToolCount(), 1);
-  EXPECT_EQ(shown(), "");
+  EXPECT_TRUE(button->SetToolTipText(nullptr));
+  EXPECT_EQ(button->m_tip.GetToolCount(), 1) << "the tool stays, switched off";
+  EXPECT_EQ(shown(), "after");
 }
 
-TEST_F(BitmapButton, ACopyHasATooltipTextOfItsOwn) {
-  CBitmapButton first(BMPBTN_SHAREIMAGELISTS);
-  first.SetToolTipText("text");
-  {
-    CBitmapButton second(first);
-    second.SetToolTipText("other");
-  }
-  EXPECT_STREQ(first.m_strToolTipText, "text");
+TEST_F(BitmapButton, HasATextOfItsOwn) {
+  CBitmapButton owner;
+  char text[3] = "x";
+  EXPECT_EQ(owner.GetToolTipTextLength(), -1);
+  EXPECT_FALSE(owner.GetToolTipText(text, sizeof text));
+  char given[] = "text";
+  EXPECT_TRUE(owner.SetToolTipText(given));
+  given[0] = 'n';
+  EXPECT_EQ(owner.GetToolTipTextLength(), 4);
+  EXPECT_TRUE(owner.GetToolTipText(text, sizeof text));
+  EXPECT_STREQ(text, "te");
+  EXPECT_TRUE(owner.SetToolTipText(nullptr));
+  EXPECT_EQ(owner.GetToolTipTextLength(), -1);
 }
 
 TEST_F(BitmapButton, HasNothingToErase) {
@@ -253,13 +298,33 @@ TEST_F(BitmapButton, TheSpaceBarPressesItExceptInHoverMode) {
   EXPECT_EQ(parent.clicks, 1);
 }
 
-TEST_F(BitmapButton, IsShownReleasedBeforeItsClickIsHandled) {
+TEST_F(BitmapButton, IsReleasedBeforeItsClickIsHandledExceptInHoverMode) {
+  for (const bool hover : {false, true}) {
+    make(hover ? BMPBTN_HOVER : 0);
+    parent.clicks = 0;
+    bool pressed = !hover;
+    HWND captured = nullptr;
+    parent.on_click = [&] {
+      pressed = button->m_fPressed;
+      captured = GetCapture();
+    };
+    button->SendMessage(BM_CLICK);
+    EXPECT_EQ(parent.clicks, 1);
+    EXPECT_EQ(pressed, hover);
+    EXPECT_EQ(captured, hover ? button->m_hWnd : nullptr);
+    EXPECT_EQ(GetCapture(), nullptr);
+    EXPECT_FALSE(button->m_fPressed);
+    parent.on_click = nullptr;
+    button->UnsubclassWindow();
+    plain.DestroyWindow();
+  }
+}
+
+TEST_F(BitmapButton, IsNotPaintedByTheSystem) {
   make(0);
-  bool pressed = true;
-  parent.on_click = [&] { pressed = button->m_fPressed; };
-  button->SendMessage(BM_CLICK);
-  EXPECT_EQ(parent.clicks, 1);
-  EXPECT_FALSE(pressed);
+  Picture before = paint();
+  EXPECT_EQ(button->SendMessage(WM_UPDATEUISTATE, MAKEWPARAM(UIS_CLEAR, UISF_HIDEFOCUS)), 0);
+  EXPECT_TRUE(paint() == before);
 }
 
 TEST_F(BitmapButton, MayBeDestroyedByItsClick) {
@@ -302,9 +367,9 @@ TEST_F(BitmapButton, HasAPictureOfEachStateForPeopleToLookAt) {
   for (int row = 0; row < 2; ++row) {
     button->SetBitmapButtonExtendedStyle(row == 0 ? BMPBTN_AUTO3D_DOUBLE : BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE);
     add(0, row);
-    button->SendMessage(BM_SETSTATE, TRUE);
+    button->m_fPressed = 1;
     add(1, row);
-    button->SendMessage(BM_SETSTATE, FALSE);
+    button->m_fPressed = 0;
     (row == 0 ? button->m_fFocus = 1 : button->m_fMouseOver = 1);
     add(2, row);
     (row == 0 ? button->m_fFocus = 0 : button->m_fMouseOver = 0);

@@ -72,6 +72,7 @@ class BitmapButton : public testing::Test {
 
   HWND make_plain(int size = 40) {
     RECT place{50, 50, 50 + size, 50 + size};
+    plain.Detach();
     return plain.Create(parent, place, "", WS_CHILD | WS_VISIBLE, 0, 17U);
   }
 

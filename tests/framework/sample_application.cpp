@@ -250,6 +250,7 @@ class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
   // A button with pictures that stays pressed.
   void show_pin() {
     RECT place{5, 45, 29, 69};
+    m_pin.SetImages(0);
     m_pin.Create(m_hWnd, place, "Pin");
     m_pin.SetCheck(true);
     POINT corner{};
@@ -267,7 +268,7 @@ class CMainDialog : public ATL::CDialogImpl<CMainDialog> {
 
   CDigitEdit m_amount;
   CLampButton m_lamp;
-  WTL::CBitmapButton m_pin{WTL::BMPBTN_CHECK, pin_images()};
+  WTL::CBitmapButton m_pin{BMPBTN_CHECK, pin_images()};
 };
 
 }  // namespace

@@ -46,16 +46,19 @@ enum kexWTLButtonType : int {
 };
 
 /// The button. It does not destroy its window: destroy the window first, with the dialog. The other operations of WTL's
-/// button are available: SetBitmapButtonExtendedStyle(BMPBTN_CHECK, BMPBTN_CHECK) draws it pressed.
+/// button are available: SetBitmapButtonExtendedStyle(BMPBTN_CHECK, BMPBTN_CHECK) draws it pressed, BMPBTN_AUTOCHECK
+/// makes clicks change GetCheck().
 class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
  public:
   /// No window. The extended style is BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS. A button that is
   /// not plain has a themer for push buttons.
   explicit kexWTLBitmapButton(kexWTLButtonType type = kexBtnTypeThemed);
-  /// A copy shares the themer, which reads the window handle of the button that it was created for. That button must
-  /// outlive the copy, or set another themer on the copy.
+  /// A copy has the same window handle and tooltip, but does not get the window's messages. It does not own the image
+  /// list: it has BMPBTN_SHAREIMAGELISTS. It shares the themer, which reads the window handle of the button that it was
+  /// created for. That button must outlive the copy, or set another themer on the copy.
   kexWTLBitmapButton(const kexWTLBitmapButton& other);
-  /// The same.
+  /// The same. An object that gets the messages of a window keeps that window and its tooltip, and shows there what is
+  /// copied. An image list that it owned is destroyed.
   kexWTLBitmapButton& operator=(const kexWTLBitmapButton& other);
 
   /// WM_PAINT and WM_PRINTCLIENT paint; WTL handles the other messages. Message maps other than 0 handle nothing.

@@ -23,14 +23,21 @@
 #include <atlctrls.h>
 #include <atlgdi.h>
 
-/// The button. It does not destroy its window: destroy the window first, with the dialog. A copy shares the font with
-/// its source; the first of the two to be destroyed deletes it.
+/// The button. It does not destroy its window: destroy the window first, with the dialog.
+///
+/// A copy has the same menu and the same window handle, but does not get the window's messages. It shares the font with
+/// its source; the first of the two to be destroyed deletes it. An object that gets the messages of a window keeps that
+/// window when another one is assigned to it. The font that it had is not deleted.
 class KEXLIB_API atlButtonMenu
     : public ATL::CWindowImpl<atlButtonMenu, WTL::CButtonT<ATL::CWindow>,
                               ATL::CWinTraits<WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0>> {
  public:
   /// No window and no menu.
   atlButtonMenu() = default;
+  /// See the class.
+  atlButtonMenu(const atlButtonMenu& other);
+  /// See the class.
+  atlButtonMenu& operator=(const atlButtonMenu& other);
 
   /// A click that the parent reflects (OCM_COMMAND with BN_CLICKED) calls OnClick; other reflected messages are passed
   /// to DefaultReflectionHandler. Message maps other than 0 handle nothing.

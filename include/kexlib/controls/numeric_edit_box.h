@@ -24,7 +24,9 @@
 
 #include <kexlib/controls/numeric_formatting.h>
 
-/// The edit box. A copy has the same numbers and the same window handle, but does not get the window's messages.
+/// The edit box. A copy has the same numbers and the same window handle, but does not get the window's messages. An
+/// object that gets the messages of a window keeps that window when another one is assigned to it, and shows the number
+/// there.
 class KEXLIB_API kexNumericEditBox
     : public ATL::CWindowImpl<kexNumericEditBox, WTL::CEditT<ATL::CWindow>,
                               ATL::CWinTraits<WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN, 0>> {
@@ -32,6 +34,10 @@ class KEXLIB_API kexNumericEditBox
   /// No window. The value is 0 with three decimal places, negative numbers are allowed, and the separator is the user's
   /// decimal separator at this moment.
   kexNumericEditBox();
+  /// See the class.
+  kexNumericEditBox(const kexNumericEditBox& other);
+  /// See the class.
+  kexNumericEditBox& operator=(const kexNumericEditBox& other);
 
   /// WM_KILLFOCUS reads and rewrites the number; the edit control gets the message as well. Returns FALSE.
   BOOL ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,

@@ -107,8 +107,9 @@ class KEXLIB_API kexWizardExchangeBase {
 
 /// The wizard. Of its base: DoModal, SetTitle, GetActiveIndex, SetActivePage, PressButton, SetWizardButtons and more.
 ///
-/// Copies share the font, the user object, the page objects and the page handles for DoModal, which the first copy to
-/// be shown consumes. Do not copy a wizard that is shown.
+/// Copies share the font, the user object and the page objects. A copy has page handles of its own for DoModal, made
+/// anew from the page objects whose pages its source has not shown yet (psp); pages that AddPage added without a page
+/// object are not copied. A copy has no window. Do not assign to a wizard that is shown.
 class KEXLIB_API kexWizardDialog : public WTL::CPropertySheetImpl<kexWizardDialog, WTL::CPropertySheetWindow> {
  public:
   /// Stores the settings; DoModal creates the window.
@@ -120,11 +121,11 @@ class KEXLIB_API kexWizardDialog : public WTL::CPropertySheetImpl<kexWizardDialo
   /// As above, with a title from the string resources (CStringA::LoadString); empty if the resource is missing.
   kexWizardDialog(UINT title_id, int start_page, HWND parent);
 
-  /// Copies everything; see the class.
-  kexWizardDialog(const kexWizardDialog&);
+  /// See the class.
+  kexWizardDialog(const kexWizardDialog& other);
 
-  /// Copies everything; see the class.
-  kexWizardDialog& operator=(const kexWizardDialog&);
+  /// See the class. Destroys the pages that this wizard has not shown.
+  kexWizardDialog& operator=(const kexWizardDialog& other);
 
   /// Destroys pages that were never shown. The objects given to add_page are not accessed.
   ~kexWizardDialog() override;
@@ -173,6 +174,7 @@ class KEXLIB_API kexWizardDialog : public WTL::CPropertySheetImpl<kexWizardDialo
   std::shared_ptr<kexWizardExchangeBase> user_object_;
   int pages_count_ = 0;
   std::vector<kexWizardPageInfoHolder*> pages_;
+  std::vector<kexWizardPageInfoHolder*> not_shown_;  // those of pages_ that the base has handles for
 };
 
 #endif

@@ -34,7 +34,8 @@ class _U_MENUorID {
 };
 
 // A window handle with the system's functions as methods. It owns nothing: copies refer to the same window, and the
-// destructor does not destroy it. Each method is the system's function or message of that name.
+// destructor does not destroy it. Each method is the system's function or message of that name, and asserts that there
+// is a window.
 class CWindow {
  public:
   CWindow(HWND window = nullptr) noexcept : m_hWnd(window) {}
@@ -57,6 +58,7 @@ class CWindow {
   // Calls CreateWindowEx with the instance of this module. The object then holds the new window, or null.
   HWND Create(LPCTSTR windowClass, HWND parent, _U_RECT rect = nullptr, LPCTSTR name = nullptr, DWORD style = 0,
               DWORD extendedStyle = 0, _U_MENUorID menuOrId = 0U, LPVOID parameter = nullptr) noexcept {
+    ATLASSERT(!m_hWnd);
     const RECT& place = rect.m_lpRect ? *rect.m_lpRect : rcDefault;
     m_hWnd = CreateWindowEx(extendedStyle, windowClass, name, style, place.left, place.top, place.right - place.left,
                             place.bottom - place.top, parent, menuOrId.m_hMenu, _AtlBaseModule.GetModuleInstance(),
@@ -65,23 +67,23 @@ class CWindow {
   }
   // The object is null afterwards, unless the window cannot be destroyed.
   BOOL DestroyWindow() noexcept {
-    if (!::DestroyWindow(m_hWnd)) return FALSE;
+    if (!::DestroyWindow(existing())) return FALSE;
     m_hWnd = nullptr;
     return TRUE;
   }
   BOOL IsWindow() const noexcept { return ::IsWindow(m_hWnd); }
 
   LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const noexcept {
-    return ::SendMessage(m_hWnd, message, wParam, lParam);
+    return ::SendMessage(existing(), message, wParam, lParam);
   }
   BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const noexcept {
-    return ::PostMessage(m_hWnd, message, wParam, lParam);
+    return ::PostMessage(existing(), message, wParam, lParam);
   }
 
-  LONG GetWindowLong(int index) const noexcept { return ::GetWindowLong(m_hWnd, index); }
-  LONG SetWindowLong(int index, LONG value) noexcept { return ::SetWindowLong(m_hWnd, index, value); }
-  LONG_PTR GetWindowLongPtr(int index) const noexcept { return ::GetWindowLongPtr(m_hWnd, index); }
-  LONG_PTR SetWindowLongPtr(int index, LONG_PTR value) noexcept { return ::SetWindowLongPtr(m_hWnd, index, value); }
+  LONG GetWindowLong(int index) const noexcept { return ::GetWindowLong(existing(), index); }
+  LONG SetWindowLong(int index, LONG value) noexcept { return ::SetWindowLong(existing(), index, value); }
+  LONG_PTR GetWindowLongPtr(int index) const noexcept { return ::GetWindowLongPtr(existing(), index); }
+  LONG_PTR SetWindowLongPtr(int index, LONG_PTR value) noexcept { return ::SetWindowLongPtr(existing(), index, value); }
   DWORD GetStyle() const noexcept { return static_cast<DWORD>(GetWindowLong(GWL_STYLE)); }
   DWORD GetExStyle() const noexcept { return static_cast<DWORD>(GetWindowLong(GWL_EXSTYLE)); }
   // Returns FALSE if the style does not change. Nonzero `flags` are for a call of SetWindowPos that keeps position and
@@ -91,61 +93,63 @@ class CWindow {
     return modify(GWL_EXSTYLE, remove, add, flags);
   }
 
-  BOOL SetWindowText(LPCTSTR text) noexcept { return ::SetWindowText(m_hWnd, text); }
-  int GetWindowText(LPTSTR text, int room) const noexcept { return ::GetWindowText(m_hWnd, text, room); }
-  int GetWindowTextLength() const noexcept { return ::GetWindowTextLength(m_hWnd); }
+  BOOL SetWindowText(LPCTSTR text) noexcept { return ::SetWindowText(existing(), text); }
+  int GetWindowText(LPTSTR text, int room) const noexcept { return ::GetWindowText(existing(), text, room); }
+  int GetWindowTextLength() const noexcept { return ::GetWindowTextLength(existing()); }
   void SetFont(HFONT font, BOOL redraw = TRUE) noexcept {
     SendMessage(WM_SETFONT, reinterpret_cast<WPARAM>(font), MAKELPARAM(redraw, 0));
   }
   HFONT GetFont() const noexcept { return reinterpret_cast<HFONT>(SendMessage(WM_GETFONT)); }
 
   BOOL MoveWindow(int x, int y, int width, int height, BOOL repaint = TRUE) noexcept {
-    return ::MoveWindow(m_hWnd, x, y, width, height, repaint);
+    return ::MoveWindow(existing(), x, y, width, height, repaint);
   }
   BOOL MoveWindow(LPCRECT rect, BOOL repaint = TRUE) noexcept {
     return MoveWindow(rect->left, rect->top, rect->right - rect->left, rect->bottom - rect->top, repaint);
   }
   BOOL SetWindowPos(HWND after, int x, int y, int width, int height, UINT flags) noexcept {
-    return ::SetWindowPos(m_hWnd, after, x, y, width, height, flags);
+    return ::SetWindowPos(existing(), after, x, y, width, height, flags);
   }
-  BOOL ShowWindow(int command) noexcept { return ::ShowWindow(m_hWnd, command); }
-  BOOL EnableWindow(BOOL enable = TRUE) noexcept { return ::EnableWindow(m_hWnd, enable); }
-  BOOL IsWindowVisible() const noexcept { return ::IsWindowVisible(m_hWnd); }
-  BOOL IsWindowEnabled() const noexcept { return ::IsWindowEnabled(m_hWnd); }
-  HWND SetFocus() noexcept { return ::SetFocus(m_hWnd); }
-  HWND SetCapture() noexcept { return ::SetCapture(m_hWnd); }
+  BOOL ShowWindow(int command) noexcept { return ::ShowWindow(existing(), command); }
+  BOOL EnableWindow(BOOL enable = TRUE) noexcept { return ::EnableWindow(existing(), enable); }
+  BOOL IsWindowVisible() const noexcept { return ::IsWindowVisible(existing()); }
+  BOOL IsWindowEnabled() const noexcept { return ::IsWindowEnabled(existing()); }
+  HWND SetFocus() noexcept { return ::SetFocus(existing()); }
+  HWND SetCapture() noexcept { return ::SetCapture(existing()); }
 
-  BOOL GetClientRect(LPRECT rect) const noexcept { return ::GetClientRect(m_hWnd, rect); }
-  BOOL GetWindowRect(LPRECT rect) const noexcept { return ::GetWindowRect(m_hWnd, rect); }
-  BOOL ScreenToClient(LPPOINT point) const noexcept { return ::ScreenToClient(m_hWnd, point); }
+  BOOL GetClientRect(LPRECT rect) const noexcept { return ::GetClientRect(existing(), rect); }
+  BOOL GetWindowRect(LPRECT rect) const noexcept { return ::GetWindowRect(existing(), rect); }
+  BOOL ScreenToClient(LPPOINT point) const noexcept { return ::ScreenToClient(existing(), point); }
   // Converts both corners; the second one only if the first conversion succeeds.
   BOOL ScreenToClient(LPRECT rect) const noexcept {
     auto* corners = reinterpret_cast<LPPOINT>(rect);
-    return ::ScreenToClient(m_hWnd, corners) && ::ScreenToClient(m_hWnd, corners + 1);
+    return ::ScreenToClient(existing(), corners) && ::ScreenToClient(existing(), corners + 1);
   }
-  BOOL ClientToScreen(LPPOINT point) const noexcept { return ::ClientToScreen(m_hWnd, point); }
+  BOOL ClientToScreen(LPPOINT point) const noexcept { return ::ClientToScreen(existing(), point); }
   BOOL ClientToScreen(LPRECT rect) const noexcept {
     auto* corners = reinterpret_cast<LPPOINT>(rect);
-    return ::ClientToScreen(m_hWnd, corners) && ::ClientToScreen(m_hWnd, corners + 1);
+    return ::ClientToScreen(existing(), corners) && ::ClientToScreen(existing(), corners + 1);
   }
   // Centres the window over `center`, its owner, or the parent of a child. Without an owner, or with one that is hidden
   // or minimised, over the work area of its monitor. The window stays inside the work area, or inside its parent.
   KEXFRAMEWORK_API BOOL CenterWindow(HWND center = nullptr) noexcept;
 
-  HDC BeginPaint(LPPAINTSTRUCT paint) noexcept { return ::BeginPaint(m_hWnd, paint); }
-  void EndPaint(LPPAINTSTRUCT paint) noexcept { ::EndPaint(m_hWnd, paint); }
-  HDC GetDC() noexcept { return ::GetDC(m_hWnd); }
-  int ReleaseDC(HDC dc) noexcept { return ::ReleaseDC(m_hWnd, dc); }
-  BOOL Invalidate(BOOL erase = TRUE) noexcept { return ::InvalidateRect(m_hWnd, nullptr, erase); }
-  BOOL InvalidateRect(LPCRECT rect, BOOL erase = TRUE) noexcept { return ::InvalidateRect(m_hWnd, rect, erase); }
-  BOOL UpdateWindow() noexcept { return ::UpdateWindow(m_hWnd); }
+  HDC BeginPaint(LPPAINTSTRUCT paint) noexcept { return ::BeginPaint(existing(), paint); }
+  void EndPaint(LPPAINTSTRUCT paint) noexcept { ::EndPaint(existing(), paint); }
+  HDC GetDC() noexcept { return ::GetDC(existing()); }
+  int ReleaseDC(HDC dc) noexcept { return ::ReleaseDC(existing(), dc); }
+  BOOL Invalidate(BOOL erase = TRUE) noexcept { return ::InvalidateRect(existing(), nullptr, erase); }
+  BOOL InvalidateRect(LPCRECT rect, BOOL erase = TRUE) noexcept { return ::InvalidateRect(existing(), rect, erase); }
+  BOOL UpdateWindow() noexcept { return ::UpdateWindow(existing()); }
 
-  UINT_PTR SetTimer(UINT_PTR id, UINT milliseconds) noexcept { return ::SetTimer(m_hWnd, id, milliseconds, nullptr); }
-  BOOL KillTimer(UINT_PTR id) noexcept { return ::KillTimer(m_hWnd, id); }
+  UINT_PTR SetTimer(UINT_PTR id, UINT milliseconds) noexcept {
+    return ::SetTimer(existing(), id, milliseconds, nullptr);
+  }
+  BOOL KillTimer(UINT_PTR id) noexcept { return ::KillTimer(existing(), id); }
 
-  CWindow GetParent() const noexcept { return CWindow(::GetParent(m_hWnd)); }
-  CWindow GetDlgItem(int id) const noexcept { return CWindow(::GetDlgItem(m_hWnd, id)); }
-  int GetDlgCtrlID() const noexcept { return ::GetDlgCtrlID(m_hWnd); }
+  CWindow GetParent() const noexcept { return CWindow(::GetParent(existing())); }
+  CWindow GetDlgItem(int id) const noexcept { return CWindow(::GetDlgItem(existing(), id)); }
+  int GetDlgCtrlID() const noexcept { return ::GetDlgCtrlID(existing()); }
 
   // The default position: the system chooses.
   static inline RECT rcDefault = {CW_USEDEFAULT, CW_USEDEFAULT, 0, 0};
@@ -153,6 +157,11 @@ class CWindow {
   HWND m_hWnd;
 
  private:
+  HWND existing() const noexcept {
+    ATLASSERT(::IsWindow(m_hWnd));
+    return m_hWnd;
+  }
+
   BOOL modify(int index, DWORD remove, DWORD add, UINT flags) noexcept {
     auto old = static_cast<DWORD>(GetWindowLong(index));
     DWORD style = (old & ~remove) | add;

@@ -20,8 +20,8 @@ struct CStdThunk;
 class CWndProcThunk {
  public:
   CWndProcThunk() = default;
-  CWndProcThunk(const CWndProcThunk&) noexcept {}  // a copy of an object has its own procedure
-  CWndProcThunk& operator=(const CWndProcThunk&) noexcept { return *this; }
+  CWndProcThunk(const CWndProcThunk&) = delete;
+  CWndProcThunk& operator=(const CWndProcThunk&) = delete;
   KEXFRAMEWORK_API ~CWndProcThunk();
 
   // Returns FALSE if no memory is left. May be called again with another function or object.
@@ -45,8 +45,8 @@ class CWindowImplRoot : public TBase, public CMessageMap {
   static constexpr DWORD WINSTATE_DESTROYED = 1;
 
   CWindowImplRoot() = default;
-  CWindowImplRoot(const CWindowImplRoot&) = default;
-  CWindowImplRoot& operator=(const CWindowImplRoot&) = default;
+  CWindowImplRoot(const CWindowImplRoot&) = delete;  // the real one copies its procedure, and both objects free it
+  CWindowImplRoot& operator=(const CWindowImplRoot&) = delete;
   // Destroy the window before the object; the destructor does not.
   virtual ~CWindowImplRoot() = default;
 
@@ -202,10 +202,11 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
   }
 
   // Subclasses a window: its messages come here first, and unhandled ones go to its previous procedure. Returns FALSE
-  // if there is no such window.
+  // if the system refuses.
   BOOL SubclassWindow(HWND window) {
     ATLASSERT(!this->m_hWnd);
-    if (!::IsWindow(window) || !this->m_thunk.Init(reinterpret_cast<void*>(GetWindowProc()), this)) return FALSE;
+    ATLASSERT(::IsWindow(window));
+    if (!this->m_thunk.Init(reinterpret_cast<void*>(GetWindowProc()), this)) return FALSE;
     auto ours = reinterpret_cast<LONG_PTR>(this->m_thunk.GetWNDPROC());
     auto old = reinterpret_cast<WNDPROC>(::SetWindowLongPtr(window, GWLP_WNDPROC, ours));
     if (!old) return FALSE;
@@ -214,10 +215,11 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     return TRUE;
   }
   // Restores the previous procedure and returns the window. Returns null, and does nothing, if somebody else has
-  // subclassed the window since, unless `force` is set.
+  // subclassed the window since, unless `force` is set. The object must have subclassed or created a window.
   HWND UnsubclassWindow(BOOL force = FALSE) {
     ATLASSERT(this->m_hWnd);
     auto ours = reinterpret_cast<LONG_PTR>(this->m_thunk.GetWNDPROC());
+    ATLASSERT(ours);
     if (!force && ::GetWindowLongPtr(this->m_hWnd, GWLP_WNDPROC) != ours) return nullptr;
     if (!::SetWindowLongPtr(this->m_hWnd, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_pfnSuperWindowProc)))
       return nullptr;
