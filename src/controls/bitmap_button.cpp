@@ -1,6 +1,7 @@
 #include <kexlib/controls/bitmap_button.h>
 #include <kexlib/imaging/dib.h>
 
+#include <controls/subclass_instead.h>
 #include <wbzframe/themed_std_button.h>
 
 #include <utility>
@@ -64,6 +65,16 @@ BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM 
   } catch (...) {
     painting_failed(m_hWnd);
   }
+  return TRUE;
+}
+
+// WTL's own takes no second window: the procedure of the first would serve both, and its tooltip would be lost.
+BOOL kexWTLBitmapButton::SubclassWindow(HWND button) {
+  if (!kexlib::subclass_instead<CWindowImpl>(*this, button)) return FALSE;
+  if (m_tip.IsWindow()) m_tip.DestroyWindow();
+  m_tip.m_hWnd = nullptr;
+  m_fMouseOver = m_fFocus = m_fPressed = 0;
+  Init();
   return TRUE;
 }
 
