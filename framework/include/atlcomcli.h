@@ -226,7 +226,16 @@ class CComVariant : public VARIANT {
   CComVariant& operator=(const CComVariant& value) { return *this = static_cast<const VARIANT&>(value); }
 
   HRESULT Clear() noexcept { return VariantClear(this); }
-  HRESULT Copy(const VARIANT* value) noexcept { return VariantCopy(this, const_cast<VARIANT*>(value)); }
+  // On failure the value is empty, or what VariantClear leaves. VariantCopy may leave a shallow copy then, which must
+  // not be cleared: it would take the source's contents.
+  HRESULT Copy(const VARIANT* value) noexcept {
+    if (value == this) return S_OK;
+    HRESULT result = Clear();
+    if (FAILED(result)) return result;
+    result = VariantCopy(this, const_cast<VARIANT*>(value));
+    if (FAILED(result)) VariantInit(this);
+    return result;
+  }
   HRESULT ChangeType(VARTYPE type, const VARIANT* source = nullptr) noexcept {
     return VariantChangeType(this, source ? const_cast<VARIANT*>(source) : this, 0, type);
   }
@@ -234,7 +243,6 @@ class CComVariant : public VARIANT {
  private:
   void copied(HRESULT result) {
     if (SUCCEEDED(result)) return;
-    Clear();  // the old value may still be there
     vt = VT_ERROR;
     scode = result;
     AtlThrow(result);

@@ -118,6 +118,16 @@ BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM 
   return TRUE;
 }
 
+// WTL's own takes no second window: the procedure of the first would serve both, and its tooltip would be lost.
+BOOL kexWTLBitmapButton::SubclassWindow(HWND button) {
+  if (!kexlib::subclass_instead<CWindowImpl>(*this, button)) return FALSE;
+  if (m_tip.IsWindow()) m_tip.DestroyWindow();
+  m_tip.m_hWnd = nullptr;
+  m_fMouseOver = m_fFocus = m_fPressed = 0;
+  Init();
+  return TRUE;
+}
+
 int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id, HINSTANCE instance) {
   const HIMAGELIST list = images ? images->m_hImageList : nullptr;
   const COLORREF face = GetSysColor(COLOR_BTNFACE);

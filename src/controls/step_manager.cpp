@@ -168,7 +168,8 @@ void atlStepManager::init() {
 
 void atlStepManager::renumber_steps() {
   int number = 1;
-  for (atlStepControlGroup* each : steps_) {
+  for (int i = 0; i < get_step_count(); ++i) {  // a display that changes may cause steps to be added
+    atlStepControlGroup* const each = step(i);
     if (!each->visible()) continue;
     each->set_step_number(number++);
     each->update();

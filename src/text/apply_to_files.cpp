@@ -28,12 +28,22 @@ bool is_folder(const char* path) { return PathFileExistsA(path) && PathIsDirecto
 
 bool is_file(const char* path) { return PathFileExistsA(path) && !PathIsDirectoryA(path); }
 
+// The system's matcher calls itself for each asterisk. Three in a row match what two do; one does not: "*.*" is
+// special.
+CString without_needless_asterisks(const char* pattern) {
+  CString shorter(pattern);
+  while (shorter.Replace("***", "**")) {
+  }
+  return shorter;
+}
+
 }  // namespace
 
 int kexApplyToFiles::ignore_directory(const char* const) { return 0; }
 
 long kexApplyToFiles::Apply(const char* directory, const char* pattern, int followShortcuts) {
-  return pattern && is_folder(directory) ? walk(directory, pattern, followShortcuts) : E_INVALIDARG;
+  if (!pattern || !is_folder(directory)) return E_INVALIDARG;
+  return walk(directory, without_needless_asterisks(pattern), followShortcuts);
 }
 
 // One search per folder and no other access to the file system: the search already returns the attributes.

@@ -2,7 +2,9 @@
 #include <text/number_texts.h>
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <deque>
 #include <unordered_map>
 
 namespace kexlib {
@@ -18,17 +20,21 @@ struct Hash {
 
 }  // namespace
 
-struct NumberTexts::Texts : std::unordered_map<double, CStringA, Hash> {};
+struct NumberTexts::Texts {
+  std::unordered_map<double, CStringA, Hash> numbers;
+  std::deque<CStringA> nans;  // in the map all of them would be in one chain
+};
 
 NumberTexts::~NumberTexts() { delete texts_; }
 
 const CStringA& NumberTexts::text(double number) {
   if (!texts_) texts_ = new Texts;
-  const auto known = texts_->find(number);
-  if (known != texts_->end()) return known->second;
-  return texts_->emplace(number, fixed_text(number, 1)).first->second;
+  if (std::isnan(number)) return texts_->nans.emplace_back(fixed_text(number, 1));
+  const auto known = texts_->numbers.find(number);
+  if (known != texts_->numbers.end()) return known->second;
+  return texts_->numbers.emplace(number, fixed_text(number, 1)).first->second;
 }
 
-std::size_t NumberTexts::count() const { return texts_ ? texts_->size() : 0; }
+std::size_t NumberTexts::count() const { return texts_ ? texts_->numbers.size() + texts_->nans.size() : 0; }
 
 }  // namespace kexlib

@@ -9,7 +9,8 @@ namespace kexlib {
 
 // A cache of numbers as text with one decimal. Tip names repeat a few numbers.
 //
-// 0 and -0 are one key; the first one added determines the text. A NaN equals nothing, so each call adds an entry.
+// 0 and -0 are one key; the first one added determines the text. A NaN equals nothing, so each call adds an entry,
+// without a search.
 class NumberTexts {
  public:
   constexpr NumberTexts() = default;

@@ -137,6 +137,96 @@ TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
   EXPECT_EQ(color(), orange);
 }
 
+// ---- another window for the same object -----------------------------------------------------------------------------
+
+WNDPROC procedure_of(HWND window) { return reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC)); }
+
+TEST_F(BitmapButtonControl, TakesTheSameButtonTwice) {
+  const WNDPROC of_the_system = procedure_of(window());
+  make(kexBtnTypeThemed, "Open a file");
+  const auto drawer = set_drawer();
+  const HWND first_tip = button_->m_tip;
+  ASSERT_TRUE(button_->SubclassWindow(window()));
+  EXPECT_EQ(button_->m_pfnSuperWindowProc, of_the_system);
+  EXPECT_FALSE(IsWindow(first_tip));
+  EXPECT_EQ(button_->m_tip.GetToolCount(), 1);
+  button_->Invalidate();
+  button_->UpdateWindow();
+  EXPECT_EQ(drawer->styles, std::vector<int>{wbzThemeNormal});
+  EXPECT_EQ(button_->UnsubclassWindow(), window());
+  EXPECT_EQ(procedure_of(window()), of_the_system);
+}
+
+TEST_F(BitmapButtonControl, LeavesItsButtonForAnother) {
+  const HWND first = window(), second = dialog_.GetDlgItem(IDC_LATER);
+  const WNDPROC of_the_system = procedure_of(first);
+  make(kexBtnTypeThemed, "Open a file");
+  const HWND first_tip = button_->m_tip;
+  SendMessageA(first, BM_SETSTATE, TRUE, 0);
+  ASSERT_TRUE(button_->m_fPressed);
+  ASSERT_TRUE(button_->SubclassWindow(second));
+  EXPECT_EQ(button_->m_hWnd, second);
+  EXPECT_EQ(procedure_of(first), of_the_system);
+  EXPECT_FALSE(button_->m_fPressed) << "the first one was";
+  EXPECT_FALSE(IsWindow(first_tip));
+  EXPECT_EQ(GetWindow(button_->m_tip, GW_OWNER), dialog_.m_hWnd);
+  EXPECT_EQ(button_->m_tip.GetToolCount(), 1);
+  EXPECT_EQ(button_->GetStyle() & BS_OWNERDRAW, DWORD{BS_OWNERDRAW});
+  EXPECT_EQ(color(), orange);
+
+  const auto drawer = set_drawer();
+  SendMessageA(first, BM_SETSTATE, FALSE, 0);
+  ::DestroyWindow(first);
+  EXPECT_EQ(button_->m_hWnd, second);
+  button_->Invalidate();
+  button_->UpdateWindow();
+  EXPECT_EQ(drawer->styles, std::vector<int>{wbzThemeNormal});
+}
+
+TEST_F(BitmapButtonControl, TakesAnotherButtonWhenTheFirstIsDestroyed) {
+  make(kexBtnTypeThemed, "Open a file");
+  SendMessageA(window(), BM_SETSTATE, TRUE, 0);
+  ::DestroyWindow(window());
+  ASSERT_EQ(button_->m_hWnd, nullptr);
+  const HWND second = dialog_.GetDlgItem(IDC_LATER);
+  ASSERT_TRUE(button_->SubclassWindow(second));
+  EXPECT_FALSE(button_->m_fPressed);
+  EXPECT_EQ(button_->m_tip.GetToolCount(), 1);
+  EXPECT_EQ(color(), orange);
+}
+
+TEST_F(BitmapButtonControl, KeepsItsButtonWhereTheSystemRefusesAnother) {
+  make(kexBtnTypeThemed, "Open a file");
+  const auto drawer = set_drawer();
+  const HWND tip = button_->m_tip;
+  SendMessageA(window(), BM_SETSTATE, TRUE, 0);
+  EXPECT_FALSE(button_->SubclassWindow(nullptr));
+  EXPECT_FALSE(button_->SubclassWindow(GetDesktopWindow()));
+  EXPECT_EQ(button_->m_hWnd, window());
+  EXPECT_EQ(button_->m_tip.m_hWnd, tip);
+  EXPECT_TRUE(button_->m_fPressed);
+  drawer->styles.clear();
+  button_->Invalidate();
+  button_->UpdateWindow();
+  EXPECT_EQ(drawer->styles, std::vector<int>{wbzThemePressed});
+}
+
+TEST_F(BitmapButtonControl, KeepsItsButtonWhereSomebodyElseHasSubclassedIt) {
+  make(kexBtnTypeThemed, "Open a file");
+  const HWND tip = button_->m_tip, later = dialog_.GetDlgItem(IDC_LATER);
+  const WNDPROC of_the_system = procedure_of(later);
+  Button somebody_else(kexBtnTypeThemed);
+  ASSERT_TRUE(somebody_else.SubclassWindow(window()));
+  EXPECT_FALSE(button_->SubclassWindow(later));
+  EXPECT_EQ(button_->m_hWnd, window());
+  EXPECT_EQ(button_->m_tip.m_hWnd, tip);
+  EXPECT_EQ(procedure_of(later), of_the_system);
+  EXPECT_TRUE(somebody_else.UnsubclassWindow());
+  EXPECT_TRUE(button_->SubclassWindow(later)) << "free again";
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+
 TEST_F(BitmapButtonControl, TakesTheSizeOfItsPictureOnlyWhereItIsAsked) {
   const auto size = [&] {
     WTL::CRect rect;

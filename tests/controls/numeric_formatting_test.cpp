@@ -8,6 +8,7 @@
 #include <support/resource_counts.h>
 #include <support/window_text.h>
 
+#include <climits>
 #include <clocale>
 #include <cmath>
 #include <limits>
@@ -137,6 +138,22 @@ TEST(NumberFormatting, PrintsAllDigitsThatAreAskedFor) {
     EXPECT_EQ(with_digits(2.5, digits), "2.5" + std::string(static_cast<std::size_t>(digits) - 1, '0'));
   EXPECT_EQ(with_digits(0.1, 30), "0.100000000000000005551115123126");
   EXPECT_EQ(with_digits(2.0, 0), "2");
+}
+
+TEST(NumberFormatting, HasAResultForEveryNumberOfDigits) {
+  EXPECT_EQ(with_digits(2.5, 5000), "2.5" + std::string(4999, '0'));
+  EXPECT_EQ(with_digits(2.5, INT_MIN), "0.000000");
+  EXPECT_EQ(with_digits(-infinity, INT_MAX), "-inf");
+  for (const int digits : {2000000000, INT_MAX}) {
+    bool thrown = false;
+    try {
+      with_digits(2.5, digits);
+    } catch (CMemoryException* exception) {
+      exception->Delete();
+      thrown = true;
+    }
+    EXPECT_TRUE(thrown) << digits;
+  }
 }
 
 // Rounded to tens, then printed with the six decimals of printf.

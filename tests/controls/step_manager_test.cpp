@@ -12,8 +12,10 @@
 #include <support/picture.h>
 #include <support/user_input.h>
 
+#include <functional>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -90,6 +92,26 @@ TEST_F(Steps, AreNumberedWithoutGaps) {
   manager_->step(1)->set_visible(1);
   manager_->renumber_steps();
   EXPECT_EQ(numbers(), "1|2|3");
+}
+
+// Called once, when the text of a number display changes.
+std::function<void()> at_the_next_text;
+WNDPROC display_procedure = nullptr;
+LRESULT CALLBACK notice_text(HWND window, UINT message, WPARAM w, LPARAM l) {
+  if (message == WM_SETTEXT && at_the_next_text) std::exchange(at_the_next_text, nullptr)();
+  return CallWindowProcA(display_procedure, window, message, w, l);
+}
+
+TEST_F(Steps, MayBeAddedWhileTheyAreNumbered) {
+  make(2, false, true);
+  display_procedure = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrA(controls_.control(first_display), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(notice_text)));
+  at_the_next_text = [&] {
+    for (int i = 0; i < 1000; ++i) add();
+  };
+  manager_->renumber_steps();
+  ASSERT_EQ(manager_->get_step_count(), 1002);
+  for (int i = 0; i < 1002; ++i) EXPECT_EQ(manager_->step(i)->step_number(), i + 1);
 }
 
 TEST_F(Steps, AreNotNumberedUnlessAsked) {

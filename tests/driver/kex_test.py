@@ -49,7 +49,7 @@ class Refusals(unittest.TestCase):
         self.assert_refused(self.run_kex("run", "/no/such.exe"), "there is no program '/no/such.exe'")
         self.assert_refused(self.run_kex("run", "/tmp/"), "there is no program '/tmp/'")
 
-    def test_bench_and_run_of_what_is_not_there_build_nothing(self):
+    def test_what_is_not_there_is_refused_before_anything_is_built(self):
         for name in ("scripts", "packaging"):
             shutil.copytree(ROOT / name, self.folder / "checkout" / name)
         shutil.copy(ROOT / "kex", self.folder / "checkout")
@@ -58,15 +58,17 @@ class Refusals(unittest.TestCase):
         (build / "build.ninja").touch()
         called = self.folder / "called"
         self.fake("ninja", f"echo \"$*\" >>'{called}'; [ \"$3\" != -t ]")
+        (self.folder / "checkout/src/dance").mkdir(parents=True)
         for arguments, sentence in ((("run", "dance"), "there is no program 'dance.exe'"),
-                                    (("bench", "dance"), "there is no benchmark family 'dance'")):
+                                    (("bench", "dance"), "there is no benchmark family 'dance'"),
+                                    (("mutate", "dance"), "there is no family 'dance'")):
             with self.subTest(arguments[0]):
                 called.unlink(missing_ok=True)
                 environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
                 done = subprocess.run([self.folder / "checkout/kex", *arguments], env=environment, capture_output=True,
                                       text=True)
                 self.assert_refused(done, sentence)
-                program = {"run": "dance.exe", "bench": "dance_bench.exe"}[arguments[0]]
+                program = {"run": "dance.exe", "bench": "dance_bench.exe", "mutate": "dance_tests.exe"}[arguments[0]]
                 self.assertEqual(called.read_text().splitlines(),
                                  [f"-C {build} build.ninja", f"-C {build} -t query bin/{program}"])
 
@@ -104,6 +106,15 @@ class Refusals(unittest.TestCase):
         self.assert_refused(package(), "there are changes that are not committed")
         shutil.rmtree(checkout / "build/package")
         self.assertEqual(package("--with-changes").returncode, 0)
+
+    def test_what_a_look_at_the_tree_refuses_needs_no_package(self):
+        self.fake("dpkg-query", f"touch '{self.folder}/called'")
+        for arguments, sentence in ((("run", "/no/such.exe"), "there is no program '/no/such.exe'"),
+                                    (("mutate", "dance"), "there is no family 'dance'"),
+                                    (("check", "text", "dance"), "there is no check 'dance'")):
+            with self.subTest(arguments[0]):
+                self.assert_refused(self.run_kex(*arguments), sentence)
+        self.assertFalse((self.folder / "called").exists())
 
     def test_bench_goes_on_after_a_family_that_misses_its_target(self):
         checkout = self.folder / "checkout"
@@ -163,8 +174,12 @@ class Refusals(unittest.TestCase):
         self.assert_refused(done, "this is no Debian machine")
 
     def test_installs_nothing_that_is_there(self):
+        script = f"""root='{ROOT}'; source "$root/scripts/common.sh"; source "$root/scripts/setup.sh"
+            install_missing_packages && touch '{self.folder}/installed'"""
         self.fake("apt-get", f"touch '{self.folder}/called'")
-        self.run_kex("run", "/no/such.exe")
+        environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+        subprocess.run(["bash", "-euc", script], env=environment, check=True)
+        self.assertTrue((self.folder / "installed").exists())
         self.assertFalse((self.folder / "called").exists())
 
     def test_help(self):

@@ -5,6 +5,8 @@
 #include <atlcomcli.h>
 #include <shlobj.h>
 
+#include <support/failing_record.h>
+
 #include <string>
 #include <type_traits>
 
@@ -258,6 +260,35 @@ TEST(ComVariant, ACopyThatFailsLetsGoOfTheOldValue) {
     exception->Delete();
   }
   EXPECT_EQ(object.references, 0U);
+}
+
+TEST(ComVariant, LeavesARecordAloneThatCannotBeCopied) {
+  FailingRecord record;
+  {
+    CComVariant source, target(5);
+    static_cast<VARIANT&>(source) = record.value();
+    EXPECT_EQ(target.Copy(&source), FailingRecord::failure);
+    EXPECT_EQ(target.vt, VT_EMPTY);
+    for (const bool assigned : {true, false}) {
+      HRESULT thrown = S_OK;
+      try {
+        if (assigned)
+          target = source;
+        else
+          CComVariant{source};
+      } catch (COleException* exception) {
+        thrown = exception->m_sc;
+        exception->Delete();
+      }
+      EXPECT_EQ(thrown, FailingRecord::failure);
+    }
+    EXPECT_EQ(target.vt, VT_ERROR);
+    EXPECT_EQ(target.scode, FailingRecord::failure);
+    EXPECT_EQ(source.Copy(&source), S_OK);
+    EXPECT_EQ(record.references(), 1U);
+    EXPECT_EQ(record.clears(), 0);
+  }
+  EXPECT_EQ(record.references(), 0U);
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 
 #include <support/fixed_text.h>
 
+#include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -38,6 +40,35 @@ TEST(FixedText, IsWhatPrintfPrintsAtTheEdgesToo) {
   for (const double value : {0.0, -0.0, Limits::denorm_min(), Limits::max(), -Limits::max()})
     for (const int digits : {-5, 0, 1, 30, 100, 101, 2000})
       EXPECT_EQ(fixed_text(value, digits).GetString(), printed(value, digits)) << value << ' ' << digits;
+}
+
+// All digits after the 1074th are zeros.
+TEST(FixedText, HasAsManyDigitsAsItIsAskedFor) {
+  using Limits = std::numeric_limits<double>;
+  for (const double value : {0.5, -0.0, -Limits::denorm_min(), Limits::max()}) {
+    const std::string exact = fixed_text(value, 1074).GetString();
+    for (const int digits : {1075, 1000000, 30000000})
+      EXPECT_TRUE(fixed_text(value, digits).GetString() == exact + std::string(static_cast<size_t>(digits) - 1074, '0'))
+          << value << ' ' << digits;
+  }
+  EXPECT_EQ(std::string(fixed_text(Limits::denorm_min(), 1074)).back(), '5') << "the last one that is no zero";
+}
+
+// A text has fewer than INT_MAX / 2 characters.
+TEST(FixedText, ThrowsWhereItWouldBeTooLong) {
+  for (const auto& [value, digits] :
+       {std::pair{0.5, INT_MAX}, {0.5, 2000000000}, {0.5, INT_MAX / 2 - 2}, {-1e300, INT_MAX / 2 - 303}}) {
+    bool thrown = false;
+    try {
+      fixed_text(value, digits);
+    } catch (CMemoryException* exception) {
+      exception->Delete();
+      thrown = true;
+    }
+    EXPECT_TRUE(thrown) << digits;
+  }
+  EXPECT_STREQ(fixed_text(std::numeric_limits<double>::infinity(), INT_MAX), "inf");
+  EXPECT_STREQ(fixed_text(2.5, INT_MIN), "2.500000");
 }
 
 TEST(FixedText, NamesWhatIsNoNumber) {

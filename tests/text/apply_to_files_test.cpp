@@ -51,6 +51,34 @@ TEST_F(ApplyToFiles, MatchesAsTheShellDoes) {
   EXPECT_EQ(found(), Paths{});
 }
 
+// The system's matcher calls itself for each asterisk.
+TEST_F(ApplyToFiles, TakesPatternsOfAnyLength) {
+  for (const char* file : {"a.cpp", "aa.h", "no_dot"}) make(file);
+  const std::string many(100000, '*');
+  std::string alternating;
+  for (int i = 0; i < 50000; ++i) alternating += "*?";
+  const std::pair<std::string, Paths> expected[] = {
+      {many, {"a.cpp", "aa.h", "no_dot"}},   {many + ".cpp", {"a.cpp"}}, {"a" + many + "." + many + "h", {"aa.h"}},
+      {many + "x;" + many + ".h", {"aa.h"}}, {alternating, {}},          {"?" + many, {"a.cpp", "aa.h", "no_dot"}}};
+  for (const auto& [pattern, names] : expected) {
+    walk_.files.clear();
+    EXPECT_EQ(apply(pattern.c_str()), S_OK);
+    EXPECT_EQ(found(), names) << pattern.substr(0, 5) << "..." << pattern.substr(pattern.size() - 5);
+  }
+}
+
+TEST_F(ApplyToFiles, TakesTwoAsterisksAsTheShellDoes) {
+  for (const char* file : {"a.cpp", "no_dot"}) make(file);
+  for (const char* pattern : {"**.*", "***.*", "**", "***", "a***", "*.**", "*.***"}) {
+    Paths names;
+    for (const char* file : {"a.cpp", "no_dot"})
+      if (PathMatchSpecA(file, pattern)) names.emplace_back(file);
+    walk_.files.clear();
+    EXPECT_EQ(apply(pattern), S_OK);
+    EXPECT_EQ(found(), names) << pattern;
+  }
+}
+
 TEST_F(ApplyToFiles, GivesFullPathsWhateverTheRootLooksLike) {
   make("in\\a.txt");
   for (const char* start : {".", "in", ".\\in", "in\\"}) {

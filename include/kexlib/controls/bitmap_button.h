@@ -68,6 +68,12 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   /// Does not destroy the window. Destroys the image list only if BMPBTN_SHAREIMAGELISTS was removed.
   ~kexWTLBitmapButton() override;
 
+  /// Subclasses a button, as WTL does; the previous one, if any, is detached and keeps the style BS_OWNERDRAW. The new
+  /// one is neither pressed nor under the mouse, has a tooltip window of its own, and gets the images and the text that
+  /// the object has. FALSE, and nothing is changed, if the system refuses, or if other code has subclassed the previous
+  /// one since: this object still receives its messages.
+  BOOL SubclassWindow(HWND button);
+
   /// Adds a bitmap resource and its disabled picture to the list and returns the index of the first. A bitmap that
   /// cannot be loaded adds nothing; the result is then the index of the last image, -1 for an empty list.
   ///   images     the list; borrowed

@@ -67,8 +67,8 @@ class KEXLIB_API kexNumericEditBox
   /// Sets the number and shows it.
   void set_value(double number);
 
-  /// The number of digits after the separator, below a million. Setting it rewrites the text from the number of the
-  /// last read.
+  /// The number of digits after the separator; a negative one shows six. Setting it rewrites the text from the number
+  /// of the last read.
   int get_decimal_places() const;
   void set_decimal_places(int places);
 

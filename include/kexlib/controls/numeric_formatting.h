@@ -13,9 +13,10 @@
 // Digits. Printed digits are those of the exact binary value, ties to even: 0.125 with two digits is 0.12. Only
 // kexNumberFormatting rounds before it prints, half away from zero. Infinities and NaNs are printed as "inf" and "nan".
 // Trailing zeros are kept, and thousands are not separated. A negative number of digits prints six, as printf does.
-// Numbers of digits must be below a million.
+// Any number of digits will do: all digits after the 1074th are zeros.
 //
-// Errors. None is reported. Texts are narrow, in the ANSI code page. Out of memory throws MFC's memory exception.
+// Errors. None is reported. Texts are narrow, in the ANSI code page. Out of memory throws MFC's memory exception; so
+// does a text of kexNumberFormatting that is longer than 1073741822 characters (INT_MAX / 2 - 1).
 //
 // Threads. No shared state. Call functions with a control argument on the thread of the control's window.
 #ifndef KEXLIB_CONTROLS_NUMERIC_FORMATTING_H

@@ -14,6 +14,9 @@
 // Controls are named by their identifiers and looked up in the parent window at each call (GetDlgItem). An identifier
 // without a control is ignored.
 //
+// Handlers. Windows tells controls and their parent what these calls change, while they run. What handles that may add
+// steps and controls, but must not delete a group that is in use: no clear, and no end of the manager.
+//
 // Errors. None is reported. Out of memory throws std::bad_alloc.
 //
 // Threads. Call on the thread of the parent window.

@@ -48,8 +48,9 @@ class KEXLIB_API kexApplyToFiles {
 
   /// Calls apply_to_file for each file in `directory` and below whose name matches `pattern`: wildcards * and ?,
   /// several patterns with semicolons between them, case-insensitive (PathMatchSpecA). "*.*" matches every
-  /// name, with a dot or without. If `followShortcuts` is not 0, a shortcut (".lnk") that does not match itself
-  /// is replaced by its target, if that is a file and its name matches; a target that is a folder is not walked.
+  /// name, with a dot or without. A pattern may be of any length. If `followShortcuts` is not 0, a shortcut (".lnk")
+  /// that does not match itself is replaced by its target, if that is a file and its name matches; a target that is a
+  /// folder is not walked.
   ///
   /// Returns an HRESULT: S_OK, also if the walk was stopped; E_INVALIDARG if the folder does not exist, its path is too
   /// long, or the pattern is null; otherwise the error of FindFirstFile or FindNextFile. A folder that cannot be walked
