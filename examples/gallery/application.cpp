@@ -1,5 +1,6 @@
 #include <kexlib/framework.h>
 
+#include <afxdisp.h>
 #include <atlimage.h>
 
 #include <gallery/application.h>
@@ -73,6 +74,7 @@ int run(const std::function<bool(HWND frame)>& user) {
   if (!can_write_here()) return refuse("the current folder cannot be written to.");
 
   OleInitialize(nullptr);
+  AfxEnableControlContainer();  // for the page of the digit control
   application.Init(nullptr, GetModuleHandleA(nullptr));
   ATL::_AtlBaseModule.SetResourceInstance(application.GetModuleInstance());
   AfxSetResourceHandle(application.GetModuleInstance());

@@ -265,7 +265,8 @@ class KEXFRAMEWORK_API CArchive {
     bNoFlushOnDelete = 2  // the destructor of an archive that is not closed discards the buffer
   };
 
-  CArchive(CFile* file, UINT mode, int bufferSize = 4096);
+  // buffer: memory of the caller for the buffer, which must exist as long as the archive; null: it has its own.
+  CArchive(CFile* file, UINT mode, int bufferSize = 4096, void* buffer = nullptr);
   // Closes the archive. Errors are ignored; call Close to receive them.
   ~CArchive();
   CArchive(const CArchive&) = delete;
@@ -303,7 +304,9 @@ class KEXFRAMEWORK_API CArchive {
   CFile* m_file;
   UINT m_mode;
   CString m_fileName;
-  std::vector<BYTE> m_buffer;
+  std::vector<BYTE> m_own;
+  BYTE* m_buffer;
+  UINT m_size;      // of the buffer
   UINT m_at = 0;    // offset of the next byte
   UINT m_read = 0;  // loading: number of bytes in the buffer
 };

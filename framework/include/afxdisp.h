@@ -6,6 +6,9 @@
 #include <atlbase.h>
 #include <olectl.h>
 
+// Enables CWnd::CreateControl in the module whose state is current, as a rule in the InitInstance of the program.
+KEXFRAMEWORK_API void AfxEnableControlContainer();
+
 // A COM call failed.
 class KEXFRAMEWORK_API COleException : public CException {
  public:
@@ -38,7 +41,7 @@ class KEXFRAMEWORK_API COleDispatchException : public CException {
 #define VTS_I4 "\x03"    // long
 #define VTS_R8 "\x05"    // double
 #define VTS_CY "\x06"    // the address of a CY
-#define VTS_BSTR "\x08"  // const char*, converted in the code page of the thread; null is an empty text
+#define VTS_BSTR "\x0E"  // const char*, converted in the code page of the thread; null is an empty text
 #define VTS_BOOL "\x0B"  // BOOL; nonzero is sent as VARIANT_TRUE
 
 // A pointer to IDispatch and calls through it. Base of classes in which each member calls one DISPID.

@@ -29,6 +29,7 @@ class KEXFRAMEWORK_API AFX_MODULE_STATE : public CObject {
   CWinApp* m_pCurrentWinApp = nullptr;
   HINSTANCE m_hCurrentInstanceHandle;
   HINSTANCE m_hCurrentResourceHandle;
+  bool hosts_controls = false;  // AfxEnableControlContainer was called
 };
 
 // The state of the program.
@@ -51,10 +52,7 @@ class AFX_MAINTAIN_STATE2 {
 };
 
 // Makes a state current on this thread until the end of the block.
-#define AFX_MANAGE_STATE(state) AFX_MANAGE_STATE_NAMED(state, __LINE__)
-// The variable's name contains the line, so that nested blocks do not shadow it.
-#define AFX_MANAGE_STATE_NAMED(state, line) AFX_MANAGE_STATE_JOINED(state, line)
-#define AFX_MANAGE_STATE_JOINED(state, line) AFX_MAINTAIN_STATE2 _ctlState##line(state)
+#define AFX_MANAGE_STATE(state) AFX_MAINTAIN_STATE2 _ctlState(state)
 
 // These belong to the module whose state is current on this thread.
 inline HINSTANCE AfxGetInstanceHandle() { return AfxGetModuleState()->m_hCurrentInstanceHandle; }
@@ -63,10 +61,24 @@ inline void AfxSetResourceHandle(HINSTANCE instance) { AfxGetModuleState()->m_hC
 // Null if there is none.
 inline CWinApp* AfxGetApp() { return AfxGetModuleState()->m_pCurrentWinApp; }
 
+// An extension DLL: one that is built with _AFXEXT, has no application object and uses that of the program. Its DllMain
+// calls the functions below (afxdllx.h).
+struct AFX_EXTENSION_MODULE {
+  BOOL bInitialized;
+  HMODULE hModule;
+  HMODULE hResource;
+};
+
+// Returns FALSE on failure: the DLL must refuse to load then.
+KEXFRAMEWORK_API BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE module);
+// Deletes the objects that were made with new CDynLinkLibrary for this module, or with `all` for every module.
+KEXFRAMEWORK_API void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL all = FALSE);
+
 // A module whose resources are available to the whole program. It is searched after the module whose state is current;
 // the newest one is searched first. The destructor removes it.
 class KEXFRAMEWORK_API CDynLinkLibrary : public CObject {
  public:
+  explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& state);
   CDynLinkLibrary(HINSTANCE module, HINSTANCE resources);
   ~CDynLinkLibrary() override;
 
@@ -74,7 +86,7 @@ class KEXFRAMEWORK_API CDynLinkLibrary : public CObject {
   HINSTANCE m_hResource;
 };
 
-// Returns the module that contains a resource; AfxGetResourceHandle() if none does.
+// Returns the module that contains a resource; null if none does.
 KEXFRAMEWORK_API HINSTANCE AfxFindResourceHandle(LPCSTR name, LPCSTR type);
 
 // Windows ------------------------------------------------------------------------------------------------------------
@@ -100,15 +112,21 @@ class KEXFRAMEWORK_API CWnd : public CObject {
   virtual BOOL DestroyWindow();
 
   // ActiveX controls. The window hosts the control through the system's library (atl.dll). The control is released when
-  // the window is destroyed: by DestroyWindow, this object or the parent. COM must be initialised on this thread.
+  // the window is destroyed: by DestroyWindow, this object or the parent. COM must be initialised on this thread, and
+  // the program must have called AfxEnableControlContainer (afxdisp.h).
 
-  // Creates a control. windowName is set as its Caption, or else as its Text, if it has one of these properties; null
-  // sets neither. The state of the control is loaded from the rest of the file `persist`: a stream, or with `storage` a
-  // compound file. Without a file the control starts with its defaults. licenseKey is for a control that is not
-  // licensed on this machine. Returns FALSE, without a window, if the class is not registered, the control fails, there
-  // is no parent, or this object has a window. Exceptions from reading the file are passed to the caller.
+  // Creates a control of a class, which a text names by its ProgID or by its identifier in braces. windowName is set as
+  // its Caption, or else as its Text, if it has one of these properties; null sets neither. The state of the control is
+  // loaded from the rest of the file `persist`: a stream, or with `storage` a compound file. Without a file the control
+  // starts with its defaults. licenseKey is for a control that is not licensed on this machine. Returns FALSE, without
+  // a window, if controls are not enabled, the class is not registered, the control fails, there is no parent, or this
+  // object has a window. Exceptions from reading the file are passed to the caller.
+  BOOL CreateControl(LPCTSTR className, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
+                     CFile* persist = nullptr, BOOL storage = FALSE, BSTR licenseKey = nullptr);
   BOOL CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                      CFile* persist = nullptr, BOOL storage = FALSE, BSTR licenseKey = nullptr);
+  BOOL CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const POINT* place, const SIZE* size,
+                     CWnd* parent, UINT id, CFile* persist = nullptr, BOOL storage = FALSE, BSTR licenseKey = nullptr);
   // Returns the control without adding a reference; null if this window hosts none.
   LPUNKNOWN GetControlUnknown();
 

@@ -19,6 +19,13 @@
 #error "atlapp.h requires atlbase.h to be included first"
 #endif
 
+#if defined(_ATL_NO_COMMODULE) || defined(_ATL_MIN_CRT) || defined(_ATL_NO_MSIMG)
+#error "WTL needs all of ATL: build without _ATL_NO_COMMODULE, _ATL_MIN_CRT and _ATL_NO_MSIMG"
+#endif
+#if WINVER < 0x0501 || _WIN32_WINNT < 0x0501
+#error "WTL needs WINVER and _WIN32_WINNT of 0x0501 or more"
+#endif
+
 // The version of WTL. Define 0x0910 for the meaning that version 9.1 has: classes of its own for geometry, and the
 // former results of a page's handlers.
 #ifndef _WTL_VER

@@ -1,5 +1,5 @@
 #include <afx.h>
-#include <atlwin.h>
+#include <atlhost.h>
 
 #include <framework/system_library.h>
 

@@ -31,10 +31,14 @@ BOOL CArchiveException::GetErrorMessage(LPTSTR message, UINT room, UINT* helpCon
 
 void AfxThrowArchiveException(int cause, LPCTSTR archiveName) { throw new CArchiveException(cause, archiveName); }
 
-CArchive::CArchive(CFile* file, UINT mode, int bufferSize) : m_file(file), m_mode(mode) {
+CArchive::CArchive(CFile* file, UINT mode, int bufferSize, void* buffer)
+    : m_file(file), m_mode(mode), m_buffer(static_cast<BYTE*>(buffer)), m_size(static_cast<UINT>(bufferSize)) {
   if (!file) AfxThrowInvalidArgException();
   m_fileName = file->GetFilePath();
-  m_buffer.resize(static_cast<size_t>(std::max(bufferSize, smallest_buffer)));
+  if (buffer) return;
+  m_size = static_cast<UINT>(std::max(bufferSize, smallest_buffer));
+  m_own.resize(m_size);
+  m_buffer = m_own.data();
 }
 
 CArchive::~CArchive() {
@@ -50,22 +54,22 @@ UINT CArchive::Read(void* buffer, UINT count) {
   ExpectDirection(true);
   auto* to = static_cast<BYTE*>(buffer);
   UINT done = std::min(count, m_read - m_at);
-  std::copy_n(m_buffer.data() + m_at, done, to);
+  std::copy_n(m_buffer + m_at, done, to);
   m_at += done;
   while (done < count) {
     // Data of the size of the buffer or more is written directly.
     UINT rest = count - done;
-    if (rest >= m_buffer.size()) {
+    if (rest >= m_size) {
       UINT got = m_file->Read(to + done, rest);
       if (!got) break;
       done += got;
       continue;
     }
     m_at = m_read = 0;
-    m_read = m_file->Read(m_buffer.data(), static_cast<UINT>(m_buffer.size()));
+    m_read = m_file->Read(m_buffer, m_size);
     if (!m_read) break;
     m_at = std::min(rest, m_read);
-    std::copy_n(m_buffer.data(), m_at, to + done);
+    std::copy_n(m_buffer, m_at, to + done);
     done += m_at;
   }
   return done;
@@ -73,18 +77,18 @@ UINT CArchive::Read(void* buffer, UINT count) {
 
 void CArchive::Write(const void* buffer, UINT count) {
   ExpectDirection(false);
-  if (count > m_buffer.size() - m_at) {
+  if (count > m_size - m_at) {
     Flush();
-    if (count >= m_buffer.size()) return m_file->Write(buffer, count);
+    if (count >= m_size) return m_file->Write(buffer, count);
   }
-  std::copy_n(static_cast<const BYTE*>(buffer), count, m_buffer.data() + m_at);
+  std::copy_n(static_cast<const BYTE*>(buffer), count, m_buffer + m_at);
   m_at += count;
 }
 
 void CArchive::Flush() {
   if (!m_file) return;
   if (IsStoring()) {
-    if (m_at) m_file->Write(m_buffer.data(), m_at);
+    if (m_at) m_file->Write(m_buffer, m_at);
   } else if (m_at != m_read) {
     m_file->Seek(LONGLONG{m_at} - m_read, CFile::current);
   }

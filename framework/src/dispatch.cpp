@@ -8,6 +8,8 @@ namespace framework {
 
 namespace {
 
+constexpr BYTE narrow_text = 0x0E;  // the code of VTS_BSTR, which is no type of a variant
+
 // Reads one argument as the variant to send.
 void take_argument(CComVariant* target, VARTYPE type, va_list* arguments) {
   switch (type) {
@@ -116,7 +118,11 @@ struct ExceptionInformation : EXCEPINFO {
 Arguments packed(const BYTE* parameters, va_list arguments) {
   size_t count = parameters ? strlen(reinterpret_cast<const char*>(parameters)) : 0;
   Arguments all(count);
-  for (size_t i = 0; i < count; ++i) take_argument(&all[count - 1 - i], parameters[i], &arguments);
+  for (size_t i = 0; i < count; ++i) {
+    if (parameters[i] == VT_BSTR)
+      AfxThrowOleException(DISP_E_BADVARTYPE);  // not a code of the list: VTS_BSTR is another one
+    take_argument(&all[count - 1 - i], parameters[i] == narrow_text ? VARTYPE{VT_BSTR} : parameters[i], &arguments);
+  }
   return all;
 }
 

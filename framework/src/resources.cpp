@@ -1,6 +1,7 @@
 #include <afxwin.h>
 
 #include <algorithm>
+#include <iterator>
 #include <mutex>
 #include <vector>
 
@@ -30,6 +31,24 @@ HINSTANCE first_module(Holds holds) {
 
 }  // namespace
 
+BOOL AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE module) {
+  state = {TRUE, module, module};
+  return TRUE;
+}
+
+void AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL all) {
+  std::vector<CDynLinkLibrary*> of_the_module;
+  {
+    std::lock_guard guard(libraries().lock);
+    std::copy_if(libraries().list.begin(), libraries().list.end(), std::back_inserter(of_the_module),
+                 [&](CDynLinkLibrary* each) { return all || each->m_hModule == state.hModule; });
+  }
+  for (CDynLinkLibrary* each : of_the_module) delete each;
+  state.bInitialized = FALSE;
+}
+
+CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state) : CDynLinkLibrary(state.hModule, state.hResource) {}
+
 CDynLinkLibrary::CDynLinkLibrary(HINSTANCE module, HINSTANCE resources) : m_hModule(module), m_hResource(resources) {
   std::lock_guard guard(libraries().lock);
   libraries().list.push_back(this);
@@ -41,8 +60,7 @@ CDynLinkLibrary::~CDynLinkLibrary() {
 }
 
 HINSTANCE AfxFindResourceHandle(LPCSTR name, LPCSTR type) {
-  HINSTANCE found = first_module([&](HINSTANCE module) { return FindResourceA(module, name, type) != nullptr; });
-  return found ? found : AfxGetResourceHandle();
+  return first_module([&](HINSTANCE module) { return FindResourceA(module, name, type) != nullptr; });
 }
 
 HINSTANCE AfxFindStringResourceHandle(UINT id) {

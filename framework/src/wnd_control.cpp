@@ -1,7 +1,7 @@
 // CWnd as the host of an ActiveX control.
 #include <afxdisp.h>
 #include <afxwin.h>
-#include <atlwin.h>
+#include <atlhost.h>
 
 #include <framework/dispatch.h>
 
@@ -91,9 +91,23 @@ bool set_text(CWnd* window, DISPID property, LPCSTR text) {
 
 }  // namespace
 
+void AfxEnableControlContainer() { AfxGetModuleState()->hosts_controls = true; }
+
+BOOL CWnd::CreateControl(LPCTSTR className, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
+                         CFile* persist, BOOL storage, BSTR licenseKey) {
+  CLSID clsid;
+  if (FAILED(CLSIDFromString(CA2W(className), &clsid))) return FALSE;
+  return CreateControl(clsid, windowName, style, rect, parent, id, persist, storage, licenseKey);
+}
+
+BOOL CWnd::CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const POINT* place, const SIZE* size,
+                         CWnd* parent, UINT id, CFile* persist, BOOL storage, BSTR licenseKey) {
+  return CreateControl(clsid, windowName, style, CRect(*place, *size), parent, id, persist, storage, licenseKey);
+}
+
 BOOL CWnd::CreateControl(REFCLSID clsid, LPCTSTR windowName, DWORD style, const RECT& rect, CWnd* parent, UINT id,
                          CFile* persist, BOOL storage, BSTR licenseKey) {
-  if (::IsWindow(m_hWnd) || !parent || !parent->m_hWnd) return FALSE;
+  if (!AfxGetModuleState()->hosts_controls || ::IsWindow(m_hWnd) || !parent || !parent->m_hWnd) return FALSE;
   CComPtr<IUnknown> control;
   if (FAILED(make(clsid, licenseKey, &control))) return FALSE;
   if (FAILED(persist ? load(control, persist, storage) : begin_anew(control))) return FALSE;

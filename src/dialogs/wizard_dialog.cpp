@@ -138,6 +138,8 @@ void kexWizardDialog::lay_out_buttons() {
 
 void kexWizardDialog::OnHelp() {
   constexpr DWORD base_of_dialogs = 0x20000;
+  // Help is the program's: the state of a regular DLL may be current here. MFC documents that extension DLLs, such as
+  // this one, have no state of their own to switch to; that of the program is there for every module.
   AFX_MANAGE_STATE(AfxGetAppModuleState());
   CWinApp* app = AfxGetApp();
   const auto index = static_cast<size_t>(GetActiveIndex());

@@ -1,5 +1,13 @@
 #include <kexlib/imaging/static_bitmap.h>
 
+#include <algorithm>
+
+// The headers of GDI+ use the macros min and max of windows.h, which are switched off here.
+namespace Gdiplus {
+using std::max;
+using std::min;
+}  // namespace Gdiplus
+
 #include <atlimage.h>
 
 template <class Static>
@@ -41,7 +49,8 @@ void wbzStaticBitmapTemplate<Static>::set_internal_bitmap(HBITMAP bitmap) {
 template <class Static>
 void wbzStaticBitmapTemplate<Static>::set_bitmap_from_id(UINT id) {
   HINSTANCE module = AfxFindResourceHandle(MAKEINTRESOURCEA(id), reinterpret_cast<LPCSTR>(RT_BITMAP));
-  set_internal_bitmap(LoadBitmapW(module, MAKEINTRESOURCEW(id)));
+  // Without a module LoadBitmap would load a bitmap of the system.
+  set_internal_bitmap(module ? LoadBitmapW(module, MAKEINTRESOURCEW(id)) : nullptr);
 }
 
 template <class Static>

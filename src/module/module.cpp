@@ -4,7 +4,9 @@
 // (except by TerminateProcess). An object that only one unit uses, and that needs no order, is defined in that unit's
 // source.
 #include <kexlib/diagnostics/trace_file.h>
-#include <kexlib/windows.h>
+#include <kexlib/framework.h>
+
+#include <afxdllx.h>
 
 #include <diagnostics/profiler_state.h>
 #include <messageloop/timer_registry.h>
@@ -37,14 +39,23 @@ namespace {
 
 bool ending = false;
 
+// What MFC knows of this library. It is an extension DLL, since objects of MFC's classes go between it and the program.
+// There is no CDynLinkLibrary: it has neither resources for others nor classes that are found by name.
+AFX_EXTENSION_MODULE extension{};
+
 }  // namespace
 
 bool process_is_ending() { return ending; }
 
 }  // namespace kexlib
 
-// Called before the objects above are released.
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID process_ends) {
-  if (reason == DLL_PROCESS_DETACH) kexlib::ending = process_ends != nullptr;
+// Called after the objects above are created, and before they are released.
+BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID process_ends) {
+  if (reason == DLL_PROCESS_ATTACH) return AfxInitExtensionModule(kexlib::extension, module);
+  if (reason == DLL_PROCESS_DETACH) {
+    kexlib::ending = process_ends != nullptr;
+    // At the end of the process MFC's lists are not accessed: an ended thread may have left them inconsistent.
+    if (!kexlib::ending) AfxTermExtensionModule(kexlib::extension);
+  }
   return TRUE;
 }

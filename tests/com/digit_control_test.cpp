@@ -168,6 +168,7 @@ void expect_property(const Property<Object>& property, Object& object, Recording
 class DigitControl : public testing::Test {
  protected:
   DigitControl() {
+    AfxEnableControlContainer();
     frame_.Attach(
         CreateWindowA("STATIC", "frame", WS_OVERLAPPEDWINDOW, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr));
     EXPECT_TRUE(digits_.Create(nullptr, style, place, &frame_, 7, nullptr, 0, nullptr));
@@ -361,6 +362,17 @@ TEST_F(DigitControl, IsWhereItWasPutOnce) {
   EXPECT_FALSE(digits_.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
 }
 
+TEST_F(DigitControl, IsNotMadeWhereTheProgramDidNotEnableControls) {
+  AFX_MODULE_STATE other;
+  AFX_MANAGE_STATE(&other);
+  kexDigitOCX digits;
+  EXPECT_FALSE(digits.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
+  EXPECT_FALSE(static_cast<CWnd&>(digits).Create("", "", style, place, &frame_, 8, nullptr));
+  EXPECT_EQ(GetDlgItem(frame_.m_hWnd, 8), nullptr);
+  AfxEnableControlContainer();
+  EXPECT_TRUE(digits.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
+}
+
 TEST_F(DigitControl, IsMadeThroughCWndToo) {
   kexDigitOCX other;
   CWnd* const window = &other;
@@ -398,6 +410,7 @@ TEST(DigitControlClass, IsMadeByItsName) {
 
 TEST(DigitControlClass, IsNotThereWhereItIsNotInstalled) {
   ASSERT_EQ(OleInitialize(nullptr), S_OK);
+  AfxEnableControlContainer();
   {
     CWnd frame;
     frame.Attach(CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 99, 99, nullptr, nullptr, nullptr, nullptr));

@@ -27,8 +27,8 @@ def compiled(*headers: str, text: str = "", arguments: tuple[str, ...] = ("-fsyn
 
 
 class Order(unittest.TestCase):
-    def refuses(self, sentence: str, *headers: str) -> None:
-        done = compiled(*headers)
+    def refuses(self, sentence: str, *headers: str, arguments: tuple[str, ...] = ()) -> None:
+        done = compiled(*headers, arguments=("-fsyntax-only", *arguments))
         self.assertNotEqual(done.returncode, 0, headers)
         self.assertIn(sentence, done.stderr)
 
@@ -60,6 +60,15 @@ class Order(unittest.TestCase):
         self.refuses("atlmisc.h requires atlapp.h", "atlbase.h", "atlmisc.h")
         self.refuses("atlctrlx.h requires atlctrls.h", "atlbase.h", "atlapp.h", "atlctrlx.h")
         self.accepts("atlbase.h", "atlapp.h", "atlctrls.h", "atlctrlx.h", "atlmisc.h", "atldlgs.h")
+
+    def test_wtl_wants_all_of_atl(self):
+        for missing in ("_ATL_NO_COMMODULE", "_ATL_MIN_CRT", "_ATL_NO_MSIMG"):
+            self.refuses("WTL needs all of ATL", "atlbase.h", "atlapp.h", arguments=(f"-D{missing}",))
+        self.refuses("WTL needs WINVER and _WIN32_WINNT", "atlbase.h", "atlapp.h", arguments=("-DWINVER=0x0500",))
+
+    def test_the_header_for_extension_dlls_wants_one(self):
+        self.refuses("afxdllx.h is for extension DLLs", "afxdllx.h")
+        self.assertEqual(compiled("afxdllx.h", arguments=("-fsyntax-only", "-D_AFXEXT")).stderr, "")
 
 
 class Versions(unittest.TestCase):

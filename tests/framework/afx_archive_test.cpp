@@ -73,6 +73,20 @@ TEST(Archive, NumbersAreLittleEndianWithNothingBetweenThem) {
                                       27));
 }
 
+TEST(Archive, MayUseABufferOfTheCaller) {
+  WatchedFile file;
+  BYTE buffer[4] = {};
+  CArchive archive(&file, CArchive::store, sizeof buffer, buffer);
+  archive << WORD{0x0201};
+  EXPECT_EQ(buffer[1], 2);
+  archive << WORD{0x0403};
+  EXPECT_EQ(file.writes, 0);
+  archive << BYTE{5};
+  EXPECT_EQ(file.writes, 1);
+  archive.Close();
+  EXPECT_EQ(file.bytes(), "\x01\x02\x03\x04\x05");
+}
+
 TEST(Archive, WhatWasStoredIsLoadedAgainFromAFile) {
   TemporaryFolder folder;
   {

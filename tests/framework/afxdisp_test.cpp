@@ -90,6 +90,14 @@ TEST_F(Dispatch, ANullTextIsSentAsAnEmptyOne) {
   EXPECT_STREQ(only_call().arguments.at(0).bstrVal, L"");
 }
 
+TEST_F(Dispatch, TheCodeOfATextIsNotItsTypeInAVariant) {
+  static const BYTE parameters[] = {VT_BSTR, 0};
+  EXPECT_STREQ(VTS_BSTR, "\x0E");
+  EXPECT_EQ(thrown_by([&] { driver_.InvokeHelper(1, DISPATCH_METHOD, VT_EMPTY, nullptr, parameters, "text"); }),
+            DISP_E_BADVARTYPE);
+  EXPECT_TRUE(object_->calls.empty());
+}
+
 TEST_F(Dispatch, APutNamesItsLastArgumentAsTheNewValue) {
   static const BYTE parameters[] = VTS_I2 VTS_R8;
   driver_.InvokeHelper(21, DISPATCH_PROPERTYPUT, VT_EMPTY, nullptr, parameters, 3, 2.5);

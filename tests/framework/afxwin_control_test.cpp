@@ -20,6 +20,7 @@ constexpr UINT id = 7;
 class Control : public testing::Test {
  protected:
   Control() {
+    AfxEnableControlContainer();
     frame_.Attach(
         CreateWindowA("STATIC", "frame", WS_OVERLAPPEDWINDOW, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr));
   }
@@ -52,6 +53,35 @@ TEST_F(Control, IsHostedInAChildWindowOfItsPlaceAndId) {
   GetClientRect(control()->window, &rect);
   EXPECT_EQ(rect.right, 120);
   EXPECT_EQ(rect.bottom, 80);
+}
+
+TEST_F(Control, IsMadeWhereControlsAreEnabled) {
+  AFX_MODULE_STATE other;
+  AFX_MANAGE_STATE(&other);
+  EXPECT_FALSE(create());
+  EXPECT_EQ(window_.m_hWnd, nullptr);
+  EXPECT_EQ(control(), nullptr);
+  AfxEnableControlContainer();
+  EXPECT_TRUE(create());
+}
+
+TEST_F(Control, IsMadeByTheTextOfItsClassToo) {
+  EXPECT_FALSE(window_.CreateControl("No.Such.Control", nullptr, style, place, &frame_, id));
+  LPOLESTR text = nullptr;
+  ASSERT_EQ(StringFromCLSID(TestControlClass::id, &text), S_OK);
+  EXPECT_TRUE(window_.CreateControl(CString(text), "Speed", style, place, &frame_, id));
+  CoTaskMemFree(text);
+  EXPECT_STREQ(control()->calls.at(0).arguments.at(0).bstrVal, L"Speed");
+}
+
+TEST_F(Control, IsMadeAtAPointInASizeToo) {
+  const POINT at{10, 20};
+  const SIZE size{120, 80};
+  ASSERT_TRUE(window_.CreateControl(TestControlClass::id, nullptr, style, &at, &size, &frame_, id));
+  RECT rect;
+  GetWindowRect(window_.m_hWnd, &rect);
+  MapWindowPoints(nullptr, frame_.m_hWnd, reinterpret_cast<POINT*>(&rect), 2);
+  EXPECT_TRUE(EqualRect(&rect, &place));
 }
 
 TEST_F(Control, GivesItsUnknownWithoutAReference) {

@@ -29,7 +29,7 @@ TEST(ModuleState, HoldsUntilTheBlockEnds) {
     EXPECT_EQ(AfxGetInstanceHandle(), GetModuleHandleA("user32"));
     EXPECT_NE(AfxGetAppModuleState(), &own);
     {
-      AFX_MANAGE_STATE(&inner);
+      const AFX_MAINTAIN_STATE2 nested(&inner);
       EXPECT_EQ(AfxGetModuleState(), &inner);
     }
     EXPECT_EQ(AfxGetModuleState(), &own);
@@ -76,7 +76,7 @@ TEST(Resources, AreLookedForInThisModuleAndThenInTheLibrariesTheNewestFirst) {
   // The program has a manifest, but no version resource.
   const auto manifest = [] { return AfxFindResourceHandle(MAKEINTRESOURCE(1), RT_MANIFEST); };
   const auto version = [] { return AfxFindResourceHandle(MAKEINTRESOURCE(1), RT_VERSION); };
-  EXPECT_EQ(version(), program);
+  EXPECT_EQ(version(), nullptr);
   {
     CDynLinkLibrary older(shell, shell);
     EXPECT_EQ(version(), shell);
@@ -86,9 +86,9 @@ TEST(Resources, AreLookedForInThisModuleAndThenInTheLibrariesTheNewestFirst) {
       EXPECT_EQ(manifest(), program);
     }
     EXPECT_EQ(version(), shell);
-    EXPECT_EQ(AfxFindResourceHandle("nobody has it", RT_BITMAP), program);
+    EXPECT_EQ(AfxFindResourceHandle("nobody has it", RT_BITMAP), nullptr);
   }
-  EXPECT_EQ(version(), program);
+  EXPECT_EQ(version(), nullptr);
 }
 
 TEST(Resources, AStringIsFoundInTheLibraryThatHasIt) {

@@ -235,7 +235,7 @@ TEST(WindowImpl, AHandlerThatThrowsLeavesNoMessageTheCurrentOne) {
   EXPECT_EQ(window.final_messages, 1);
 }
 
-TEST(WindowImpl, IsToldOfItsEndThoughItHandledTheLastMessageItself) {
+TEST(WindowImpl, IsNotToldOfItsEndIfItHandlesTheLastMessageItself) {
   class Last : public CWindowImpl<Last, CWindow, CFrameWinTraits> {
    public:
     BEGIN_MSG_MAP(Last)
@@ -245,9 +245,11 @@ TEST(WindowImpl, IsToldOfItsEndThoughItHandledTheLastMessageItself) {
     void OnFinalMessage(HWND) override { ++final_messages; }
     int final_messages = 0;
   } window;
-  window.Create(nullptr);
+  HWND created = window.Create(nullptr);
   window.DestroyWindow();
-  EXPECT_EQ(window.final_messages, 1);
+  EXPECT_FALSE(::IsWindow(created));
+  EXPECT_EQ(window.final_messages, 0);
+  EXPECT_EQ(window.m_hWnd, created);
 }
 
 TEST(WindowImpl, AWindowOfItsClassThatNobodyAnnouncedIsNotMade) {

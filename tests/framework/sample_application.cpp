@@ -7,6 +7,7 @@
 #include <afxdisp.h>
 #include <afxwin.h>
 #include <atlbase.h>
+#include <atlhost.h>
 #include <atlapp.h>
 #include <atlctrls.h>
 #include <atlctrlx.h>

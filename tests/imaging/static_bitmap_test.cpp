@@ -219,6 +219,10 @@ TEST_F(StaticBitmapControl, MissingResourcesShowNothing) {
   control.set_internal_bitmap(make_plain());
   control.set_bitmap_from_id(IDB_MISSING);
   EXPECT_EQ(shown(), nullptr);
+  constexpr UINT of_the_system = 32754;  // OBM_CLOSE
+  ASSERT_NE(LoadBitmapW(nullptr, MAKEINTRESOURCEW(of_the_system)), nullptr);
+  control.set_bitmap_from_id(of_the_system);
+  EXPECT_EQ(shown(), nullptr);
   control.set_internal_bitmap(make_plain());
   control.set_bitmap_from_id_given_resources(GetModuleHandle(nullptr), IDB_MISSING);
   EXPECT_EQ(shown(), nullptr);

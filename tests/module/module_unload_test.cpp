@@ -124,6 +124,14 @@ TEST_F(UnloadInChildProcess, RemovesTheHookOfTheWindowTableAtFreeLibrary) {
   EXPECT_EQ(run_program("plugin_host.exe", "hook"), 0u);
 }
 
+TEST_F(UnloadInChildProcess, TakesItselfFromMfcsExtensionsAtFreeLibrary) {
+  EXPECT_EQ(run_program("extension_host.exe", "free"), 0u);
+}
+
+TEST_F(UnloadInChildProcess, LeavesMfcsExtensionsAloneAtTheEndOfTheProcess) {
+  EXPECT_EQ(run_program("extension_host.exe", "end"), exit_code);
+}
+
 // An ended thread may own the lock of the timers.
 TEST_F(UnloadInChildProcess, LeavesTheLockOfTheTimersAloneAtTheEndOfTheProcess) {
   EXPECT_EQ(run_program("endings.exe", "in_tick"), exit_code);

@@ -1,5 +1,8 @@
 // Digit control: the members of an ActiveX control that shows numbers as digits, and those of its font.
 //
+//     OleInitialize(nullptr);         // or AfxOleInit; once, as the next line, in the InitInstance of the program
+//     AfxEnableControlContainer();
+//
 //     kexDigitOCX digits;                                            // a member of its parent's class
 //     if (!digits.Create("", WS_CHILD | WS_VISIBLE, place, parent, IDC_DIGITS, nullptr, 0, nullptr)) return;
 //     digits.initialise();                                           // in Tahoma, not bold
@@ -12,11 +15,14 @@
 // manifest. The control defines what its properties mean, for example the units of Gap and Interligne. Each member
 // makes one IDispatch call, with a fixed identifier and automation type.
 //
-// With Microsoft's MFC, call AfxEnableControlContainer once before Create, as MFC applications with ActiveX controls
-// do: without a control container Create fails. The framework of this library always has one.
+// Order. The program initialises OLE on the thread, calls AfxEnableControlContainer (afxdisp.h), and then Create. MFC
+// hosts the control in the container that this function makes. Without the call Create returns 0 where the framework of
+// this library is used. Microsoft's MFC does not check it and has no documented way to: Create reads through a null
+// pointer there.
 //
 // Errors. An exception of the control is thrown as MFC's COleDispatchException, every other failure as COleException.
-// Without a control, members call nothing and return 0 or an empty result. Texts are in the thread's ANSI code page.
+// Without a control, members call nothing and return 0 or an empty result; a debug build of Microsoft's MFC asserts
+// first. Texts are in the thread's ANSI code page.
 //
 // Threads. Use a control on the thread that created it, with COM initialised.
 #ifndef KEXLIB_COM_DIGIT_CONTROL_H
@@ -90,8 +96,8 @@ class KEXLIB_API kexDigitOCX : public CWnd {
   const GUID& GetClsid() const;
 
   /// Creates the control (CWnd::CreateControl) with `style` at `rect` in `parent`. window_name becomes its Caption or
-  /// Text; class_name and context are ignored. Returns 0 if the control is not installed, or if this object
-  /// already has one.
+  /// Text; class_name and context are ignored. Returns 0 if the control is not installed, if this object already
+  /// has one, or if controls are not enabled (see above).
   int Create(const char* class_name, const char* window_name, unsigned long style, const RECT& rect, CWnd* parent,
              unsigned int id, CCreateContext* context = nullptr) override;
 

@@ -10,18 +10,8 @@ namespace ATL {
 // or its ProgID. If the text names no control the window is not created.
 #define ATLAXWIN_CLASS "AtlAxWin140"
 
-// Registers that class for all modules of the process. Returns FALSE on failure. May be called again.
-KEXFRAMEWORK_API BOOL AtlAxWinInit();
-
-// Attaches an initialised control to such a window. The window holds a reference until it is destroyed. The host object
-// is returned with a reference for the caller.
-KEXFRAMEWORK_API HRESULT AtlAxAttachControl(IUnknown* control, HWND window, IUnknown** host);
-
-// Returns the control in such a window, with a reference for the caller. E_FAIL if the window hosts none, E_POINTER for
-// a null target.
-KEXFRAMEWORK_API HRESULT AtlAxGetControl(HWND window, IUnknown** control);
-
-// A window of that class.
+// A window of that class. A source that uses GetWndClassName, Create or QueryControl includes <atlhost.h>, which
+// defines them.
 template <class TBase = CWindow>
 class CAxWindowT : public TBase {
  public:
@@ -31,10 +21,7 @@ class CAxWindowT : public TBase {
     return *this;
   }
 
-  static LPCTSTR GetWndClassName() {
-    AtlAxWinInit();
-    return ATLAXWIN_CLASS;
-  }
+  static LPCTSTR GetWndClassName();
   HWND Create(HWND parent, _U_RECT rect = nullptr, LPCTSTR name = nullptr, DWORD style = 0, DWORD extendedStyle = 0,
               _U_MENUorID menuOrId = 0U, LPVOID parameter = nullptr) {
     return CWindow::Create(GetWndClassName(), parent, rect, name, style, extendedStyle, menuOrId, parameter);
@@ -42,13 +29,7 @@ class CAxWindowT : public TBase {
 
   // Returns an interface of the control, or the error of AtlAxGetControl or QueryInterface.
   template <class Q>
-  HRESULT QueryControl(Q** target) {
-    if (!target) return E_POINTER;
-    *target = nullptr;
-    CComPtr<IUnknown> control;
-    HRESULT result = AtlAxGetControl(this->m_hWnd, &control);
-    return SUCCEEDED(result) ? control.QueryInterface(target) : result;
-  }
+  HRESULT QueryControl(Q** target);
 };
 using CAxWindow = CAxWindowT<CWindow>;
 

@@ -269,8 +269,9 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
   LRESULT handle(UINT uMsg, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     BOOL handled = this->ProcessWindowMessage(this->m_hWnd, uMsg, wParam, lParam, result, 0);
-    if (uMsg != WM_NCDESTROY) return handled ? result : DefWindowProc(uMsg, wParam, lParam);
-    if (!handled) result = last_message(wParam, lParam);
+    if (handled) return result;  // also WM_NCDESTROY: such an object never learns that its window is gone
+    if (uMsg != WM_NCDESTROY) return DefWindowProc(uMsg, wParam, lParam);
+    result = last_message(wParam, lParam);
     this->m_dwState |= CWindowImplRoot<TBase>::WINSTATE_DESTROYED;
     return result;
   }

@@ -1,7 +1,7 @@
 // Windows that host ActiveX controls.
 #include <gtest/gtest.h>
 
-#include <atlwin.h>
+#include <atlhost.h>
 
 #include <support/expect_flat.h>
 #include <support/test_control.h>
