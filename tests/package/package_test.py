@@ -179,7 +179,7 @@ class PartsList(Test):
 
 
 class AddSubdirectory(Test):
-    """The sources in another project. Compiling them takes long, so they are built in Debug only."""
+    """The sources in another project. They take long to compile, so they are built in Debug only."""
 
     def test_a_consumer(self):
         build = self.configured("add_subdirectory", f"-DKEXLIB_SOURCE={SOURCE}", "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON",
