@@ -268,6 +268,42 @@ describe('A large record', () => {
     await expect.poll(() => page.locator('.hits').innerText()).toMatch(/^1 of [\d,]+$/);
   });
 
+  test('has the statistics of all names counted in slices, once for a selection', async () => {
+    const page = await viewer.open();
+    viewer.opened.complaints.length = 0;
+    const path = join(viewer.opened.folder, 'large.js');
+    writeFileSync(path, largeRecord(600_000, 8));
+    await dropFile(page, path);
+    await page.locator('.status').waitFor();
+    // What the table holds, picture by picture.
+    await page.evaluate(() => {
+      const seen: string[] = [];
+      (window as unknown as { seen: string[] }).seen = seen;
+      const look = () => {
+        const table = document.querySelector('[aria-label="Statistics by name"]');
+        seen.push(!table ? 'nothing' : table.querySelector('.table-row') ? 'rows' : table.textContent!);
+        requestAnimationFrame(look);
+      };
+      look();
+    });
+    const seen = () => page.evaluate(() => (window as unknown as { seen: string[] }).seen);
+    await press(page, '3');
+    await expect.poll(seen).toContain('rows');
+    const counting = (await seen()).filter((text) => text.endsWith('Counting…'));
+    expect(counting.length).toBeGreaterThan(1);
+    // The table is there at once when it is seen again.
+    await press(page, '1', '3');
+    await page.locator('.table-row').first().waitFor();
+    expect((await seen()).filter((text) => text.endsWith('Counting…'))).toEqual(counting);
+    // What is selected is counted anew.
+    await press(page, 'r');
+    await expect
+      .poll(async () => (await seen()).filter((text) => text.endsWith('Counting…')).length)
+      .toBeGreaterThan(counting.length);
+    await page.locator('.table-row').first().click();
+    await expect.poll(() => page.locator('.sandwich').innerText()).toMatch(/Callers[^]*Callees/);
+  });
+
   test('has its details counted in slices, of what was selected last', async () => {
     const page = await viewer.open();
     viewer.opened.complaints.length = 0;
