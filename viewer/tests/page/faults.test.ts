@@ -364,6 +364,7 @@ describe('A large record', () => {
     await dropFile(page, path);
     await page.locator('.status').waitFor();
     await press(page, '3');
+    await page.locator('.table-row').first().waitFor();
     // What the panel says, one after the other: the name and its count.
     await page.evaluate(() => {
       const said: string[] = [];
