@@ -213,6 +213,18 @@ class BadInput(Configuring):
         done = self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, "-DKEXLIB_VIEWER=OFF")
         self.assert_refused(done, "need midl, which the Windows SDK has")
 
+    def test_a_viewer_without_its_tools(self):
+        sentence = "The profile viewer needs Node 18 or later with npm: install them, or configure with -DKEXLIB_VIEWER=OFF"
+        (self.tools / "npm.cmd").unlink()
+        (self.tools / "npm").unlink()
+        without_npm = self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, *LEAST[1:])
+        self.assert_refused(without_npm, sentence)
+        for tool in ("node", "npm.cmd"):
+            self.write(f"tools/{tool}", "#!/bin/sh\necho v16.20.2\n").chmod(0o755)
+        self.assert_refused(self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, *LEAST[1:]), sentence)
+        status, said = self.with_visual_cpp("-G", "Ninja", *FRAMEWORKS, *LEAST)
+        self.assertEqual(status, 0, said)
+
     def test_unicode(self):
         for define in ("-DCMAKE_CXX_FLAGS=-DUNICODE", "-DCMAKE_CXX_FLAGS=/D _UNICODE /W3"):
             with self.subTest(define):

@@ -1,8 +1,8 @@
 import type { Page } from 'playwright-core';
+import { watchingStandstill } from './standstill';
 
 interface Watch {
   shown?: number | undefined;
-  longest: number;
   found?: number | undefined;
 }
 
@@ -14,11 +14,8 @@ export async function measureSearch(
   await page.keyboard.press('Escape');
   await page.keyboard.press('Escape');
   await page.evaluate(() => {
-    const watch: Watch = { longest: 0 };
+    const watch: Watch = {};
     (window as unknown as { watch: Watch }).watch = watch;
-    new PerformanceObserver((list) => {
-      for (const { duration } of list.getEntries()) watch.longest = Math.max(watch.longest, duration);
-    }).observe({ type: 'longtask' });
     let start: number | undefined;
     addEventListener('keydown', ({ key, timeStamp }) => key === 'Enter' && (start ??= timeStamp), true);
     const look = () => {
@@ -35,17 +32,19 @@ export async function measureSearch(
     };
     requestAnimationFrame(look);
   });
-  await page.keyboard.press('Control+f');
-  await page.keyboard.insertText(text);
-  await page.keyboard.press('Enter');
-  await page.waitForFunction(
-    () => {
-      const { watch } = window as unknown as { watch: Watch };
-      return watch.shown !== undefined && watch.found !== undefined;
-    },
-    undefined,
-    { timeout: 60_000 },
-  );
-  const { shown, longest, found } = await page.evaluate(() => (window as unknown as { watch: Watch }).watch);
-  return { first: shown!, all: found!, longest };
+  return watchingStandstill(page, async () => {
+    await page.keyboard.press('Control+f');
+    await page.keyboard.insertText(text);
+    await page.keyboard.press('Enter');
+    await page.waitForFunction(
+      () => {
+        const { watch } = window as unknown as { watch: Watch };
+        return watch.shown !== undefined && watch.found !== undefined;
+      },
+      undefined,
+      { timeout: 60_000 },
+    );
+    const { shown, found } = await page.evaluate(() => (window as unknown as { watch: Watch }).watch);
+    return { first: shown!, all: found! };
+  });
 }

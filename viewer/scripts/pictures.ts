@@ -1,16 +1,15 @@
-// Makes the pictures of the page in docs/images, from the records that ./kex demo left:
-//
-//     ./kex demo && npm run pictures --prefix viewer
+// Makes the pictures of the page in docs/images, from the records of a program that counted this repository's lines:
+// scripts/update_pictures runs both.
 import { mkdirSync, readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import type { Page } from 'playwright-core';
 import { dropFile, launchBrowser, openViewer } from '../tests/support/browser';
 
-const demo = '../build/demo';
+const records = '../build/records';
 const images = '../docs/images';
 const files = {
-  'profiler.js': readFileSync(`${demo}/profiler.js`),
-  'counting.js': readFileSync(`${demo}/counting.js`),
+  'profiler.js': readFileSync(`${records}/profiler.js`),
+  'counting.js': readFileSync(`${records}/counting.js`),
 };
 
 const browser = await launchBrowser();
@@ -29,7 +28,7 @@ async function picture(
     viewport: { width: 1280, height: 600 },
   });
   await prepare(viewer.page, viewer.folder);
-  await viewer.page.mouse.move(600, 18);
+  await viewer.page.mouse.move(1060, 18); // over nothing
   // The last step has been drawn when a frame after it has.
   await viewer.page.evaluate(
     () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))),

@@ -1,8 +1,10 @@
 import { chromeTrace, csv, speedscope } from '../record/exports';
+import { countingNames } from '../record/statistics';
 import { drawChart } from './chart/draw';
 import { RectangleStrip } from './chart/strip';
 import { SvgSurface } from './chart/svg';
 import { takeView } from './kept_view';
+import { runSliced } from './sliced';
 import * as state from './state';
 import { currentChart } from './walked';
 
@@ -24,7 +26,11 @@ export function exportAs(kind: ExportKind): void {
     case 'speedscope':
       return save(`${base}.speedscope.json`, 'application/json', speedscope(profile, record.title));
     case 'csv':
-      return save(`${base}.csv`, 'text/csv', [csv(profile, state.statistics.value)]);
+      return void runSliced(
+        countingNames(profile, state.selection.value),
+        new AbortController().signal,
+        (rows) => save(`${base}.csv`, 'text/csv', [csv(profile, rows)]),
+      );
     case 'view':
       return save(`${base}.view.json`, 'application/json', [JSON.stringify(takeView(), null, 1)]);
     case 'svg':

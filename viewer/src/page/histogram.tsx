@@ -118,7 +118,8 @@ export function Histogram({ sets, titles }: Properties) {
 
 function captionOf({ durations, resolution }: Durations, cursor: number | undefined): string {
   const { length } = durations;
-  if (cursor === undefined) return `${formatCount(length)} durations; point at the bars to divide them`;
+  const all = length === 1 ? '1 duration' : `${formatCount(length)} durations`;
+  if (cursor === undefined) return `${all}; point at the bars to divide them`;
   const share = (count: number) => `${formatCount(count)} (${formatShare(count, length)})`;
   if (cursor < resolution) {
     const short = lowerBound(durations, 0, length, resolution * (1 - 1e-6));

@@ -6,7 +6,9 @@ export function Name({ text }: { text: string }) {
   return (
     <span class="name" title={shortened(text, 2000)}>
       {head && <span class="name-head">{head}</span>}
-      <span class="name-tail">{tail}</span>
+      <span class="name-tail">
+        <bdi>{tail}</bdi>
+      </span>
     </span>
   );
 }
@@ -25,8 +27,8 @@ export function Path({ names }: { names: readonly string[] }) {
             .join(' › ')}
         </span>
       )}
-      {above.length > 0 && <span class="name-tail">{' › '}</span>}
-      <span class={above.length > 0 ? 'name-leaf' : 'name-leaf name-alone'}>
+      {above.length > 0 && <span class="name-separator">{' › '}</span>}
+      <span class="name-leaf">
         <Name text={leaf} />
       </span>
     </span>

@@ -10,7 +10,7 @@ import { notice, opened, reading, refusal, show, showSecond, type Source } from 
 import { recallThreadNames } from './thread_names';
 import { isViewText, NoView, readView } from './view_text';
 
-const partSize = 2 << 20;
+const partSize = 4 << 20;
 const partsAhead = 4;
 /** Ends what is being opened: a file opened later takes over. */
 let current = new AbortController();
@@ -34,8 +34,6 @@ export async function openFile(file: File, options: OpenOptions = {}): Promise<v
       reader.push(part);
       reading.value = { title: file.name, part: (read += part.length) / file.size };
     }
-    await painted();
-    if (signal.aborted) return;
     const raw = reader.finish();
     if (as === 'second') showSecond(raw, file.name);
     else place(raw, file.name, { kind: 'file', handle }, options.keepView);
@@ -137,14 +135,6 @@ function sentence(error: unknown): string {
   if (error instanceof DOMException)
     return 'The browser could not read the file: is it a folder, or was it moved?';
   return `The page failed on it: ${String(error)}`;
-}
-
-/** After the next picture, or soon where the page is not seen. */
-function painted(): Promise<void> {
-  return new Promise((resolve) => {
-    setTimeout(resolve, 100);
-    requestAnimationFrame(() => setTimeout(resolve));
-  });
 }
 
 /** The record that a page beside it shows without being asked; `?record=NAME.js` names another one in its folder. */

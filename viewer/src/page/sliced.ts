@@ -1,5 +1,5 @@
 // Long work in slices, between which the page lives.
-import { effect, signal, untracked, type ReadonlySignal } from '@preact/signals';
+import { computed, effect, signal, untracked, type ReadonlySignal } from '@preact/signals';
 
 /** Milliseconds of one slice: less than the time of a picture. */
 const slice = 10;
@@ -42,17 +42,27 @@ export function runSliced<T>(
 
 /**
  * What work gives that is begun anew whenever a signal changes that `begin` reads; undefined while it is under way, and
- * where there is none.
+ * where there is none. It waits for its beginning until it is seen for the first time.
  */
-export function slicedSignal<T>(begin: () => Generator<void, T> | undefined): ReadonlySignal<T | undefined> {
+export function slicedSignal<T>(
+  begin: () => Generator<void, T> | undefined,
+  isSeen = () => true,
+): ReadonlySignal<T | undefined> {
   const result = signal<T | undefined>(undefined);
+  const wanted = computed(begin);
+  let begun: Generator<void, T> | undefined;
   let stop = new AbortController();
   effect(() => {
-    stop.abort();
+    const work = wanted.value;
+    if (work !== begun) {
+      stop.abort();
+      begun = undefined;
+      result.value = undefined;
+    }
+    if (!work || work === begun || !isSeen()) return;
+    begun = work;
     stop = new AbortController();
-    result.value = undefined;
-    const work = begin();
-    if (work) void untracked(() => runSliced(work, stop.signal, (value) => (result.value = value)));
+    void untracked(() => runSliced(work, stop.signal, (value) => (result.value = value)));
   });
   return result;
 }

@@ -6,7 +6,7 @@ import { makeCallTree, makeDifferenceTree, type CallTree, type Difference } from
 import { nodeOfPath, pathOfNode } from '../record/tree_path';
 import { makeProfile, type Profile } from '../record/profile';
 import type { RawRecord } from '../record/record';
-import { statisticsByName, type Range, type Selection } from '../record/statistics';
+import type { Range, Selection } from '../record/statistics';
 import { Walker } from '../record/walk';
 import { changeColor, type Palette } from './colors';
 import { ChartState } from './chart/chart_state';
@@ -188,10 +188,6 @@ export const selection = computed<Selection>(() => ({
   threads: hidden.value.size > 0 ? new Set(visibleThreads.value) : undefined,
   foldRecursion: foldRecursion.value,
 }));
-
-export const statistics = computed(() =>
-  profile.value ? statisticsByName(profile.value, selection.value) : [],
-);
 
 export const callTree = computed(() => {
   const chosen = currentThread.value;

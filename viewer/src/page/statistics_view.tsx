@@ -1,9 +1,18 @@
 import { computed } from '@preact/signals';
-import { calleesOf, callersOf, type NameRow, type Relative } from '../record/statistics';
+import {
+  calleesOf,
+  callersOf,
+  countingNames,
+  type NameRow,
+  type Relative,
+  type Selection,
+} from '../record/statistics';
+import type { Profile } from '../record/profile';
 import { formatCount, formatShare, formatTime } from './format';
 import { Name } from './name';
 import { goToLongest } from './navigation';
 import { matches } from './search';
+import { slicedSignal } from './sliced';
 import * as state from './state';
 import { Table, type Column } from './table';
 
@@ -47,12 +56,39 @@ const columns = computed((): Column<NameRow>[] => {
   ];
 });
 
+const isSeen = () => state.view.value === 'statistics';
+
+/** Of all names; undefined while they are being counted. */
+const statistics = slicedSignal(() => {
+  const { profile, selection } = state;
+  return profile.value && countingNames(profile.value, selection.value);
+}, isSeen);
+
 const rows = computed(() => {
+  const all = statistics.value ?? [];
   const found = matches.value;
-  return found ? state.statistics.value.filter(({ name }) => found[name]) : state.statistics.value;
+  return found ? all.filter(({ name }) => found[name]) : all;
 });
 
+/** Of the selected name; undefined while they are being looked for. */
+const around = slicedSignal(() => {
+  const { profile, selectedName, selection } = state;
+  return profile.value && selectedName.value !== undefined
+    ? callersAndCallees(profile.value, selectedName.value, selection.value)
+    : undefined;
+}, isSeen);
+
+function* callersAndCallees(profile: Profile, name: number, selection: Selection) {
+  return {
+    callers: yield* callersOf(profile, name, selection),
+    callees: yield* calleesOf(profile, name, selection),
+  };
+}
+
 export function StatisticsView() {
+  const nothing = state.search.value
+    ? 'No name holds what is searched for.'
+    : 'No interval lies in the range.';
   return (
     <div class="statistics">
       <Table
@@ -63,7 +99,7 @@ export function StatisticsView() {
         isSelected={(row) => row.name === state.selectedName.value}
         onSelect={(row) => state.select(row.name)}
         onOpen={(row) => goToLongest(row.name)}
-        empty={state.search.value ? 'No name holds what is searched for.' : 'No interval lies in the range.'}
+        empty={statistics.value ? nothing : 'Counting…'}
       />
       <Sandwich />
     </div>
@@ -72,17 +108,17 @@ export function StatisticsView() {
 
 /** Who calls the selected name, and what it calls. */
 function Sandwich() {
-  const profile = state.profile.value;
   const name = state.selectedName.value;
-  if (!profile || name === undefined)
+  if (name === undefined)
     return <aside class="sandwich hint">Select a name to see who calls it and what it calls.</aside>;
+  if (!around.value) return <aside class="sandwich hint">Counting…</aside>;
   return (
     <aside class="sandwich">
-      <Relatives title="Callers" rows={callersOf(profile, name, state.selection.value)} />
+      <Relatives title="Callers" rows={around.value.callers} />
       <h3 class="middle">
         <Name text={state.names.value[name]!} />
       </h3>
-      <Relatives title="Callees" rows={calleesOf(profile, name, state.selection.value)} />
+      <Relatives title="Callees" rows={around.value.callees} />
     </aside>
   );
 }

@@ -3,8 +3,10 @@
 /** One character for each byte. */
 export function bytesToText(data: Uint8Array, from = 0, to = data.length): string {
   let text = '';
-  for (let at = from; at < to; at += 8192)
-    text += String.fromCharCode(...data.subarray(at, Math.min(at + 8192, to)));
+  for (let at = from; at < to; at += 8192) {
+    const part = data.subarray(at, Math.min(at + 8192, to));
+    text += String.fromCharCode.apply(null, part as unknown as number[]); // a spread goes value by value
+  }
   return text;
 }
 

@@ -80,7 +80,7 @@ export function makeProfile(read: RawRecord, names: readonly string[] = read.nam
   const blocks: Block[] = raw.blocks.map((block) => ({ ...block, children: [] }));
   blocks.forEach((block, index) => blocks[block.parent]?.children.push(index));
 
-  const { ids, rawOfId } = makeRows(threads, blocks, raw.begin, nesting);
+  const ids = makeRows(threads, blocks, raw.begin, nesting);
   const count = ids.length;
   const begin = new Float64Array(count);
   for (let i = 0; i < count; ++i) begin[ids[i]!] = raw.begin[i]!;
@@ -96,9 +96,10 @@ export function makeProfile(read: RawRecord, names: readonly string[] = read.nam
   });
   const parent = new Int32Array(count).fill(-1);
   const inner = new Float64Array(count);
-  for (let id = 0; id < count; ++id) {
-    const outer = nesting.parent[rawOfId[id]!]!;
+  for (let i = 0; i < count; ++i) {
+    const outer = nesting.parent[i]!;
     if (outer < 0) continue;
+    const id = ids[i]!;
     parent[id] = ids[outer]!;
     inner[ids[outer]!]! += end[id]! - begin[id]!;
   }
@@ -127,13 +128,13 @@ export function makeProfile(read: RawRecord, names: readonly string[] = read.nam
 
 const none = new Float64Array(0);
 
-/** Gives the threads their rows. `ids` tells the id of each interval of the record, `rawOfId` the other way round. */
+/** Gives the threads their rows, and tells the id of each interval of the record. */
 function makeRows(
   threads: readonly Thread[],
   blocks: readonly Block[],
   begin: Float64Array,
   { end, parent }: Nesting,
-): { ids: Int32Array; rawOfId: Int32Array } {
+): Int32Array {
   const ids = new Int32Array(begin.length);
   const rawOfId = new Int32Array(begin.length);
   const sorting = { ids: rawOfId, begin, end };
@@ -153,7 +154,7 @@ function makeRows(
       thread.rows.push(made);
     }
   });
-  return { ids, rawOfId };
+  return ids;
 }
 
 export function duration(profile: Profile, id: number): number {

@@ -63,13 +63,12 @@ const isAfter = (a: number, b: number, begin: Float64Array, end: Float64Array) =
 
 /** Sorts what consists of runs that are in order, wherever they begin. */
 function sortRuns({ ids, begin, end }: Sorting, from: number, to: number): void {
-  const runs: number[] = [];
-  for (let at = from + 1; at < to; ++at) {
-    if (isAfter(ids[at - 1]!, ids[at]!, begin, end)) runs.push(at);
+  if (to - from > 32) {
+    const runs: number[] = [];
+    for (let at = from + 1; at < to; ++at) if (isAfter(ids[at - 1]!, ids[at]!, begin, end)) runs.push(at);
+    runs.push(to);
+    return sortRow(ids, from, runs, begin, end);
   }
-  if (runs.length === 0) return;
-  runs.push(to);
-  if (to - from > 32) return sortRow(ids, from, runs, begin, end);
   for (let at = from + 1; at < to; ++at) {
     const id = ids[at]!;
     let place = at;

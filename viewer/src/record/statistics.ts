@@ -188,11 +188,16 @@ export function spreadOfName(
   return spreadOf(profile, (block) => profile.blocks[block]!.name === name, selection);
 }
 
-/** A row for each name that occurs in the selection. */
+/** A row for each name that occurs in the selection, in portions. */
+export function* countingNames(profile: Profile, selection: Selection = {}): Generator<void, NameRow[]> {
+  const nameOf = (block: number) => profile.blocks[block]!.name;
+  const spreads = yield* spreadsOf(profile, profile.names.length, nameOf, selection);
+  return spreads.map(({ figures }, name) => ({ ...figures, name })).filter((row) => row.count > 0);
+}
+
+/** The same without an interruption. */
 export function statisticsByName(profile: Profile, selection: Selection = {}): NameRow[] {
-  return figuresOf(profile, profile.names.length, (block) => profile.blocks[block]!.name, selection)
-    .map((figures, name) => ({ ...figures, name }))
-    .filter((row) => row.count > 0);
+  return toEnd(countingNames(profile, selection));
 }
 
 export interface Relative {
@@ -203,38 +208,46 @@ export interface Relative {
 }
 
 /** Who ran `name`, and how much of its time belongs to each. */
-export function callersOf(profile: Profile, name: number, selection: Selection = {}): Relative[] {
+export function callersOf(
+  profile: Profile,
+  name: number,
+  selection: Selection = {},
+): Generator<void, Relative[]> {
   return relatives(profile, selection, (block) =>
     block.name === name ? (profile.blocks[block.parent]?.name ?? -1) : undefined,
   );
 }
 
 /** What ran directly inside `name`. */
-export function calleesOf(profile: Profile, name: number, selection: Selection = {}): Relative[] {
+export function calleesOf(
+  profile: Profile,
+  name: number,
+  selection: Selection = {},
+): Generator<void, Relative[]> {
   return relatives(profile, selection, (block) =>
     profile.blocks[block.parent]?.name === name ? block.name : undefined,
   );
 }
 
-function relatives(
+function* relatives(
   profile: Profile,
   selection: Selection,
   keyOf: (block: Profile['blocks'][number]) => number | undefined,
-): Relative[] {
+): Generator<void, Relative[]> {
   const found = new Map<number, Relative>();
   for (const block of profile.blocks) {
     if (selection.threads && !selection.threads.has(block.thread)) continue;
     const key = keyOf(block);
     if (key === undefined) continue;
+    const relative = found.get(key) ?? { name: key, count: 0, total: 0 };
     for (let i = block.first; i < block.first + block.count; ++i) {
-      const id = profile.ids[i]!;
-      const time = timeIn(profile, id, selection.range);
+      if ((i + 1) % portion === 0) yield;
+      const time = timeIn(profile, profile.ids[i]!, selection.range);
       if (time < 0) continue;
-      const relative = found.get(key) ?? { name: key, count: 0, total: 0 };
-      found.set(key, relative);
       ++relative.count;
       relative.total += time;
     }
+    if (relative.count > 0) found.set(key, relative);
   }
   return [...found.values()].sort((a, b) => b.total - a.total);
 }

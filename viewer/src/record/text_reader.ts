@@ -104,16 +104,16 @@ export class TextReader {
         if (this.times.active) return at;
         continue;
       }
-      const end = data.indexOf(lineFeed, at);
-      if (end < 0 && data.length - at > longestLine && !this.startsTimes(data, at)) {
-        if (!this.skipping) this.damaged('a line without end');
-        this.skipping = true;
-        return data.length;
-      }
       if (!this.skipping && this.startsTimes(data, at)) {
         if (this.unfinishedName) this.giveUpName();
         at = this.beginTimes(data, at);
         continue;
+      }
+      const end = data.indexOf(lineFeed, at);
+      if (end < 0 && data.length - at > longestLine) {
+        if (!this.skipping) this.damaged('a line without end');
+        this.skipping = true;
+        return data.length;
       }
       if (end < 0) return at;
       if (!this.skipping) this.readLine(data, at, end);

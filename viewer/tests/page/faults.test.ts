@@ -1,6 +1,7 @@
 // Figures, layout, keys and what a reader of the screen is told.
 import { join } from 'node:path';
 import { writeFileSync } from 'node:fs';
+import type { Page } from 'playwright-core';
 import { describe, expect, test } from 'vitest';
 import { dropFile, inFirefox } from '../support/browser';
 import { largeRecord, recordText } from '../support/make_record';
@@ -160,11 +161,59 @@ describe('Long names', () => {
           .sort()
           .map((tail) => expect.stringContaining(tail.slice(-9)) as string),
       );
-    for (const tail of await tails.all()) {
-      const cut = await tail.evaluate((element) => element.scrollWidth > element.clientWidth + 1);
-      expect(cut).toBe(false);
-    }
+    for (const { left, right } of await cutOff(page, '.table-row .name-tail'))
+      expect(Math.max(left, right)).toBeLessThanOrEqual(1);
   });
+
+  test('keep their ends in the narrow columns of callers and of a comparison', async () => {
+    const inner = { name: 'read', time: [[2, 3]] as [number, number][] };
+    const files = ['static_bitmap.cpp', 'thread_message_hook.cpp'].map((name, at) => ({
+      name,
+      time: [[10 * at, 10 * at + 9]] as [number, number][],
+      blocks: [{ ...inner, time: [[10 * at + 1, 10 * at + 2]] as [number, number][] }],
+    }));
+    const folder = { name: 'src/messageloop', time: [[0, 30]] as [number, number][], blocks: files };
+    const page = await open(recordText([{ id: 4, blocks: [folder] }]), { width: 1280, height: 800 });
+    await press(page, '3');
+    await page.locator('.table-row', { hasText: /^read/ }).click();
+    await expect.poll(() => page.locator('.sandwich li').count()).toBeGreaterThan(1);
+    await press(page, '4');
+    await dropFile(page, join(viewer.opened.folder, 'profiler.js'));
+    await page.locator('.table-row').nth(4).waitFor();
+    for (const { right } of await cutOff(page, '.table-row .name-leaf .name-tail'))
+      expect(right).toBeLessThanOrEqual(0);
+    await press(page, '3');
+    await page.locator('.sandwich li').first().waitFor();
+    for (const { right } of await cutOff(page, '.sandwich li .name-tail'))
+      expect(right).toBeLessThanOrEqual(0);
+  });
+
+  test('and long figures leave the choices at the bottom in view', async () => {
+    const page = await open(record, { width: 1280, height: 800 });
+    const { x, y } = (await page.locator('.chart canvas').boundingBox())!;
+    await page.keyboard.down('Shift');
+    await page.mouse.move(x + 201, y + 100);
+    await page.mouse.down();
+    await page.mouse.move(x + 702, y + 100, { steps: 3 });
+    await page.mouse.up();
+    await page.keyboard.up('Shift');
+    await page.locator('.status .measured').waitFor();
+    const { x: left, width } = (await page.getByLabel('Colours').boundingBox())!;
+    expect(left + width).toBeLessThanOrEqual(1280);
+  });
+
+  /** Pixels of the texts that are cut at their beginnings and ends. */
+  const cutOff = (page: Page, selector: string) =>
+    page.locator(selector).evaluateAll((all) =>
+      all.map((element) => {
+        const range = document.createRange();
+        range.selectNodeContents(element);
+        const text = range.getBoundingClientRect();
+        const frame = element.closest('button, .table-row > span')!.getBoundingClientRect();
+        const box = element.getBoundingClientRect();
+        return { left: box.left - text.left, right: text.right - frame.right };
+      }),
+    );
 });
 
 describe('Keys', () => {
@@ -268,6 +317,42 @@ describe('A large record', () => {
     await expect.poll(() => page.locator('.hits').innerText()).toMatch(/^1 of [\d,]+$/);
   });
 
+  test('has the statistics of all names counted in slices, once for a selection', async () => {
+    const page = await viewer.open();
+    viewer.opened.complaints.length = 0;
+    const path = join(viewer.opened.folder, 'large.js');
+    writeFileSync(path, largeRecord(600_000, 8));
+    await dropFile(page, path);
+    await page.locator('.status').waitFor();
+    // What the table holds, picture by picture.
+    await page.evaluate(() => {
+      const seen: string[] = [];
+      (window as unknown as { seen: string[] }).seen = seen;
+      const look = () => {
+        const table = document.querySelector('[aria-label="Statistics by name"]');
+        seen.push(!table ? 'nothing' : table.querySelector('.table-row') ? 'rows' : table.textContent!);
+        requestAnimationFrame(look);
+      };
+      look();
+    });
+    const seen = () => page.evaluate(() => (window as unknown as { seen: string[] }).seen);
+    await press(page, '3');
+    await expect.poll(seen).toContain('rows');
+    const counting = (await seen()).filter((text) => text.endsWith('Counting…'));
+    expect(counting.length).toBeGreaterThan(1);
+    // The table is there at once when it is seen again.
+    await press(page, '1', '3');
+    await page.locator('.table-row').first().waitFor();
+    expect((await seen()).filter((text) => text.endsWith('Counting…'))).toEqual(counting);
+    // What is selected is counted anew.
+    await press(page, 'r');
+    await expect
+      .poll(async () => (await seen()).filter((text) => text.endsWith('Counting…')).length)
+      .toBeGreaterThan(counting.length);
+    await page.locator('.table-row').first().click();
+    await expect.poll(() => page.locator('.sandwich').innerText()).toMatch(/Callers[^]*Callees/);
+  });
+
   test('has its details counted in slices, of what was selected last', async () => {
     const page = await viewer.open();
     viewer.opened.complaints.length = 0;
@@ -279,6 +364,7 @@ describe('A large record', () => {
     await dropFile(page, path);
     await page.locator('.status').waitFor();
     await press(page, '3');
+    await page.locator('.table-row').first().waitFor();
     // What the panel says, one after the other: the name and its count.
     await page.evaluate(() => {
       const said: string[] = [];

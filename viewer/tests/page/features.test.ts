@@ -289,8 +289,8 @@ describe('A comparison', () => {
       ],
     );
     expect(await page.locator('.histogram figcaption').allInnerTexts()).toEqual([
-      '1 1 durations; point at the bars to divide them',
-      '2 1 durations; point at the bars to divide them',
+      '1 1 duration; point at the bars to divide them',
+      '2 1 duration; point at the bars to divide them',
     ]);
     await page.getByRole('tab', { name: 'Timelines' }).click();
     expect(await page.locator('.chart canvas').count()).toBe(2);

@@ -14,7 +14,7 @@ import {
   type Opened,
   type OpenOptions,
 } from '../support/browser';
-import { recordText, type ThreadText } from '../support/make_record';
+import { deepRecord, recordText, type ThreadText } from '../support/make_record';
 import { spansOfChrome, spansOfSpeedscope } from '../support/validate';
 
 const threads: ThreadText[] = [
@@ -606,6 +606,47 @@ describe('Bad input', () => {
     );
     expect(await status(opened!.page)).toMatch(/^12 intervals/);
     expect(await opened!.page.title()).toBe('Profile viewer');
+  });
+
+  test('of other programs is refused by its kind, and the record before stays', async () => {
+    for (const [content, sentence] of [
+      ['PK\x03\x04' + 'x'.repeat(100), 'This is no profile record: it is a zip archive. Unpack it first.'],
+      ['{"nodes": [{"id": 1}], "timeDeltas": [1]}', "The file is a CPU profile of Chrome's debugger."],
+      ['{"traceEvents": [', 'The file begins as JSON does, but is damaged or cut.'],
+    ] as const) {
+      expect(await say(content)).toContain(`bad.js cannot be shown. ${sentence}`);
+      await opened!.page.locator('.refusal .close').click();
+    }
+    expect(await status(opened!.page)).toMatch(/^12 intervals/);
+  });
+
+  test('with ten thousand levels is shown in every view', async () => {
+    const page = await openRecord();
+    writeFileSync(join(opened!.folder, 'deep.js'), deepRecord(10_000));
+    await dropFile(page, join(opened!.folder, 'deep.js'));
+    await expect.poll(() => status(page)).toMatch(/^10,000 intervals, 1 thread\n/);
+    await page.keyboard.press('Shift+ArrowDown');
+    await expect.poll(() => page.locator('.details h2').innerText()).toBe('n');
+    await page.keyboard.press('2');
+    await page.locator('.chart canvas').waitFor();
+    for (const view of ['3', '5']) {
+      await page.keyboard.press(view);
+      expect(await names(page)).toEqual([expect.stringContaining('n')]);
+    }
+  });
+
+  test('whose times are lost keeps what ran inside, and says so', async () => {
+    const page = await openRecord();
+    const text = recordText([
+      { id: 4, blocks: [{ name: 'outer', time: [[0, 10]], blocks: [{ name: 'inner', time: [[2, 4]] }] }] },
+    ]);
+    writeFileSync(join(opened!.folder, 'lost.js'), text.replace('{b: 0, e: 10}', '{b: 0, e: x}'));
+    await dropFile(page, join(opened!.folder, 'lost.js'));
+    await expect.poll(() => status(page)).toContain('1 problem in the file');
+    await page.keyboard.press('Shift+ArrowDown');
+    await expect.poll(() => page.locator('.details').innerText()).toMatch(/^outer\n[^]*times are lost/);
+    await page.keyboard.press('Shift+ArrowDown');
+    await expect.poll(() => page.locator('.details').innerText()).toMatch(/^inner\n[^]*2 ms/);
   });
 
   test('that was cut is shown as far as it goes, and the line is named', async () => {

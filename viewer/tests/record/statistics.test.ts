@@ -5,6 +5,7 @@ import { makeProfile } from '../../src/record/profile';
 import {
   calleesOf,
   callersOf,
+  countingNames,
   spreadOfName,
   statisticsByName,
   type NameRow,
@@ -127,12 +128,23 @@ describe('Statistics', () => {
     expect(durations.every((value, at) => at === 0 || value >= durations[at - 1]!)).toBe(true);
   });
 
+  test('of all names are made in portions, and so are callers and callees', () => {
+    const long = 3 * portion;
+    const time = Array.from({ length: long }, (_, at) => [10 * at, 10 * at + 1] as [number, number]);
+    const many = readBlocks({ name: 'outer', time: [[0, 10 * long]], blocks: [{ name: 'inner', time }] });
+    const portionsOf = (work: Generator<void>) => [...work].length;
+    // One to look at and one to sort for the single one; three to look at, three to sort, six to merge.
+    expect(portionsOf(countingNames(many))).toBe(14);
+    expect(portionsOf(callersOf(many, many.names.indexOf('inner')))).toBe(3);
+    expect(portionsOf(calleesOf(many, many.names.indexOf('outer')))).toBe(3);
+  });
+
   test('tell callers and callees', () => {
-    expect(callersOf(profile, nameOf('step'))).toEqual([
+    expect(toEnd(callersOf(profile, nameOf('step')))).toEqual([
       { name: -1, count: 1, total: 35 },
       { name: nameOf('work'), count: 3, total: 6 },
     ]);
-    expect(calleesOf(profile, nameOf('work'))).toEqual([
+    expect(toEnd(calleesOf(profile, nameOf('work')))).toEqual([
       { name: nameOf('step'), count: 3, total: 6 },
       { name: nameOf('work'), count: 1, total: 2 },
     ]);

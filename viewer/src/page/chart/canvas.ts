@@ -1,6 +1,6 @@
 import { effect } from '@preact/signals';
 import type { RefObject } from 'preact';
-import { useEffect, useRef } from 'preact/hooks';
+import { useLayoutEffect, useRef } from 'preact/hooks';
 
 /** What the page's charts are written in; the canvas knows no style sheets. */
 export const chartFont = '12px system-ui, "Segoe UI", sans-serif';
@@ -15,12 +15,13 @@ export function useCanvas(
   const canvas = useRef<HTMLCanvasElement>(null);
   const latest = useRef(draw);
   latest.current = draw;
-  useEffect(() => {
+  useLayoutEffect(() => {
     const element = canvas.current!;
     const context = element.getContext('2d', { alpha: false })!;
     let frame = 0;
     let stop = () => {};
     const paint = () => {
+      cancelAnimationFrame(frame);
       frame = 0;
       const { clientWidth, clientHeight } = element;
       const ratio = devicePixelRatio;
@@ -41,9 +42,9 @@ export function useCanvas(
     const ask = () => {
       frame ||= requestAnimationFrame(paint);
     };
-    const observer = new ResizeObserver(ask);
+    // It tells of the first size, too, and of each before the page is painted with it.
+    const observer = new ResizeObserver(paint);
     observer.observe(element);
-    ask();
     return () => {
       observer.disconnect();
       cancelAnimationFrame(frame);
