@@ -74,7 +74,6 @@ int run(const std::function<bool(HWND frame)>& user) {
   if (!can_write_here()) return refuse("the current folder cannot be written to.");
 
   OleInitialize(nullptr);
-  AfxEnableControlContainer();  // for the page of the digit control
   application.Init(nullptr, GetModuleHandleA(nullptr));
   ATL::_AtlBaseModule.SetResourceInstance(application.GetModuleInstance());
   AfxSetResourceHandle(application.GetModuleInstance());

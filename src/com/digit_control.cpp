@@ -16,13 +16,16 @@ IMPLEMENT_DYNCREATE(kexDigitOCX, CWnd)
 
 const GUID& kexDigitOCX::GetClsid() const { return digit_control_class; }
 
+// Both enable containment: MFC does not check it and has no documented way to, and would read through a null pointer.
 int kexDigitOCX::Create(const char*, const char* window_name, unsigned long style, const RECT& rect, CWnd* parent,
                         unsigned int id, CCreateContext*) {
+  AfxEnableControlContainer();
   return CreateControl(GetClsid(), window_name, style, rect, parent, id);
 }
 
 int kexDigitOCX::Create(const char* window_name, unsigned long style, const RECT& rect, CWnd* parent, unsigned int id,
                         CFile* persist, int storage, wchar_t* last) {
+  AfxEnableControlContainer();
   return CreateControl(GetClsid(), window_name, style, rect, parent, id, persist, storage, last);
 }
 

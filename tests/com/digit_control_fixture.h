@@ -64,7 +64,6 @@ class DrawnDigitsOnScreen : public testing::Test {
  protected:
   DrawnDigitsOnScreen() {
     EXPECT_EQ(OleInitialize(nullptr), S_OK);
-    AfxEnableControlContainer();
     dialog_.Attach(CreateDialogParamA(nullptr, MAKEINTRESOURCEA(IDD_HOST), nullptr, nullptr, 0));
     GetWindowRect(GetDlgItem(dialog_.m_hWnd, IDC_PLACEHOLDER), &place_);
     MapWindowPoints(nullptr, dialog_.m_hWnd, reinterpret_cast<POINT*>(&place_), 2);

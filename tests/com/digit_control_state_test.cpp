@@ -205,7 +205,6 @@ TEST_F(DrawnDigitsOnScreen, LeaveNothingBehind) {
 
 TEST(DrawnDigits, GoWithTheirComponent) {
   ASSERT_EQ(OleInitialize(nullptr), S_OK);
-  AfxEnableControlContainer();
   for (int round = 0; round < 3; ++round) {
     CWnd frame;
     frame.Attach(CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 200, 100, nullptr, nullptr, nullptr, nullptr));

@@ -168,7 +168,6 @@ void expect_property(const Property<Object>& property, Object& object, Recording
 class DigitControl : public testing::Test {
  protected:
   DigitControl() {
-    AfxEnableControlContainer();
     frame_.Attach(
         CreateWindowA("STATIC", "frame", WS_OVERLAPPEDWINDOW, 0, 0, 400, 300, nullptr, nullptr, nullptr, nullptr));
     EXPECT_TRUE(digits_.Create(nullptr, style, place, &frame_, 7, nullptr, 0, nullptr));
@@ -362,15 +361,21 @@ TEST_F(DigitControl, IsWhereItWasPutOnce) {
   EXPECT_FALSE(digits_.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
 }
 
-TEST_F(DigitControl, IsNotMadeWhereTheProgramDidNotEnableControls) {
-  AFX_MODULE_STATE other;
-  AFX_MANAGE_STATE(&other);
-  kexDigitOCX digits;
-  EXPECT_FALSE(digits.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
-  EXPECT_FALSE(static_cast<CWnd&>(digits).Create("", "", style, place, &frame_, 8, nullptr));
-  EXPECT_EQ(GetDlgItem(frame_.m_hWnd, 8), nullptr);
-  AfxEnableControlContainer();
-  EXPECT_TRUE(digits.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
+TEST_F(DigitControl, IsMadeWhereTheProgramHasNotEnabledControls) {
+  {
+    AFX_MODULE_STATE fresh;
+    AFX_MANAGE_STATE(&fresh);
+    CWnd any;
+    ASSERT_FALSE(any.CreateControl(digit_class, nullptr, style, place, &frame_, 8)) << "controls are not enabled";
+    kexDigitOCX digits;
+    EXPECT_TRUE(digits.Create(nullptr, style, place, &frame_, 8, nullptr, 0, nullptr));
+  }
+  {
+    AFX_MODULE_STATE fresh;
+    AFX_MANAGE_STATE(&fresh);
+    kexDigitOCX digits;
+    EXPECT_TRUE(static_cast<CWnd&>(digits).Create("", "", style, place, &frame_, 9, nullptr));
+  }
 }
 
 TEST_F(DigitControl, IsMadeThroughCWndToo) {
@@ -410,7 +415,6 @@ TEST(DigitControlClass, IsMadeByItsName) {
 
 TEST(DigitControlClass, IsNotThereWhereItIsNotInstalled) {
   ASSERT_EQ(OleInitialize(nullptr), S_OK);
-  AfxEnableControlContainer();
   {
     CWnd frame;
     frame.Attach(CreateWindowA("STATIC", "", WS_OVERLAPPEDWINDOW, 0, 0, 99, 99, nullptr, nullptr, nullptr, nullptr));

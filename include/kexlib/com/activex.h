@@ -28,7 +28,7 @@
 /// Returns the control. Returns null, and does nothing, if `dialog` is not a window or `host` is null. Returns null if
 /// there is no such control; a host window that was created stays in the dialog. Call it on the dialog's thread, with
 /// COM initialised. ATL hosts the control and registers its window class at the first call: nothing else has to be
-/// called before. AfxEnableControlContainer is for controls that MFC hosts, such as kexDigitOCX.
+/// called before.
 KEXLIB_API ATL::CComPtr<IUnknown> CreateControl(HWND dialog, ATL::CAxWindowT<ATL::CWindow>* host, UINT placeholderId,
                                                 const char* control);
 

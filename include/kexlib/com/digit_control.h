@@ -1,7 +1,6 @@
 // Digit control: the members of an ActiveX control that shows numbers as digits, and those of its font.
 //
-//     OleInitialize(nullptr);         // or AfxOleInit; once, as the next line, in the InitInstance of the program
-//     AfxEnableControlContainer();
+//     OleInitialize(nullptr);                                        // or AfxOleInit; once, when the thread begins
 //
 //     kexDigitOCX digits;                                            // a member of its parent's class
 //     if (!digits.Create("", WS_CHILD | WS_VISIBLE, place, parent, IDC_DIGITS, nullptr, 0, nullptr)) return;
@@ -15,10 +14,8 @@
 // manifest. The control defines what its properties mean, for example the units of Gap and Interligne. Each member
 // makes one IDispatch call, with a fixed identifier and automation type.
 //
-// Order. The program initialises OLE on the thread, calls AfxEnableControlContainer (afxdisp.h), and then Create. MFC
-// hosts the control in the container that this function makes. Without the call Create returns 0 where the framework of
-// this library is used. Microsoft's MFC does not check it and has no documented way to: Create reads through a null
-// pointer there.
+// Create calls AfxEnableControlContainer, without which MFC's CreateControl reads through a null pointer. A program with a
+// control container manager of its own (COccManager) installs it again after Create.
 //
 // Errors. An exception of the control is thrown as MFC's COleDispatchException, every other failure as COleException.
 // Without a control, members call nothing and return 0 or an empty result; a debug build of Microsoft's MFC asserts
