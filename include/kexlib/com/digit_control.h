@@ -14,8 +14,8 @@
 // manifest. The control defines what its properties mean, for example the units of Gap and Interligne. Each member
 // makes one IDispatch call, with a fixed identifier and automation type.
 //
-// Create calls AfxEnableControlContainer, without which MFC's CreateControl reads through a null pointer. A program with a
-// control container manager of its own (COccManager) installs it again after Create.
+// Create calls AfxEnableControlContainer, without which MFC's CreateControl reads through a null pointer. A program
+// with a control container manager of its own (COccManager) installs it again after Create.
 //
 // Errors. An exception of the control is thrown as MFC's COleDispatchException, every other failure as COleException.
 // Without a control, members call nothing and return 0 or an empty result; a debug build of Microsoft's MFC asserts
