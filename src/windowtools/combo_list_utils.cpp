@@ -18,6 +18,7 @@ char* buffer_of(CStringA& text, int room) {
 // more than `room` for that.
 int read(const WTL::CListViewCtrlT<ATL::CWindow>& list, int item, int subitem, char* buffer, int room) {
   buffer[0] = 0;  // in case the window does not reply
+  if (!list.IsWindow()) return 0;
   const int length = list.GetItemText(item, subitem, buffer, room);
   buffer[room] = 0;
   return length;
@@ -35,7 +36,6 @@ void kexWTLComboBoxUtils::populate(const std::vector<CStringA>& items) {
 }
 
 CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
-  if (!list_.IsWindow()) return {};
   constexpr int short_room = 256;
   char short_text[short_room + 1];  // most texts then need one allocation of their exact size
   const bool is_short = is_whole(read(list_, item, subitem, short_text, short_room), short_room);
@@ -49,8 +49,11 @@ CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
 
 std::vector<int> kexWTLListViewCtrlUtils::get_selection() {
   std::vector<int> rows;
-  if (!list_.IsWindow()) return rows;  // the result would be 0, which is a row
-  // A window that is destroyed meanwhile returns 0 each time.
-  for (int last = -1, row; (row = list_.GetNextItem(last, LVNI_SELECTED)) > last; last = row) rows.push_back(row);
+  // The window may be destroyed meanwhile; the answer to the message that destroys it is 0, which is a row.
+  for (int last = -1; list_.IsWindow();) {
+    const int row = list_.GetNextItem(last, LVNI_SELECTED);
+    if (row <= last) break;
+    rows.push_back(last = row);
+  }
   return rows;
 }

@@ -210,9 +210,9 @@ TEST(TypeLibraryScan, AndCreationLeaveNoHandlesBehind) {
   const Com com;
   const std::string folder = components(), path = manifest();
   const auto round = [&] {
-    CComPtr<IUnknown> object;
+    CComPtr<IUnknown> object, none;
     reg_free_co_create(__uuidof(Circle), folder.c_str(), path.c_str(), CLSCTX_INPROC_SERVER, &object);
-    reg_free_co_create(unknown_class, folder.c_str(), path.c_str(), CLSCTX_INPROC_SERVER, &object);
+    reg_free_co_create(unknown_class, folder.c_str(), path.c_str(), CLSCTX_INPROC_SERVER, &none);
     reg_free_list_classes(__uuidof(IArea), folder.c_str(), "*.dll");
   };
   for (int i = 0; i < 3; ++i) round();

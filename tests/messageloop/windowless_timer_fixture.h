@@ -19,7 +19,7 @@
 
 // COM objects are deleted by Release alone.
 // An object as applications write it.
-class TimerObject final : public IUnknown, public CComObjectRootExSTM, public CATLWindowLessTimer {
+class TimerObject : public IUnknown, public CComObjectRootExSTM, public CATLWindowLessTimer {
  public:
   TimerObject() { ++alive; }
   TimerObject(const TimerObject& other) : IUnknown(), CComObjectRootExSTM(other), CATLWindowLessTimer(other) {

@@ -32,7 +32,7 @@ class FontWatch {
   }
 
  private:
-  class Sink final : public in_process::Counted<IPropertyNotifySink> {
+  class Sink : public in_process::Counted<IPropertyNotifySink> {
    public:
     explicit Sink(FontWatch* owner) : watch(owner) {}
     STDMETHODIMP QueryInterface(REFIID wanted, void** object) override {
