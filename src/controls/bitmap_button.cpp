@@ -103,6 +103,12 @@ kexWTLBitmapButton::~kexWTLBitmapButton() = default;
 BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                                               DWORD map) {
   if (map != 0) return FALSE;
+  if (message == BM_SETSTATE) set_pressed(wParam != 0);
+  if (message == WM_LBUTTONUP && (IsHoverMode() || IsCheckMode())) {
+    release_mouse();
+    result = 0;
+    return TRUE;
+  }
   if (message != WM_PAINT && message != WM_PRINTCLIENT)
     return CBitmapButton::ProcessWindowMessage(window, message, wParam, lParam, result, map);
   result = 0;
@@ -116,6 +122,25 @@ BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM 
     painting_failed(m_hWnd);
   }
   return TRUE;
+}
+
+// WTL does not look at the message. A program that shows a button pressed sees it pressed, as the system's own buttons.
+void kexWTLBitmapButton::set_pressed(bool pressed) {
+  m_fPressed = pressed;
+  Invalidate(FALSE);
+  UpdateWindow();
+}
+
+// WTL notifies the parent while the button still has the mouse: a dialog that opens on the click would get no clicks.
+void kexWTLBitmapButton::release_mouse() {
+  if (GetCapture() != m_hWnd) return;
+  const HWND button = m_hWnd;
+  const bool is_clicked = m_fPressed;
+  if (is_clicked && (m_dwExtendedStyle & BMPBTN_AUTOCHECK)) SetCheck(!GetCheck(), false);
+  ReleaseCapture();
+  if (is_clicked)
+    ::SendMessageA(::GetParent(button), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(::GetDlgCtrlID(button)), BN_CLICKED),
+                   reinterpret_cast<LPARAM>(button));
 }
 
 // WTL's own takes no second window: the procedure of the first would serve both, and its tooltip would be lost.

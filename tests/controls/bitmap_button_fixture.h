@@ -68,10 +68,11 @@ class ButtonsDialog : public CDialogImpl<ButtonsDialog> {
     return 1;
   }
   LRESULT OnOpen(WORD code, WORD, HWND, BOOL&) {
-    if (code == BN_CLICKED) ++clicks;
+    if (code == BN_CLICKED) ++clicks, mouse_at_click = GetCapture();
     return 0;
   }
   int paints = 0, clicks = 0;
+  HWND mouse_at_click = nullptr;  // the window that has the mouse
   std::function<void()> on_paint;
 };
 

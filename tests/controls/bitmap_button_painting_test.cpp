@@ -338,6 +338,7 @@ const WayToPaint ways_to_paint[] = {
      }},
     {"Hover", [](Button& button) { button.SendMessage(WM_MOUSEMOVE, 0, MAKELPARAM(5, 5)); }},
     {"Press", [](Button& button) { button.SendMessage(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5)); }},
+    {"SetState", [](Button& button) { button.SendMessage(BM_SETSTATE, TRUE); }},
     {"EnableWindow", [](Button& button) { button.EnableWindow(FALSE); }, 3},
     {"Focus", [](Button& button) { button.SendMessage(WM_SETFOCUS); }},
     {"PrintClient",

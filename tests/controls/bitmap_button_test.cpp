@@ -137,6 +137,41 @@ TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
   EXPECT_EQ(color(), orange);
 }
 
+TEST_F(BitmapButtonControl, IsShownPressedByItsState) {
+  make(kexBtnTypeThemed);
+  const auto drawer = set_drawer();
+  SendMessageA(window(), BM_SETSTATE, TRUE, 0);
+  EXPECT_TRUE(button_->m_fPressed);
+  SendMessageA(window(), BM_SETSTATE, FALSE, 0);
+  EXPECT_FALSE(button_->m_fPressed);
+  EXPECT_EQ(drawer->styles, (std::vector<int>{wbzThemePressed, wbzThemeNormal})) << "painted at once";
+}
+
+// A dialog that opens on the click gets the mouse.
+TEST_F(BitmapButtonControl, NotifiesOfAClickAfterItHasReleasedTheMouse) {
+  make(kexBtnTypeThemed);
+  const LPARAM inside = MAKELPARAM(5, 5), outside = MAKELPARAM(-5, 5);
+  SendMessageA(window(), WM_LBUTTONDOWN, MK_LBUTTON, inside);
+  EXPECT_EQ(GetCapture(), window());
+  SendMessageA(window(), WM_LBUTTONUP, 0, inside);
+  EXPECT_EQ(dialog_.clicks, 1);
+  EXPECT_EQ(dialog_.mouse_at_click, nullptr);
+  EXPECT_FALSE(button_->m_fPressed);
+
+  SendMessageA(window(), WM_LBUTTONDOWN, MK_LBUTTON, inside);
+  SendMessageA(window(), WM_MOUSEMOVE, MK_LBUTTON, outside);
+  SendMessageA(window(), WM_LBUTTONUP, 0, outside);
+  EXPECT_EQ(dialog_.clicks, 1) << "the mouse has left it";
+  EXPECT_EQ(GetCapture(), nullptr);
+  EXPECT_FALSE(button_->GetCheck());
+
+  button_->SetBitmapButtonExtendedStyle(BMPBTN_AUTOCHECK, BMPBTN_AUTOCHECK);
+  SendMessageA(window(), WM_LBUTTONDOWN, MK_LBUTTON, inside);
+  SendMessageA(window(), WM_LBUTTONUP, 0, inside);
+  EXPECT_EQ(dialog_.clicks, 2);
+  EXPECT_TRUE(button_->GetCheck());
+}
+
 // ---- another window for the same object -----------------------------------------------------------------------------
 
 WNDPROC procedure_of(HWND window) { return reinterpret_cast<WNDPROC>(GetWindowLongPtrA(window, GWLP_WNDPROC)); }

@@ -4,6 +4,7 @@
 #include <kexlib/framework.h>
 
 #include <afxres.h>
+#include <commctrl.h>
 
 #include <gallery/screen_picture.h>
 #include <parts_list/resources.h>
@@ -72,8 +73,21 @@ class PartsListOnScreen : public testing::Test {
     });
     return found;
   }
-  static void replace_text(HWND edit, const char* text) {
-    click(edit);
+  // A new window may not get the first click: the display has yet to show it.
+  void focus(HWND edit) {
+    EXPECT_TRUE(pump_until([&] {
+      click(edit);
+      return pump_until(
+          [&] {
+            GUITHREADINFO thread{};
+            thread.cbSize = sizeof thread;
+            return GetGUIThreadInfo(process_.dwThreadId, &thread) && thread.hwndFocus == edit;
+          },
+          std::chrono::seconds(2));
+    }));
+  }
+  void replace_text(HWND edit, const char* text) {
+    focus(edit);
     press_key(VK_HOME);
     press_key(VK_END, VK_SHIFT);
     press_key(VK_DELETE);
@@ -88,7 +102,6 @@ class PartsListOnScreen : public testing::Test {
     return pump_until([&] { return text_of(control(IDC_STATUS)).starts_with(beginning); },
                       std::chrono::milliseconds(300));
   }
-  // A new window may not get the first click: the display has yet to show it.
   void choose_more(char item) {
     HWND menu = nullptr;
     const auto opens = [&] { return (menu = FindWindowA("#32768", nullptr)) != nullptr && IsWindowVisible(menu); };
@@ -100,9 +113,13 @@ class PartsListOnScreen : public testing::Test {
     EXPECT_TRUE(pump_until([&] { return !IsWindow(menu); }));
   }
   void click_first_row() {
-    pump_until([&] { return mouse_reaches(control(IDC_PARTS)); });
-    put_mouse(control(IDC_PARTS), 40, 25);
-    click_here();
+    constexpr auto none = static_cast<WPARAM>(-1);
+    EXPECT_TRUE(pump_until([&] {
+      put_mouse(control(IDC_PARTS), 40, 25);
+      pump_waiting();
+      click_here();
+      return SendMessageA(control(IDC_PARTS), LVM_GETNEXTITEM, none, LVNI_SELECTED) == 0;
+    }));
   }
 
   // The wizard, from its first page to its last.
@@ -114,7 +131,7 @@ class PartsListOnScreen : public testing::Test {
     click(GetDlgItem(wizard, ID_WIZNEXT));
     const HWND length = on_page(wizard, IDC_LENGTH);
     EXPECT_EQ(text_of(length), "100.00");
-    click(on_page(wizard, IDC_LENGTH_UNIT));
+    focus(on_page(wizard, IDC_LENGTH_UNIT));
     press_key(VK_DOWN);
     press_key(VK_RETURN);
     EXPECT_TRUE(pump_until([&] { return text_of(length) == "3.937"; })) << text_of(length);

@@ -41,6 +41,9 @@ def run_program(program: Path) -> str:
     return run(SETTINGS["emulator"], program, folder=program.parent)
 
 
+WORK.mkdir(parents=True, exist_ok=True)
+
+
 def emptied(name: str) -> Path:
     folder = WORK / name
     shutil.rmtree(folder, ignore_errors=True)
@@ -66,7 +69,6 @@ class Install(Test):
     def test_gives_all_that_a_user_needs(self):
         for name in ("installed", "parts"):
             shutil.rmtree(WORK / name, ignore_errors=True)
-        WORK.mkdir(parents=True, exist_ok=True)
         run("cmake", "--install", BUILD, "--prefix", INSTALLED)
         names = {path.relative_to(INSTALLED).as_posix() for path in INSTALLED.rglob("*") if path.is_file()}
         wanted = {"include/kexlib/export.h", "include/kexlib/package.h", "include/kexlib/framework/atlbase.h",

@@ -10,9 +10,9 @@
 // The picture comes from a bitmap resource and is centred on the button. Magenta pixels get the system's button face
 // colour. Each picture adds two consecutive images to the list: the normal one and the disabled one.
 //
-// The button notifies its parent of clicks as before (BN_CLICKED). It looks different while the mouse is over it.
-// Before it paints itself it makes its parent paint the area behind it. A parent with the style WS_CLIPCHILDREN paints
-// nothing there: a plain button then keeps the edge that it had under the mouse.
+// The button notifies its parent of clicks as before (BN_CLICKED), after it has released the mouse. It looks different
+// while the mouse is over it. Before it paints itself it makes its parent paint the area behind it. A parent with the
+// style WS_CLIPCHILDREN paints nothing there: a plain button then keeps the edge that it had under the mouse.
 //
 // Errors. None is reported: a picture that cannot be loaded is not shown. Out of memory, the text of the tooltip throws
 // MFC's memory exception; the constructor, which creates the themer, throws std::bad_alloc.
@@ -61,7 +61,8 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   /// copied. An image list that it owned is destroyed.
   kexWTLBitmapButton& operator=(const kexWTLBitmapButton& other);
 
-  /// WM_PAINT and WM_PRINTCLIENT paint; WTL handles the other messages. Message maps other than 0 handle nothing.
+  /// WM_PAINT and WM_PRINTCLIENT paint; BM_SETSTATE shows the button pressed or not; WTL handles the other messages.
+  /// Message maps other than 0 handle nothing.
   BOOL ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                             DWORD map = 0) override;
 
@@ -106,6 +107,8 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   void DoPaint(WTL::CDCT<false> dc, bool themed);
 
  private:
+  void set_pressed(bool pressed);
+  void release_mouse();
   void repaint_behind();
   void paint(const WTL::CDCT<false>& dc, bool themed, const wbzThemer* themer);
   void draw_edge(WTL::CDCT<false> dc, RECT rect);
