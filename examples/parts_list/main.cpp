@@ -10,9 +10,11 @@
 
 #include <parts_list/main_window.h>
 
+#include <cstdio>
+#include <exception>
 #include <filesystem>
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
   const std::string folder = std::filesystem::absolute(count > 1 ? arguments[1] : ".").string();
   ::OleInitialize(nullptr);
   parts_list::MainWindow window(folder);
@@ -26,4 +28,7 @@ int main(int count, char** arguments) {
   }
   ::OleUninitialize();
   return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "parts_list: %s\n", error.what());
+  return 2;
 }

@@ -51,6 +51,25 @@ void set_tooltip(WTL::CBitmapButton& button, const char* text) {
   if (!button.SetToolTipText(text)) AtlThrow(E_OUTOFMEMORY);
 }
 
+// WTL does not look at BM_SETSTATE. A program that shows a button pressed sees it pressed, as the system's own buttons.
+void show_pressed(WTL::CBitmapButton& button, bool pressed) {
+  button.m_fPressed = pressed;
+  button.Invalidate(FALSE);
+  button.UpdateWindow();
+}
+
+// WTL notifies the parent while the button still has the mouse: a dialog that opens on the click would get no clicks.
+void end_press(WTL::CBitmapButton& button) {
+  const HWND window = button;
+  if (GetCapture() != window) return;
+  const bool is_clicked = button.m_fPressed;
+  if (is_clicked && (button.m_dwExtendedStyle & BMPBTN_AUTOCHECK)) button.SetCheck(!button.GetCheck(), false);
+  ReleaseCapture();
+  if (is_clicked)
+    SendMessageA(GetParent(window), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(GetDlgCtrlID(window)), BN_CLICKED),
+                 reinterpret_cast<LPARAM>(window));
+}
+
 void copy_look(WTL::CBitmapButton& button, const WTL::CBitmapButton& other) {
   button.m_dwExtendedStyle = other.m_dwExtendedStyle | BMPBTN_SHAREIMAGELISTS;
   set_images(button, other.GetImageList());
@@ -103,9 +122,9 @@ kexWTLBitmapButton::~kexWTLBitmapButton() = default;
 BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                                               DWORD map) {
   if (map != 0) return FALSE;
-  if (message == BM_SETSTATE) set_pressed(wParam != 0);
+  if (message == BM_SETSTATE) show_pressed(*this, wParam != 0);
   if (message == WM_LBUTTONUP && (IsHoverMode() || IsCheckMode())) {
-    release_mouse();
+    end_press(*this);
     result = 0;
     return TRUE;
   }
@@ -122,25 +141,6 @@ BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM 
     painting_failed(m_hWnd);
   }
   return TRUE;
-}
-
-// WTL does not look at the message. A program that shows a button pressed sees it pressed, as the system's own buttons.
-void kexWTLBitmapButton::set_pressed(bool pressed) {
-  m_fPressed = pressed;
-  Invalidate(FALSE);
-  UpdateWindow();
-}
-
-// WTL notifies the parent while the button still has the mouse: a dialog that opens on the click would get no clicks.
-void kexWTLBitmapButton::release_mouse() {
-  if (GetCapture() != m_hWnd) return;
-  const HWND button = m_hWnd;
-  const bool is_clicked = m_fPressed;
-  if (is_clicked && (m_dwExtendedStyle & BMPBTN_AUTOCHECK)) SetCheck(!GetCheck(), false);
-  ReleaseCapture();
-  if (is_clicked)
-    ::SendMessageA(::GetParent(button), WM_COMMAND, MAKEWPARAM(static_cast<WORD>(::GetDlgCtrlID(button)), BN_CLICKED),
-                   reinterpret_cast<LPARAM>(button));
 }
 
 // WTL's own takes no second window: the procedure of the first would serve both, and its tooltip would be lost.

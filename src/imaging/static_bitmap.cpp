@@ -4,8 +4,8 @@
 
 // The headers of GDI+ use the macros min and max of windows.h, which are switched off here.
 namespace Gdiplus {
-using std::max;
-using std::min;
+using std::max;  // NOLINT(misc-unused-using-decls): for Microsoft's gdiplus.h
+using std::min;  // NOLINT(misc-unused-using-decls)
 }  // namespace Gdiplus
 
 #include <atlimage.h>

@@ -107,8 +107,6 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   void DoPaint(WTL::CDCT<false> dc, bool themed);
 
  private:
-  void set_pressed(bool pressed);
-  void release_mouse();
   void repaint_behind();
   void paint(const WTL::CDCT<false>& dc, bool themed, const wbzThemer* themer);
   void draw_edge(WTL::CDCT<false> dc, RECT rect);
