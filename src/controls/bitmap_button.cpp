@@ -53,6 +53,7 @@ void set_tooltip(WTL::CBitmapButton& button, const char* text) {
 
 // WTL does not look at BM_SETSTATE. A program that shows a button pressed sees it pressed, as the system's own buttons.
 void show_pressed(WTL::CBitmapButton& button, bool pressed) {
+  if (button.m_fPressed == pressed) return;
   button.m_fPressed = pressed;
   button.Invalidate(FALSE);
   button.UpdateWindow();
@@ -122,7 +123,11 @@ kexWTLBitmapButton::~kexWTLBitmapButton() = default;
 BOOL kexWTLBitmapButton::ProcessWindowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result,
                                               DWORD map) {
   if (map != 0) return FALSE;
-  if (message == BM_SETSTATE) show_pressed(*this, wParam != 0);
+  if (message == BM_SETSTATE) {
+    result = DefWindowProc(message, wParam, lParam);
+    show_pressed(*this, wParam != 0);
+    return TRUE;
+  }
   if (message == WM_LBUTTONUP && (IsHoverMode() || IsCheckMode())) {
     end_press(*this);
     result = 0;
