@@ -93,8 +93,8 @@ class KEXLIB_API kexDigitOCX : public CWnd {
   const GUID& GetClsid() const;
 
   /// Creates the control (CWnd::CreateControl) with `style` at `rect` in `parent`. window_name becomes its Caption or
-  /// Text; class_name and context are ignored. Returns 0 if the control is not installed, if this object already
-  /// has one, or if controls are not enabled (see above).
+  /// Text; class_name and context are ignored. Returns 0 if the control is not installed, or if this object
+  /// already has one.
   int Create(const char* class_name, const char* window_name, unsigned long style, const RECT& rect, CWnd* parent,
              unsigned int id, CCreateContext* context = nullptr) override;
 
