@@ -77,37 +77,6 @@ void click(HWND window, DWORD down, DWORD up) {
   click_here(down, up);
 }
 
-void click_other_process(HWND window, int x, int y) {
-  constexpr int looks = 3;
-  POINT place{x, y};
-  ClientToScreen(window, &place);
-  const auto send = [place](DWORD what) {
-    const auto normalized = [](int position, int size) { return (position * 0x10000 + 0x8000) / size; };
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    input.mi.dx = normalized(place.x, GetSystemMetrics(SM_CXSCREEN));
-    input.mi.dy = normalized(place.y, GetSystemMetrics(SM_CYSCREEN));
-    input.mi.dwFlags = what | MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    SendInput(1, &input, sizeof input);
-  };
-  int looked = 0;
-  pump_until([&] {
-    POINT now;
-    GetCursorPos(&now);
-    const bool is_there = now.x == place.x && now.y == place.y;
-    looked = is_there ? looked + 1 : 0;
-    if (!is_there) send(0);
-    return looked >= looks;
-  });
-  send(MOUSEEVENTF_LEFTDOWN);
-  send(MOUSEEVENTF_LEFTUP);
-}
-
-void click_other_process(HWND window) {
-  const POINT middle = middle_of(window);
-  click_other_process(window, middle.x, middle.y);
-}
-
 void park_mouse() {
   SetCursorPos(5, 5);
   pump_waiting();

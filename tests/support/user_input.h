@@ -31,11 +31,6 @@ void click_here(DWORD down = MOUSEEVENTF_LEFTDOWN, DWORD up = MOUSEEVENTF_LEFTUP
 // Moves to the middle of the window, waits until the mouse has arrived, presses and releases.
 void click(HWND window, DWORD down = MOUSEEVENTF_LEFTDOWN, DWORD up = MOUSEEVENTF_LEFTUP);
 
-// The same at a place in the client area of another process's window. What the display reports to that process may move
-// the mouse again, so the place comes with the button, in one event.
-void click_other_process(HWND window, int x, int y);
-void click_other_process(HWND window);
-
 // Moves the mouse to where no window of the tests is.
 void park_mouse();
 
