@@ -15,6 +15,8 @@ if(MSVC)
                                 -Wno-inconsistent-missing-override -Wno-varargs)
   endif()
 else()
+  # The texts of assertions name a source by its place in the project, not on the machine that compiled it.
+  target_compile_options(kexlib_settings INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
   target_compile_options(
     kexlib_settings INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion
                               -Wold-style-cast -Wundef -fvisibility=hidden
