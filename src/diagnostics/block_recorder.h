@@ -22,6 +22,8 @@ class BlockRecorder {
     if (!enabled_.load(std::memory_order_relaxed)) enabled_.store(true, std::memory_order_relaxed);
   }
 
+  bool is_on() const { return enabled_.load(std::memory_order_relaxed); }
+
   void begin(std::string_view name) {
     if (!enabled_.load(std::memory_order_relaxed)) return;
     ThreadRecord& thread = record_.thread(Platform::thread_id());

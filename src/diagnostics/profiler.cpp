@@ -63,6 +63,8 @@ void kex_stop_profiling(const std::string& path) {
   if (profiler.stop_into(path.c_str())) profiler.record().clear();
 }
 
+bool kex_is_profiling() { return profiler.is_on(); }
+
 kexProfileScope::kexProfileScope(const std::string& name) { kex_begin_block_with_auto_start(name); }
 
 kexProfileScope::~kexProfileScope() {

@@ -36,4 +36,18 @@ void write(Handle file, std::string_view text) {
 
 void close(Handle file) { CloseHandle(file); }
 
+std::string path_of(Handle file) {
+  std::string path(MAX_PATH, '\0');
+  DWORD length = GetFinalPathNameByHandleA(file, path.data(), MAX_PATH, 0);
+  if (length >= MAX_PATH) {
+    path.resize(length + 1);
+    length = GetFinalPathNameByHandleA(file, path.data(), length + 1, 0);
+  }
+  path.resize(length);
+  // The system's answer has the prefix for paths of any length: \\?\C:\... or \\?\UNC\server\...
+  if (path.starts_with(R"(\\?\UNC\)")) return path.replace(0, 8, R"(\\)");
+  if (path.starts_with(R"(\\?\)")) path.erase(0, 4);
+  return path;
+}
+
 }  // namespace kexlib::text_file

@@ -7,6 +7,7 @@
 
 #include <diagnostics/byte_sink.h>
 
+#include <string>
 #include <string_view>
 
 namespace kexlib::text_file {
@@ -22,6 +23,9 @@ Handle open(const char* path, Start start);
 void write(Handle file, std::string_view text);
 
 void close(Handle file);
+
+// As users write it, in the ANSI code page; empty if the system does not tell.
+std::string path_of(Handle file);
 
 // Writes to an open file, which the caller owns.
 class Sink final : public ByteSink {

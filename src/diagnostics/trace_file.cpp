@@ -74,6 +74,8 @@ void CTraceToFile::CloseFile() {
   file_ = nullptr;
 }
 
+std::string CTraceToFile::GetFilePath() const { return file_ ? text_file::path_of(file_) : std::string(); }
+
 int CTraceToFile::GetDesktopFolderPath(char* path) {
   return SUCCEEDED(SHGetFolderPathA(nullptr, CSIDL_DESKTOPDIRECTORY, nullptr, SHGFP_TYPE_CURRENT, path));
 }

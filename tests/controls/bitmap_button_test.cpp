@@ -100,6 +100,17 @@ TEST_F(BitmapButtonControl, WithoutAWindowInvalidatesNoOther) {
   EXPECT_FALSE(GetUpdateRect(dialog_, nullptr, FALSE));
 }
 
+TEST_F(BitmapButtonControl, TellsTheImageThatItShows) {
+  EXPECT_EQ(kexWTLBitmapButton().GetImage(), -1);
+  kexWTLBitmapButton().AddImage(&images_, IDB_FRAME, GetModuleHandle(nullptr));
+  make(kexBtnTypeThemed);
+  EXPECT_EQ(button_->GetImage(), 2);
+  button_->SetImage(0);
+  EXPECT_EQ(button_->GetImage(), 0);
+  button_->SetImage(-1);
+  EXPECT_EQ(button_->GetImage(), 0) << "-1 sets the disabled picture only";
+}
+
 TEST_F(BitmapButtonControl, WithoutAPictureIsJustAFace) {
   button_ = std::make_unique<Button>(kexBtnTypeThemed);
   button_->SetInfo(window(), &images_, missing, nullptr, GetModuleHandle(nullptr));

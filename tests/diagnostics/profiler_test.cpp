@@ -156,6 +156,18 @@ TEST_F(Profiler, IsOffAfterTheStop) {
   EXPECT_EQ(files_in(folder_.path()), std::vector<std::string>{"record.js"});
 }
 
+TEST_F(Profiler, TellsWhetherItIsOn) {
+  EXPECT_FALSE(kex_is_profiling());
+  kex_begin_block("a");
+  EXPECT_FALSE(kex_is_profiling());
+  kex_start_profiling();
+  EXPECT_TRUE(kex_is_profiling());
+  stop();
+  EXPECT_FALSE(kex_is_profiling());
+  { const kexProfileScope scope("a"); }
+  EXPECT_TRUE(kex_is_profiling());
+}
+
 TEST_F(Profiler, StartsByItselfAtABeginWithAutoStart) {
   kex_begin_block_with_auto_start("a");
   let_time_pass();

@@ -4,6 +4,7 @@
 
 #include <diagnostics/text_file.h>
 #include <support/files.h>
+#include <support/import_override.h>
 
 #include <algorithm>
 #include <fstream>
@@ -13,6 +14,16 @@
 using namespace kexlib;
 
 namespace {
+
+// The system's answers for a file far down in a share, and for one whose path it does not tell.
+DWORD WINAPI path_on_a_share(HANDLE, char* path, DWORD size, DWORD) {
+  const std::string text = R"(\\?\UNC\server\)" + std::string(300, 'a');
+  if (size <= text.size()) return static_cast<DWORD>(text.size() + 1);
+  text.copy(path, text.size());
+  return static_cast<DWORD>(text.size());
+}
+
+DWORD WINAPI no_path(HANDLE, char*, DWORD, DWORD) { return 0; }
 
 class TextFile : public testing::Test {
  protected:
@@ -51,6 +62,21 @@ TEST_F(TextFile, StartsAnewOrGoesOnAtTheEnd) {
   text_file::close(file);
   EXPECT_EQ(read_file("ours.txt"), "before\nafter");
   EXPECT_EQ(written("anew"), "anew");
+}
+
+TEST_F(TextFile, TellsItsPathAsUsersWriteIt) {
+  const text_file::Handle file = text_file::open("ours.txt", text_file::Start::Truncated);
+  EXPECT_EQ(text_file::path_of(file), (folder_.path() / "ours.txt").string());
+  {
+    const ImportOverride shared(nullptr, "KERNEL32.dll", "GetFinalPathNameByHandleA", &path_on_a_share);
+    ASSERT_TRUE(shared.made());
+    EXPECT_EQ(text_file::path_of(file), R"(\\server\)" + std::string(300, 'a'));
+  }
+  {
+    const ImportOverride unknown(nullptr, "KERNEL32.dll", "GetFinalPathNameByHandleA", &no_path);
+    EXPECT_EQ(text_file::path_of(file), "");
+  }
+  text_file::close(file);
 }
 
 TEST_F(TextFile, LetsOthersReadAndWriteMeanwhile) {

@@ -224,6 +224,17 @@ TEST_F(TraceFileOnDesktop, IsAnotherFileAfterAClose) {
   EXPECT_EQ(trace_files().size(), 2u);
 }
 
+TEST_F(TraceFileOnDesktop, TellsThePathOfTheOpenFile) {
+  EXPECT_EQ(g_traceToFile.GetFilePath(), "");
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  EXPECT_EQ(g_traceToFile.GetFilePath(), "") << "the first line makes it";
+  g_traceToFile.Trace("one");
+  EXPECT_EQ(g_traceToFile.GetFilePath(), (folder_.path() / trace_files().at(0)).string());
+  EXPECT_EQ(read_file(g_traceToFile.GetFilePath()), "one");
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceOff);
+  EXPECT_EQ(g_traceToFile.GetFilePath(), "");
+}
+
 TEST_F(TraceFileOnDesktop, ReturnsTheModeThatWasSet) {
   for (const auto mode : {CTraceToFile::TraceToDebugger, CTraceToFile::TraceToFile,
                           CTraceToFile::TraceToDebuggerAndFile, CTraceToFile::TraceOff}) {

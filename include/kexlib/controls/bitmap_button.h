@@ -94,6 +94,10 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   /// compatibility: the pushed picture stays the one of SetInfo.
   void SetImage(int index);
 
+  /// Beyond the contract of the unit: the index in the image list of the picture that is shown while the button is
+  /// neither pressed nor disabled, as SetInfo or SetImage has set it; -1 for none.
+  int GetImage() const { return m_nImage[_nImageNormal]; }
+
   /// Sets the themer for the next painting; a painting in progress keeps the previous one. Call it at any time. An
   /// empty pointer draws no face. A plain button does not use it.
   void set_themer(std::shared_ptr<wbzThemer> themer);

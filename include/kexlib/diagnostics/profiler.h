@@ -87,6 +87,11 @@ KEXLIB_API void kex_end_block();
 /// is followed by a comma, the last one too.
 KEXLIB_API void kex_stop_profiling(const std::string& path);
 
+/// Beyond the contract of the unit: whether profiling is on. Call it from any thread.
+///
+///     if (kex_is_profiling()) kex_begin_block("frame " + std::to_string(number));    // no text is built for nothing
+KEXLIB_API bool kex_is_profiling();
+
 /// Profiles the scope that it lives in. Begin and end must be on one thread, so it is neither copied nor moved.
 ///
 ///     void load() {

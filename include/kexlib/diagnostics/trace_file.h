@@ -19,6 +19,8 @@
 
 #include <kexlib/export.h>
 
+#include <string>
+
 /// A sink for diagnostic lines. Programs use the one instance g_traceToFile.
 class KEXLIB_API CTraceToFile {
  public:
@@ -49,6 +51,13 @@ class KEXLIB_API CTraceToFile {
   /// Writes two line ends and "File closed at DD/MM/YYYY HH:MM:SS" to the open file and closes it. Does nothing if none
   /// is open. The next traced line creates a new file.
   void CloseFile();
+
+  /// Beyond the contract of the unit: the path of the open file (GetFinalPathNameByHandle), in the ANSI code page;
+  /// empty while none is open. The first traced line opens it.
+  ///
+  ///     g_traceToFile.Trace("started\n");
+  ///     about_box.show("The trace file is " + g_traceToFile.GetFilePath());
+  std::string GetFilePath() const;
 
   /// The mode of g_traceToFile. Setting a mode without the file bit closes an open file; with it, the file stays as it
   /// is.
