@@ -5,11 +5,12 @@ has_node() {
   command -v npm >/dev/null && node --eval 'process.exit(parseInt(process.versions.node) >= 18 ? 0 : 1)' 2>/dev/null
 }
 
+# missing_packages USE...
 missing_packages() {
   local wanted installed
-  wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt")
+  wanted=$(for use; do sed -n "s/^$use //p" "$root/packaging/debian-packages.txt"; done)
   [ "$preset" != msvc-abi ] || wanted+=$'\n'$(packages_to install)
-  wanted=$(sort <<<"$wanted")
+  wanted=$(sort -u <<<"$wanted")
   if has_node; then wanted=$(grep -v -x -e nodejs -e npm <<<"$wanted"); fi
   # shellcheck disable=SC2086
   installed=$(dpkg-query --show --showformat='${db:Status-Status} ${Package}\n' $wanted 2>/dev/null |
@@ -17,16 +18,17 @@ missing_packages() {
   comm -23 <(echo "$wanted") <(echo "$installed") | paste -sd ' '
 }
 
-# Installs what is missing from the lists of packages, and nothing that is there; makes the tools of msvc-abi.
+# set_up_machine USE...: installs what is missing from the lists of packages for these uses, and nothing that is there; makes
+# the tools of msvc-abi.
 set_up_machine() {
-  install_missing_packages
+  install_missing_packages "$@"
   [ "$preset" != msvc-abi ] || set_up_msvc_abi
 }
 
 install_missing_packages() {
   local missing log=$root/build/setup.log
   command -v dpkg-query >/dev/null || fail "this is no Debian machine: install what packaging/debian-packages.txt names by hand."
-  missing=$(missing_packages)
+  missing=$(missing_packages "$@")
   [ -n "$missing" ] || return 0
   [ "$(id -u)" = 0 ] || fail "only root can install what is missing; run: apt-get install --no-install-recommends $missing"
   say "installing $missing"

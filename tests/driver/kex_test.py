@@ -116,22 +116,37 @@ class Refusals(unittest.TestCase):
                 self.assert_refused(self.run_kex(*arguments), sentence)
         self.assertFalse((self.folder / "called").exists())
 
-    def test_bench_goes_on_after_a_family_that_misses_its_target(self):
+    def run_kex_with_programs(self, programs: list[str], *arguments: str, **variables) -> subprocess.CompletedProcess:
+        """In a checkout where these programs are built, each of which says its name; only b_bench.exe ends well."""
         checkout = self.folder / "checkout"
         for name in ("scripts", "packaging"):
-            shutil.copytree(ROOT / name, checkout / name)
+            shutil.copytree(ROOT / name, checkout / name, dirs_exist_ok=True)
         shutil.copy(ROOT / "kex", checkout)
-        programs = checkout / "build/mingw-release/bin"
-        programs.mkdir(parents=True)
-        for name in ("build.ninja", "bin/a_bench.exe", "bin/b_bench.exe"):
+        (checkout / "build/mingw-release/bin").mkdir(parents=True, exist_ok=True)
+        for name in ["build.ninja"] + [f"bin/{program}" for program in programs]:
             (checkout / "build/mingw-release" / name).touch()
-        (checkout / "scripts/wine_session.sh").write_text("start_sessions() { :; }\nstop_sessions() { :; }\n")
+        (checkout / "scripts/wine_session.sh").write_text("start_sessions() { say sessions \"$@\"; }\nstop_sessions() { :; }\n")
         (checkout / "scripts/wine-run").write_text("#!/bin/sh\necho \"$(basename \"$1\")\"; [ \"${1##*/}\" = b_bench.exe ]\n")
         self.fake("ninja", ":")
+        environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"} | variables
+        return subprocess.run([checkout / "kex", *arguments], env=environment, capture_output=True, text=True)
+
+    def test_bench_goes_on_after_a_family_that_misses_its_target(self):
         self.fake("npm", "echo viewer")
-        environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
-        done = subprocess.run([checkout / "kex", "bench"], env=environment, capture_output=True, text=True)
+        done = self.run_kex_with_programs(["a_bench.exe", "b_bench.exe"], "bench")
         self.assertEqual((done.returncode, done.stdout), (1, "a_bench.exe\nb_bench.exe\nviewer\n"))
+
+    def test_run_says_where_windows_are(self):
+        programs = ["keeper.exe", "drawing.exe"]
+        hint = "kex: the windows are on a display that nobody sees; ./kex run --interactive shows them on yours."
+        for subsystem, said in (("Windows GUI", f"kex: sessions 1\n{hint}\n"), ("Windows CUI", "kex: sessions 1\n")):
+            self.fake("x86_64-w64-mingw32-objdump", f"echo 'Subsystem\t\t00000002\t({subsystem})'")
+            done = self.run_kex_with_programs(programs, "run", "drawing")
+            self.assertEqual((done.stdout, done.stderr), ("drawing.exe\n", said))
+            done = self.run_kex_with_programs(programs, "run", "--interactive", "drawing", DISPLAY=":5")
+            self.assertEqual((done.stdout, done.stderr), ("drawing.exe\n", "kex: sessions 1 own-display\n"))
+        self.assert_refused(self.run_kex_with_programs(programs, "run", "--interactive", "drawing", DISPLAY=""),
+                            "there is no display to open drawing on")
 
     def test_missing_packages_without_root(self):
         self.fake("dpkg-query", "echo installed cmake")
@@ -144,13 +159,24 @@ class Refusals(unittest.TestCase):
         self.fake("npm", "exit 0")
         self.fake("node", "exit 0")
         enough = self.run_kex("build").stderr.split()
-        self.assertIn("chromium", enough)
+        self.assertIn("ninja-build", enough)
         self.assertNotIn("nodejs", enough)
         self.assertNotIn("npm", enough)
         self.fake("node", "exit 1")
         too_old = self.run_kex("build").stderr.split()
         self.assertIn("nodejs", too_old)
         self.assertIn("npm", too_old)
+
+    def test_each_command_asks_for_what_it_needs(self):
+        self.fake("dpkg-query", "echo installed cmake")
+        self.fake("id", "echo 1000")
+        one_of_each = {"ninja-build", "wine", "pngcheck", "chromium", "shellcheck", "doxygen"}
+        for command, wanted in (("build", {"ninja-build"}), ("demo", {"ninja-build", "wine"}), ("docs", {"doxygen"}),
+                                ("test", {"ninja-build", "wine", "pngcheck", "chromium"}),
+                                ("bench", {"ninja-build", "wine", "chromium"}),
+                                ("check", {"ninja-build", "shellcheck", "doxygen"})):
+            with self.subTest(command):
+                self.assertEqual(one_of_each & set(self.run_kex(command).stderr.split()), wanted)
 
     def test_no_network(self):
         self.fake("dpkg-query", "echo installed cmake")
@@ -175,7 +201,7 @@ class Refusals(unittest.TestCase):
 
     def test_installs_nothing_that_is_there(self):
         script = f"""root='{ROOT}'; source "$root/scripts/common.sh"; source "$root/scripts/setup.sh"
-            install_missing_packages && touch '{self.folder}/installed'"""
+            install_missing_packages build run test browse && touch '{self.folder}/installed'"""
         self.fake("apt-get", f"touch '{self.folder}/called'")
         environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
         subprocess.run(["bash", "-euc", script], env=environment, check=True)
