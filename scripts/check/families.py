@@ -9,7 +9,11 @@ UNITS = {
     "windowtools": ["hwnd_table", "gui_tools", "tree_iterators", "combo_list_utils"],
     "controls": ["numeric_formatting", "numeric_edit_box", "button_menu", "bitmap_button", "step_manager"],
     "dialogs": ["task_dialog", "wizard_dialog"],
+    "testing": ["code_place", "message_pump"],
 }
+
+# The families that are headers only: nothing of them is in the DLL, nor in the gallery.
+HEADER_ONLY = {"testing"}
 
 # Units are independent of each other, but for these.
 USES = {

@@ -1,0 +1,20 @@
+// Testing: help for the tests of applications with windows and COM objects.
+//
+//   code_place.h    the module, the function and the line of an address
+//   message_pump.h  dispatches messages until something has happened
+//
+// These headers need nothing of kexlib.dll and no test framework. What may find something wrong has a member problem():
+// empty, or a sentence.
+//
+//     EXPECT_EQ(balance.problem(), "");                                        // GoogleTest
+//     CHECK(balance.problem() == "");                                          // Catch
+//     if (!balance.problem().empty()) std::puts(balance.problem().c_str());
+//
+// They are for sources with MFC or without: where windows.h was included before, they need no more than that.
+#ifndef KEXLIB_TESTING_H
+#define KEXLIB_TESTING_H
+
+#include <kexlib/testing/code_place.h>
+#include <kexlib/testing/message_pump.h>
+
+#endif
