@@ -1,7 +1,9 @@
 // Testing: help for the tests of applications with windows and COM objects.
 //
-//   code_place.h    the module, the function and the line of an address
-//   message_pump.h  dispatches messages until something has happened
+//   code_place.h       the module, the function and the line of an address
+//   counting_object.h  a COM object that counts its references
+//   fault_observer.h   counts access violations that the system handles
+//   message_pump.h     dispatches messages until something has happened
 //
 // These headers need nothing of kexlib.dll and no test framework. What may find something wrong has a member problem():
 // empty, or a sentence.
@@ -15,6 +17,8 @@
 #define KEXLIB_TESTING_H
 
 #include <kexlib/testing/code_place.h>
+#include <kexlib/testing/counting_object.h>
+#include <kexlib/testing/fault_observer.h>
 #include <kexlib/testing/message_pump.h>
 
 #endif
