@@ -4,6 +4,7 @@
 //   counting_object.h  a COM object that counts its references
 //   fault_observer.h   counts access violations that the system handles
 //   message_pump.h     dispatches messages until something has happened
+//   resource_balance.h compares GDI objects, USER objects, kernel handles and COM references with those before
 //
 // These headers need nothing of kexlib.dll and no test framework. What may find something wrong has a member problem():
 // empty, or a sentence.
@@ -20,5 +21,6 @@
 #include <kexlib/testing/counting_object.h>
 #include <kexlib/testing/fault_observer.h>
 #include <kexlib/testing/message_pump.h>
+#include <kexlib/testing/resource_balance.h>
 
 #endif

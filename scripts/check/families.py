@@ -9,7 +9,7 @@ UNITS = {
     "windowtools": ["hwnd_table", "gui_tools", "tree_iterators", "combo_list_utils"],
     "controls": ["numeric_formatting", "numeric_edit_box", "button_menu", "bitmap_button", "step_manager"],
     "dialogs": ["task_dialog", "wizard_dialog"],
-    "testing": ["code_place", "counting_object", "fault_observer", "message_pump"],
+    "testing": ["code_place", "counting_object", "fault_observer", "message_pump", "resource_balance"],
 }
 
 # The families that are headers only: nothing of them is in the DLL, nor in the gallery.
@@ -23,6 +23,7 @@ USES = {
     "controls/bitmap_button": {"imaging/dib"},
     "controls/numeric_edit_box": {"controls/numeric_formatting"},
     "testing/fault_observer": {"testing/code_place"},
+    "testing/resource_balance": {"testing/counting_object"},
 }
 
 # The units that may use each companion library.
