@@ -2,6 +2,7 @@
 //
 //   code_place.h       the module, the function and the line of an address
 //   counting_object.h  a COM object that counts its references
+//   dialog_driver.h    does what a user does in modal dialogs
 //   fault_observer.h   counts access violations that the system handles
 //   message_pump.h     dispatches messages until something has happened
 //   resource_balance.h compares GDI objects, USER objects, kernel handles and COM references with those before
@@ -19,6 +20,7 @@
 
 #include <kexlib/testing/code_place.h>
 #include <kexlib/testing/counting_object.h>
+#include <kexlib/testing/dialog_driver.h>
 #include <kexlib/testing/fault_observer.h>
 #include <kexlib/testing/message_pump.h>
 #include <kexlib/testing/resource_balance.h>

@@ -9,7 +9,7 @@ UNITS = {
     "windowtools": ["hwnd_table", "gui_tools", "tree_iterators", "combo_list_utils"],
     "controls": ["numeric_formatting", "numeric_edit_box", "button_menu", "bitmap_button", "step_manager"],
     "dialogs": ["task_dialog", "wizard_dialog"],
-    "testing": ["code_place", "counting_object", "fault_observer", "message_pump", "resource_balance"],
+    "testing": ["code_place", "counting_object", "dialog_driver", "fault_observer", "message_pump", "resource_balance"],
 }
 
 # The families that are headers only: nothing of them is in the DLL, nor in the gallery.
