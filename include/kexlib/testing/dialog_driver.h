@@ -119,12 +119,15 @@ class DialogCloser {
 class Ticker {
  public:
   /// The function must not throw.
-  Ticker(std::chrono::milliseconds every, std::function<void()> tick) : tick_(std::move(tick)) {
-    SetTimer(window_, reinterpret_cast<UINT_PTR>(this), static_cast<UINT>(every.count()), ticked);
-  }
+  Ticker(std::chrono::milliseconds after, std::function<void()> tick) : tick_(std::move(tick)) { set_interval(after); }
 
   Ticker(const Ticker&) = delete;
   Ticker& operator=(const Ticker&) = delete;
+
+  /// From now on: the time between two calls. The function may call it.
+  void set_interval(std::chrono::milliseconds interval) {
+    SetTimer(window_, reinterpret_cast<UINT_PTR>(this), static_cast<UINT>(interval.count()), ticked);
+  }
 
   /// The function is not called any more.
   ~Ticker() { DestroyWindow(window_); }
