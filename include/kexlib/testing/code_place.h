@@ -39,7 +39,7 @@ inline bool is_code_of_the_system(const void* address) {
   return lstrcmpiA(file, system) == 0;
 }
 
-/// What code_place calls: use that.
+// What code_place calls.
 namespace detail {
 
 // The functions of dbghelp.dll, which programs need not link.

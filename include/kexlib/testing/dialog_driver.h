@@ -45,7 +45,7 @@ inline std::wstring window_text(HWND window) {
   return text;
 }
 
-/// What the functions and classes below call: use those.
+// What the functions and classes below call.
 namespace detail {
 
 inline bool has_class(HWND window, const char* wanted) {

@@ -33,7 +33,7 @@ enum class PumpEnd {
   quit        ///< there was a WM_QUIT, which is posted again
 };
 
-/// What pump_messages and pump call: use those.
+// What the functions below call.
 namespace detail {
 
 // Dispatches what is in the queue, until `deadline`: a window that posts itself messages never lets the queue get

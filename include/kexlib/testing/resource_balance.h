@@ -32,7 +32,7 @@
 
 namespace kexlib::testing {
 
-/// What the count functions call: use those.
+// What the count functions call.
 namespace detail {
 
 template <typename Function>
@@ -152,7 +152,7 @@ inline int count_kernel_handles() {
   return detail::is_wine() ? detail::kernel_handles_of_wine() : -1;
 }
 
-/// What the process holds now. Prints as a text.
+/// What the process holds now.
 struct ResourceCounts {
   int gdi_objects = count_gdi_objects();        ///< see count_gdi_objects
   int user_objects = count_user_objects();      ///< see count_user_objects
@@ -160,13 +160,13 @@ struct ResourceCounts {
 
   /// Whether both have as many of each.
   bool operator==(const ResourceCounts&) const = default;
-
-  /// "12 GDI objects, 3 USER objects, 40 kernel handles".
-  friend std::ostream& operator<<(std::ostream& out, const ResourceCounts& counts) {
-    return out << counts.gdi_objects << " GDI objects, " << counts.user_objects << " USER objects, "
-               << counts.kernel_handles << " kernel handles";
-  }
 };
+
+/// Prints "12 GDI objects, 3 USER objects, 40 kernel handles".
+inline std::ostream& operator<<(std::ostream& out, const ResourceCounts& counts) {
+  return out << counts.gdi_objects << " GDI objects, " << counts.user_objects << " USER objects, "
+             << counts.kernel_handles << " kernel handles";
+}
 
 /// Compares what the process holds with what it held when the object was made.
 class ResourceBalance {

@@ -43,7 +43,7 @@
 
 namespace kexlib::testing {
 
-/// What ShownTaskDialog calls: use that.
+// What ShownTaskDialog calls.
 namespace detail {
 
 // The first line, without marks of access keys.
