@@ -96,7 +96,7 @@ class DebugHelp {
   }
 
   SRWLOCK lock_ = SRWLOCK_INIT;
-  decltype(&SymRefreshModuleList) refresh_ = nullptr;
+  BOOL(WINAPI* refresh_)(HANDLE) = nullptr;
   decltype(&SymFromAddr) name_ = nullptr;
   decltype(&SymGetLineFromAddr64) line_ = nullptr;
 };

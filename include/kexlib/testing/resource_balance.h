@@ -42,11 +42,14 @@ Function function_of(const char* module, const char* name) {
 
 inline bool is_wine() { return function_of<void*>("ntdll.dll", "wine_get_version") != nullptr; }
 
+// GR_GDIOBJECTS and GR_USEROBJECTS, which not all headers of the system have.
+constexpr DWORD gdi_kind = 0, user_kind = 1;
+
 // GetGuiResources, or -1 if it counts nothing: not even the object that is there meanwhile.
 inline int gui_resources(DWORD kind) {
   static const bool counts = [] {
     const HDC context = CreateCompatibleDC(nullptr);
-    const bool found = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS) > 0;
+    const bool found = GetGuiResources(GetCurrentProcess(), gdi_kind) > 0;
     DeleteDC(context);
     return found;
   }();
@@ -134,21 +137,23 @@ inline int windows_of_process() {
 /// Bitmaps, fonts, pens, brushes, device contexts and so on of this process; -1 if they cannot be counted.
 inline int count_gdi_objects() {
   GdiFlush();
-  const int count = detail::gui_resources(GR_GDIOBJECTS);
+  const int count = detail::gui_resources(detail::gdi_kind);
   return count < 0 && detail::is_wine() ? detail::gdi_objects_of_wine() : count;
 }
 
 /// Windows, menus, cursors, icons, hooks and so on of this process, under Wine its windows only; -1 if they cannot be
 /// counted.
 inline int count_user_objects() {
-  const int count = detail::gui_resources(GR_USEROBJECTS);
+  const int count = detail::gui_resources(detail::user_kind);
   return count < 0 && detail::is_wine() ? detail::windows_of_process() : count;
 }
 
 /// Events, threads, files and so on of this process; -1 if they cannot be counted.
 inline int count_kernel_handles() {
+  using Count = BOOL(WINAPI*)(HANDLE, DWORD*);
+  const auto count_handles = detail::function_of<Count>("kernel32.dll", "GetProcessHandleCount");
   DWORD count = 0;
-  if (GetProcessHandleCount(GetCurrentProcess(), &count) && count > 0) return static_cast<int>(count);
+  if (count_handles && count_handles(GetCurrentProcess(), &count) && count > 0) return static_cast<int>(count);
   return detail::is_wine() ? detail::kernel_handles_of_wine() : -1;
 }
 
