@@ -76,6 +76,39 @@ TEST(TestingDialogDriver, GoesOnInADialogThatAStepOpens) {
   EXPECT_EQ(user.problem(), "");
 }
 
+TEST(TestingDialogDriver, DoesNoStepDuringAnother) {
+  std::string done;
+  DialogDriver user;
+  user.add("pump", [&](HWND) {
+    pump_until([] { return false; }, milliseconds(100));
+    done += "a";
+    return true;
+  });
+  user.add("press", [&](HWND dialog) {
+    done += "b";
+    return press(dialog, IDOK);
+  });
+  EXPECT_EQ(show_box(), IDOK);
+  EXPECT_EQ(done, "ab");
+}
+
+TEST(TestingDialogDriver, SeesNoHiddenDialog) {
+  struct {
+    DLGTEMPLATE dialog{WS_POPUP, 0, 0, 0, 0, 90, 40};
+    WORD no_menu = 0, no_class = 0, no_title = 0;
+  } empty;
+  const HWND hidden = CreateDialogIndirectParamA(
+      GetModuleHandleA(nullptr), &empty.dialog, nullptr, [](HWND, UINT, WPARAM, LPARAM) -> INT_PTR { return FALSE; },
+      0);
+  ASSERT_TRUE(hidden);
+  EXPECT_EQ(dialogs_of_thread(), std::vector<HWND>{});
+  ShowWindow(hidden, SW_SHOW);
+  EXPECT_EQ(dialogs_of_thread(), std::vector<HWND>{hidden});
+  EnableWindow(hidden, FALSE);
+  EXPECT_EQ(dialog_in_front(), nullptr);
+  DestroyWindow(hidden);
+}
+
 TEST(TestingDialogDriver, SaysWhichStepTookTooLongAndCloses) {
   DialogDriver user(milliseconds(200));
   user.add("look", [](HWND) { return true; });

@@ -2,7 +2,10 @@
 
 #include <kexlib/testing/resource_balance.h>
 
+#include <support/files.h>
+
 #include <sstream>
+#include <string>
 #include <thread>
 
 namespace {
@@ -61,6 +64,23 @@ TEST_F(TestingResourceBalance, FindsKernelHandles) {
   EXPECT_EQ(balance.problem(), "1 more kernel handle");
   CloseHandle(event);
   EXPECT_EQ(balance.problem(), "");
+}
+
+TEST_F(TestingResourceBalance, LeavesOtherProcessesOut) {
+  std::string command = "\"" + (program_folder() / "hanging.exe").string() + "\"";
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION other{};
+  ASSERT_TRUE(CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr, nullptr,
+                             &startup, &other));
+  const ResourceBalance balance;
+  HANDLE given = nullptr;
+  EXPECT_TRUE(
+      DuplicateHandle(GetCurrentProcess(), other.hProcess, other.hProcess, &given, 0, FALSE, DUPLICATE_SAME_ACCESS));
+  EXPECT_EQ(balance.problem(), "");
+  TerminateProcess(other.hProcess, 0);
+  CloseHandle(other.hThread);
+  CloseHandle(other.hProcess);
 }
 
 TEST_F(TestingResourceBalance, FindsWindowsOfAllKinds) {

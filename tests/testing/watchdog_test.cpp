@@ -35,6 +35,19 @@ TEST(TestingWatchdog, ClosesOneDialogAfterTheOther) {
             "the test did not end within 100 ms: the dialog \"First\" was closed, the dialog \"Second\" was closed");
 }
 
+TEST(TestingWatchdog, ClosesADialogThatRefuses) {
+  struct {
+    DLGTEMPLATE dialog{WS_POPUP | WS_VISIBLE, 0, 0, 0, 0, 90, 40};
+    WORD no_menu = 0, no_class = 0, no_title = 0;
+  } empty;
+  const Watchdog watchdog("the test", milliseconds(100));
+  const auto refuse = [](HWND, UINT message, WPARAM, LPARAM) -> INT_PTR {
+    return message == WM_CLOSE || message == WM_COMMAND;
+  };
+  EXPECT_EQ(DialogBoxIndirectParamA(GetModuleHandleA(nullptr), &empty.dialog, nullptr, refuse, 0), IDCANCEL);
+  EXPECT_EQ(watchdog.problem(), "the test did not end within 100 ms: the dialog \"\" was closed");
+}
+
 TEST(TestingWatchdog, ClosesAMenu) {
   const HWND owner =
       CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 0, 0, 99, 99, nullptr, nullptr, nullptr, nullptr);

@@ -1,10 +1,13 @@
 // A driver of modal dialogs: it does what a user does while the call that shows the dialog waits.
 //
 //     DialogDriver user;
-//     user.add("read the title", [](HWND dialog) { return EXPECT_EQ(window_text(dialog), L"Export"), true; });
-//     user.add("press Enter", [](HWND dialog) { return PostMessage(dialog, WM_COMMAND, IDOK, 0) != 0; });
+//     user.add("read the title", [](HWND dialog) {
+//       EXPECT_EQ(window_text(dialog), L"Export");
+//       return true;
+//     });
+//     user.add("press OK", [](HWND dialog) { return PostMessage(dialog, WM_COMMAND, IDOK, 0) != 0; });
 //     EXPECT_EQ(ask_for_a_name(frame), IDOK);       // a message box, a dialog, a property sheet
-//     EXPECT_EQ(user.problem(), "");                // "step 2 of 2, press Enter: it took too long"
+//     EXPECT_EQ(user.problem(), "");                // "step 2 of 2, press OK: it took too long"
 //
 // A step gets the thread's topmost dialog and returns true when it is done; a step that returns false is called again
 // after 20 ms. Steps begin when there is a dialog. If a step opens another dialog, the following steps are for that

@@ -13,7 +13,7 @@
 // output and ends the process (TerminateProcess). Watchdog::End::at_once ends the process without closing anything: for
 // a runner's watchdog over each test.
 //
-//     export: Export.AsksForTheFormat did not end within 20000 ms
+//     watchdog: Export.AsksForTheFormat did not end within 20000 ms
 //       ntdll.dll+0x5c3a NtWaitForSingleObject
 //       export.dll+0x1a2b wait_for_printer() export.cpp:17
 //       ...
