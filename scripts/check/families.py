@@ -9,7 +9,12 @@ UNITS = {
     "windowtools": ["hwnd_table", "gui_tools", "tree_iterators", "combo_list_utils"],
     "controls": ["numeric_formatting", "numeric_edit_box", "button_menu", "bitmap_button", "step_manager"],
     "dialogs": ["task_dialog", "wizard_dialog"],
+    "testing": ["code_place", "counting_object", "dialog_driver", "fault_observer", "message_pump", "resource_balance",
+                "task_dialog_driver", "watchdog"],
 }
+
+# The families that are headers only: nothing of them is in the DLL, nor in the gallery.
+HEADER_ONLY = {"testing"}
 
 # Units are independent of each other, but for these.
 USES = {
@@ -18,6 +23,10 @@ USES = {
     "imaging/image_list": {"imaging/dib"},
     "controls/bitmap_button": {"imaging/dib"},
     "controls/numeric_edit_box": {"controls/numeric_formatting"},
+    "testing/fault_observer": {"testing/code_place"},
+    "testing/resource_balance": {"testing/counting_object"},
+    "testing/task_dialog_driver": {"testing/dialog_driver"},
+    "testing/watchdog": {"testing/code_place", "testing/dialog_driver"},
 }
 
 # The units that may use each companion library.

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""scripts/check/mirror finds a test that nothing builds: it runs in a small tree made for the test.
+"""scripts/check/mirror finds a test that nothing builds, and asks for no source of a family that is headers only: it runs
+in a small tree made for the test.
 
     mirror_check_test.py REPOSITORY
 """
@@ -27,10 +28,13 @@ class MirrorCheck(unittest.TestCase):
         path.parent.mkdir(parents=True, exist_ok=True)
         path.write_text(text)
 
-    def problems_about_building(self) -> list[str]:
+    def problems_about(self, what: str) -> list[str]:
         done = subprocess.run([REPOSITORY / "scripts/check/mirror"], cwd=self.root, capture_output=True, text=True)
         self.assertEqual((done.returncode, done.stderr), (1, ""))  # it misses headers and pages here
-        return [line for line in done.stdout.splitlines() if "not built" in line]
+        return [line for line in done.stdout.splitlines() if what in line]
+
+    def problems_about_building(self) -> list[str]:
+        return self.problems_about("not built")
 
     def test_what_is_built(self):
         self.assertEqual(self.problems_about_building(), [])
@@ -57,6 +61,17 @@ class MirrorCheck(unittest.TestCase):
                 folder = Path(name).parent
                 self.assertIn(f"{name} is not built: it is not named in {folder}/CMakeLists.txt",
                               self.problems_about_building())
+
+    def test_family_of_headers(self):
+        header = "include/kexlib/testing/watchdog.h"
+        self.write(header)
+        self.write("include/kexlib/testing.h", "#include <kexlib/testing/watchdog.h>\n")
+        self.assertEqual(self.problems_about("testing"),
+                         [f"{header} has no test: tests/testing/watchdog[_SUBJECT]_test.cpp"])
+        self.write("tests/testing/watchdog_test.cpp")
+        self.write("tests/testing/other_test.cpp")
+        self.write("tests/testing/CMakeLists.txt", "kexlib_add_tests(testing watchdog other)\n")
+        self.assertEqual(self.problems_about("testing"), ["tests/testing/other_test.cpp: there is no source that it is for"])
 
 
 if __name__ == "__main__":

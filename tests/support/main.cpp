@@ -1,44 +1,25 @@
 // The main function of every test program: no box waits for a person, and a watchdog ends a test that hangs.
 #include <gtest/gtest.h>
 
-#include <windows.h>
+#include <kexlib/testing/watchdog.h>
 
 #include <support/crash_report.h>
 
 #include <chrono>
-#include <cstdio>
-#include <thread>
+#include <optional>
+#include <string>
 
 namespace {
 
-constexpr std::chrono::seconds longest_test{100};
-constexpr unsigned watchdog_exit_code = 99;
-
-class Watchdog : public testing::EmptyTestEventListener {
+class WatchdogOfEachTest : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo& test) override {
-    name_ = std::string(test.test_suite_name()) + "." + test.name();
-    ended_ = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    const HANDLE waits = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    thread_ = std::thread([this, waits] {
-      SetEvent(waits);
-      if (WaitForSingleObject(ended_, std::chrono::milliseconds(longest_test).count()) == WAIT_OBJECT_0) return;
-      std::fprintf(stderr, "watchdog: %s does not end\n", name_.c_str());
-      TerminateProcess(GetCurrentProcess(), watchdog_exit_code);
-    });
-    // A thread that is still being made uses the heap, which Wine cannot walk meanwhile: it never comes to an end.
-    WaitForSingleObject(waits, INFINITE);
-    CloseHandle(waits);
+    using kexlib::testing::Watchdog;
+    watchdog_.emplace(std::string(test.test_suite_name()) + "." + test.name(), std::chrono::seconds(100),
+                      Watchdog::End::at_once);
   }
+  void OnTestEnd(const testing::TestInfo&) override { watchdog_.reset(); }
 
-  void OnTestEnd(const testing::TestInfo&) override {
-    SetEvent(ended_);
-    thread_.join();
-    CloseHandle(ended_);
-  }
-
-  std::string name_;
-  HANDLE ended_ = nullptr;
-  std::thread thread_;
+  std::optional<kexlib::testing::Watchdog> watchdog_;
 };
 
 }  // namespace
@@ -47,6 +28,6 @@ int main(int argc, char** argv) {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
   report_crashes();
   testing::InitGoogleTest(&argc, argv);
-  testing::UnitTest::GetInstance()->listeners().Append(new Watchdog);
+  testing::UnitTest::GetInstance()->listeners().Append(new WatchdogOfEachTest);
   return RUN_ALL_TESTS();
 }
