@@ -44,7 +44,7 @@ TEST(Guid, IsAssignedWhenItIsFirstRead) {
   const std::string text = text_of(id);
   EXPECT_FALSE(id.is_null());
   EXPECT_EQ(text_of(id), text);
-  EXPECT_TRUE(IsEqualGUID(id.get_GUID(), kexGUID(CString(text.c_str())).get_GUID()));
+  EXPECT_TRUE(id.get_GUID() == kexGUID(CString(text.c_str())).get_GUID());
 }
 
 TEST(Guid, IsAssignedByEveryWayOfReadingIt) {
