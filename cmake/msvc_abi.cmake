@@ -10,6 +10,7 @@ set(CMAKE_CXX_COMPILER ${msvc_abi_tools}/bin/clang-cl)
 set(CMAKE_LINKER ${llvm}/bin/lld-link)
 set(CMAKE_AR ${llvm}/bin/llvm-lib)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres) # llvm-rc knows no code_page(65001)
+set(CMAKE_RC_FLAGS_INIT --output-format=res) # the linker merges any number of those, but takes one such object only
 set(CMAKE_MT ${llvm}/bin/llvm-mt)
 
 # The order matters: each folder's headers include the next one's. libc++ must stand before the compiler's own headers.
