@@ -149,8 +149,8 @@ TEST(Guid, KeepsWhatTheSystemLeavesOfTextThatIsNoGuid) {
     narrow.set_str(text);
     std::wstring widened(text, text + std::strlen(text));
     wide.set_BSTR(widened.data());
-    EXPECT_TRUE(IsEqualGUID(narrow.get_GUID(), left)) << text;
-    EXPECT_TRUE(IsEqualGUID(wide.get_GUID(), left)) << text;
+    EXPECT_TRUE(narrow.get_GUID() == left) << text;
+    EXPECT_TRUE(wide.get_GUID() == left) << text;
   }
 }
 
