@@ -1,3 +1,4 @@
+#include <support/c_library.h>
 #include <support/memory_shortage.h>
 
 #include <atomic>
@@ -15,6 +16,9 @@ void* __cdecl allocate(size_t size) {
 }  // namespace
 
 MemoryShortage::MemoryShortage(DWORD thread, int successes)
-    : override_((starving = thread, left = successes, "libstdc++-6.dll"), "msvcrt.dll", "malloc", allocate) {}
+    : library_((starving = thread, left = successes, c_library::allocator_of("kexlib.dll")), c_library::dll, "malloc",
+               &allocate),
+      framework_(c_library::allocator_of("kexframework.dll"), c_library::dll, "malloc", &allocate),
+      program_(c_library::allocator_of(nullptr), c_library::dll, "malloc", &allocate) {}
 
 bool MemoryShortage::has_begun() { return left < 0; }
