@@ -193,7 +193,7 @@ TEST(ThreadInChildProcess, AnExceptionThatLeavesTheFunctionEndsTheProgram) {
         AfxBeginThread(&fail, nullptr);
         Sleep(10000);
       },
-      testing::ExitedWithCode(3), c_library::said_by_terminate);
+      testing::ExitedWithCode(c_library::status_of_an_uncaught_exception), c_library::said_of_an_uncaught_exception);
 }
 
 }  // namespace

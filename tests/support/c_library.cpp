@@ -1,9 +1,12 @@
+#include <mbstring.h>
+
 #include <support/c_library.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cwctype>
 #include <iterator>
 #include <string>
 
@@ -39,6 +42,17 @@ bool c_library::ignores_negative_precisions() {
 bool c_library::prints_characters_as_numbers() {
   static const bool holds =
       known(printed("%hhd", 300) == "44", "printf does not know %hhd; the text of an int is expected");
+  return holds;
+}
+
+bool c_library::finds_nothing_at_the_end() {
+  const unsigned char text[] = "";
+  static const bool holds = known(_mbsstr(text, text) == text, "_mbsstr finds no empty text at the end of a text");
+  return holds;
+}
+
+bool c_library::knows_wide_blanks() {
+  static const bool holds = known(std::iswspace(0x3000) != 0, "iswspace does not know the ideographic space");
   return holds;
 }
 

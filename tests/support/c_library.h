@@ -38,12 +38,27 @@ inline constexpr bool noexcept_ends_what_the_system_passes = false;
 inline constexpr bool noexcept_ends_what_the_system_passes = true;
 #endif
 
+// How a program ends whose thread an exception leaves, and what it writes. By Visual C++'s rules that is a crash like
+// any other, of which tests/support/crash_report.h reports.
+#ifdef _MSC_VER
+inline constexpr int status_of_an_uncaught_exception = 98;
+inline constexpr char said_of_an_uncaught_exception[] = "crash: exception e06d7363";
+#else
+inline constexpr int status_of_an_uncaught_exception = 3;
+inline constexpr const auto& said_of_an_uncaught_exception = said_by_terminate;
+#endif
+
 // What printf does with numbers that lie exactly between two texts; C: the even one. Wine's ucrtbase: away from zero.
 bool rounds_ties_to_even();
 // Whether a negative precision that is an argument is none, as in C. Wine's ucrtbase counts backwards with it.
 bool ignores_negative_precisions();
 // Whether printf knows "%hhd". Wine's ucrtbase prints the int.
 bool prints_characters_as_numbers();
+
+// Whether strstr finds the empty text at the end of a text. Wine's ucrtbase does not.
+bool finds_nothing_at_the_end();
+// Whether iswspace knows the ideographic space. Wine's ucrtbase does not.
+bool knows_wide_blanks();
 
 // Whether printf rounds this value wrongly to so many digits after the point: a tie, and the even text is nearer to
 // zero.

@@ -33,7 +33,7 @@ TEST(FixedText, IsWhatPrintfPrints) {
     if (i % 2) value = static_cast<double>(static_cast<std::int64_t>(random) >> 30) / 1024.0;  // many ties
     if (!std::isfinite(value)) continue;
     const int digits = i % 103 - 1;
-    if (c_library::rounds_away(value, digits)) continue;
+    if (c_library::rounds_away(value, digits < 0 ? 6 : digits)) continue;
     ASSERT_EQ(fixed_text(value, digits).GetString(), printed(value, digits)) << digits;
   }
 }

@@ -2,15 +2,18 @@
 #include <support/memory_shortage.h>
 
 #include <atomic>
-#include <cstdlib>
 
 namespace {
 
 std::atomic<DWORD> starving;
 std::atomic<int> left;
 
+// The DLL's own: std::malloc is what is replaced in the program.
+const auto real_malloc = reinterpret_cast<void*(__cdecl*)(size_t)>(
+    reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA(c_library::dll), "malloc")));
+
 void* __cdecl allocate(size_t size) {
-  return GetCurrentThreadId() == starving && left-- <= 0 ? nullptr : std::malloc(size);
+  return GetCurrentThreadId() == starving && left-- <= 0 ? nullptr : real_malloc(size);
 }
 
 }  // namespace
