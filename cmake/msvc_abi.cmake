@@ -23,6 +23,8 @@ foreach(folder ${CMAKE_CURRENT_LIST_DIR}/msvc_abi/include_cxx ${msvc_abi_tools}/
 endforeach()
 # Wine's headers: the universal run-time library, and wchar_t as the type of wide text. libc++: the static library.
 string(APPEND flags " -D_UCRT -DWINE_UNICODE_NATIVE -D_HAS_EXCEPTIONS=1 -D_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS")
+# Those of Windows choose the newest version by themselves.
+string(APPEND flags " -D_WIN32_WINNT=0x0A00 -DWINVER=0x0A00")
 string(APPEND flags " /GS-") # the mingw-w64 build has no check of the stack either
 set(CMAKE_C_FLAGS_INIT "${flags}")
 set(CMAKE_CXX_FLAGS_INIT "${flags}")

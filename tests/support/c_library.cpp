@@ -1,11 +1,10 @@
-#include <mbstring.h>
-
 #include <support/c_library.h>
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <cwctype>
 #include <iterator>
 #include <string>
@@ -46,8 +45,9 @@ bool c_library::prints_characters_as_numbers() {
 }
 
 bool c_library::finds_nothing_at_the_end() {
-  const unsigned char text[] = "";
-  static const bool holds = known(_mbsstr(text, text) == text, "_mbsstr finds no empty text at the end of a text");
+  const char* const volatile text = "";  // the compiler has its own answer
+  static const bool holds =
+      known(std::strstr(text, text) != nullptr, "strstr finds no empty text at the end of a text");
   return holds;
 }
 
