@@ -10,6 +10,7 @@ set(CMAKE_CXX_COMPILER ${msvc_abi_tools}/bin/clang-cl)
 set(CMAKE_LINKER ${llvm}/bin/lld-link)
 set(CMAKE_AR ${llvm}/bin/llvm-lib)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres) # llvm-rc knows no code_page(65001)
+set(CMAKE_RC_FLAGS_INIT --output-format=res) # the linker merges any number of those, but takes one such object only
 set(CMAKE_MT ${llvm}/bin/llvm-mt)
 
 # The order matters: each folder's headers include the next one's. libc++ must stand before the compiler's own headers.
@@ -22,6 +23,8 @@ foreach(folder ${CMAKE_CURRENT_LIST_DIR}/msvc_abi/include_cxx ${msvc_abi_tools}/
 endforeach()
 # Wine's headers: the universal run-time library, and wchar_t as the type of wide text. libc++: the static library.
 string(APPEND flags " -D_UCRT -DWINE_UNICODE_NATIVE -D_HAS_EXCEPTIONS=1 -D_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS")
+# Those of Windows choose the newest version by themselves.
+string(APPEND flags " -D_WIN32_WINNT=0x0A00 -DWINVER=0x0A00")
 string(APPEND flags " /GS-") # the mingw-w64 build has no check of the stack either
 set(CMAKE_C_FLAGS_INIT "${flags}")
 set(CMAKE_CXX_FLAGS_INIT "${flags}")

@@ -21,7 +21,7 @@ USES = {
     "com/registration_free": {"com/guid", "text/apply_to_files"},
     "imaging/png_thread": {"imaging/buffer"},
     "imaging/image_list": {"imaging/dib"},
-    "controls/bitmap_button": {"imaging/dib"},
+    "controls/bitmap_button": {"imaging/dib", "controls/button_menu"},
     "controls/numeric_edit_box": {"controls/numeric_formatting"},
     "testing/fault_observer": {"testing/code_place"},
     "testing/resource_balance": {"testing/counting_object"},

@@ -44,7 +44,7 @@ TEST(Guid, IsAssignedWhenItIsFirstRead) {
   const std::string text = text_of(id);
   EXPECT_FALSE(id.is_null());
   EXPECT_EQ(text_of(id), text);
-  EXPECT_TRUE(IsEqualGUID(id.get_GUID(), kexGUID(CString(text.c_str())).get_GUID()));
+  EXPECT_TRUE(id.get_GUID() == kexGUID(CString(text.c_str())).get_GUID());
 }
 
 TEST(Guid, IsAssignedByEveryWayOfReadingIt) {
@@ -149,8 +149,8 @@ TEST(Guid, KeepsWhatTheSystemLeavesOfTextThatIsNoGuid) {
     narrow.set_str(text);
     std::wstring widened(text, text + std::strlen(text));
     wide.set_BSTR(widened.data());
-    EXPECT_TRUE(IsEqualGUID(narrow.get_GUID(), left)) << text;
-    EXPECT_TRUE(IsEqualGUID(wide.get_GUID(), left)) << text;
+    EXPECT_TRUE(narrow.get_GUID() == left) << text;
+    EXPECT_TRUE(wide.get_GUID() == left) << text;
   }
 }
 

@@ -5,6 +5,7 @@
 #include <afxwin.h>
 #include <process.h>
 
+#include <support/c_library.h>
 #include <support/expect_flat.h>
 #include <support/import_override.h>
 #include <support/message_pump.h>
@@ -304,7 +305,7 @@ uintptr_t __cdecl count_thread(void* security, unsigned stack, unsigned(__stdcal
 }
 
 TEST(ProblemAlert, StartsOneThreadOnly) {
-  const ImportOverride counted("kexframework.dll", "msvcrt.dll", "_beginthreadex", &count_thread);
+  const ImportOverride counted("kexframework.dll", c_library::dll, "_beginthreadex", &count_thread);
   ASSERT_TRUE(counted.made());
   threads_begun = 0;
   CProblemAlert alert;
@@ -319,7 +320,7 @@ uintptr_t __cdecl refuse_thread(void*, unsigned, unsigned(__stdcall*)(void*), vo
 TEST(ProblemAlert, HasNoThreadWhereNoneCanBeStarted) {
   CProblemAlert alert(0);
   {
-    const ImportOverride refusal("kexframework.dll", "msvcrt.dll", "_beginthreadex", &refuse_thread);
+    const ImportOverride refusal("kexframework.dll", c_library::dll, "_beginthreadex", &refuse_thread);
     ASSERT_TRUE(refusal.made());
     EXPECT_EQ(alert.StartThread(), 0);
     alert.RaiseProblemMessage();
@@ -334,7 +335,8 @@ void* no_memory_for_threads(std::size_t bytes) { return bytes == sizeof(CWinThre
 TEST(ProblemAlert, HasNoThreadWhereThereIsNoMemoryForOne) {
   CProblemAlert alert(0);
   {
-    const ImportOverride refusal("libstdc++-6.dll", "msvcrt.dll", "malloc", &no_memory_for_threads);
+    const ImportOverride refusal(c_library::allocator_of("kexframework.dll"), c_library::dll, "malloc",
+                                 &no_memory_for_threads);
     ASSERT_TRUE(refusal.made());
     EXPECT_EQ(alert.StartThread(), 0);
     alert.EndThread();
@@ -347,11 +349,16 @@ CWinThread* throw_for_lack_of_memory(AFX_THREADPROC, LPVOID, int, UINT, DWORD, L
   AfxThrowMemoryException();
 }
 
+#ifdef _MSC_VER
+constexpr char mangled_begin_thread[] = "?AfxBeginThread@@YAPEAVCWinThread@@P6AIPEAX@Z0HIKPEAU_SECURITY_ATTRIBUTES@@@Z";
+#else
+constexpr char mangled_begin_thread[] = "_Z14AfxBeginThreadPFjPvES_ijmP20_SECURITY_ATTRIBUTES";
+#endif
+
 TEST(ProblemAlert, HasNoThreadWhereTheFrameworkThrowsForLackOfMemory) {
   CProblemAlert alert(0);
   {
-    const ImportOverride refusal("kexlib.dll", "kexframework.dll",
-                                 "_Z14AfxBeginThreadPFjPvES_ijmP20_SECURITY_ATTRIBUTES", &throw_for_lack_of_memory);
+    const ImportOverride refusal("kexlib.dll", "kexframework.dll", mangled_begin_thread, &throw_for_lack_of_memory);
     ASSERT_TRUE(refusal.made());
     EXPECT_EQ(alert.StartThread(), 0);
   }

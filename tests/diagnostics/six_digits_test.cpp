@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <diagnostics/six_digits.h>
+#include <support/c_library.h>
 
 #include <bit>
 #include <cmath>
@@ -24,7 +25,7 @@ class StreamText {
   StreamText() { stream_.imbue(std::locale::classic()); }
   std::string operator()(double value) {
     stream_.str({});
-    stream_ << value;
+    stream_ << c_library::rightly_printed(value);
     return stream_.str();
   }
 

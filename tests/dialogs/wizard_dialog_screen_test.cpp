@@ -9,6 +9,7 @@
 #include <dialogs/dialog_driver.h>
 #include <dialogs/resources.h>
 #include <dialogs/wizard_dialog_fixture.h>
+#include <support/c_library.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
 #include <support/user_input.h>
@@ -316,7 +317,7 @@ TEST(WizardInChildProcess, AnExceptionThatLeavesItsInitializationEndsTheProgram)
         wizard.initialized = [] { throw 1; };
         wizard.DoModal(nullptr);
       },
-      testing::ExitedWithCode(3), "terminate called");
+      testing::ExitedWithCode(3), c_library::said_by_terminate);
 }
 
 TEST_F(WizardOnScreen, ShowsItsIcon) {

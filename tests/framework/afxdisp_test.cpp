@@ -122,8 +122,8 @@ TEST_F(Dispatch, SettingAPropertySendsItsOneValueByName) {
 TEST_F(Dispatch, EachPropertyTypeIsSetAsItself) {
   CY size{};
   size.int64 = 82500;
-  short small = -7;
-  driver_.SetProperty(1, VT_I2, small);
+  short number = -7;
+  driver_.SetProperty(1, VT_I2, number);
   driver_.SetProperty(2, VT_I4, 0x00C0FFEEUL);
   driver_.SetProperty(3, VT_R8, -0.25);
   driver_.SetProperty(4, VT_CY, &size);
@@ -149,10 +149,10 @@ TEST_F(Dispatch, AnObjectIsSetByReference) {
 }
 
 TEST_F(Dispatch, APropertyIsReadIntoWhatItsTypeSays) {
-  short small = 0;
+  short number = 0;
   object_->answer = CComVariant(short{-3});
-  driver_.GetProperty(14, VT_I2, &small);
-  EXPECT_EQ(small, -3);
+  driver_.GetProperty(14, VT_I2, &number);
+  EXPECT_EQ(number, -3);
   EXPECT_EQ(only_call().id, 14);
   EXPECT_EQ(only_call().flags, DISPATCH_PROPERTYGET);
   EXPECT_TRUE(only_call().arguments.empty());
@@ -220,27 +220,27 @@ TEST_F(Dispatch, AResultOfAnotherTypeIsConverted) {
   driver_.GetProperty(10, VT_BSTR, &text);
   EXPECT_STREQ(text, "-5");
 
-  short small = 1;
+  short number = 1;
   object_->answer.Clear();  // the object returns no result
-  driver_.GetProperty(6, VT_I2, &small);
-  EXPECT_EQ(small, 0);
+  driver_.GetProperty(6, VT_I2, &number);
+  EXPECT_EQ(number, 0);
 }
 
 TEST_F(Dispatch, AResultThatCannotBeConvertedIsAnOleException) {
-  short small = 77;
+  short number = 77;
   object_->answer = CComVariant(L"no number");
-  EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &small); }), DISP_E_TYPEMISMATCH);
+  EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &number); }), DISP_E_TYPEMISMATCH);
   object_->answer = CComVariant(long{70000});
-  EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &small); }), DISP_E_OVERFLOW);
-  EXPECT_EQ(small, 77);
+  EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &number); }), DISP_E_OVERFLOW);
+  EXPECT_EQ(number, 77);
 }
 
 TEST_F(Dispatch, AFailingCallIsAnOleExceptionWithItsCode) {
   for (HRESULT code : {DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, E_FAIL, E_OUTOFMEMORY}) {
     object_->returned = code;
-    short small = 77;
-    EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &small); }), code);
-    EXPECT_EQ(small, 77);
+    short number = 77;
+    EXPECT_EQ(thrown_by([&] { driver_.GetProperty(6, VT_I2, &number); }), code);
+    EXPECT_EQ(number, 77);
   }
 }
 
@@ -363,14 +363,14 @@ TEST(DispatchDriver, WithoutAnObjectCallsNothingAndGivesNothing) {
   COleDispatchDriver driver;
   EXPECT_EQ(driver.m_lpDispatch, nullptr);
   EXPECT_TRUE(driver.m_bAutoRelease);
-  short small = 5;
+  short number = 5;
   CString text("before");
   IDispatch* object = reinterpret_cast<IDispatch*>(&driver);
-  driver.GetProperty(1, VT_I2, &small);
+  driver.GetProperty(1, VT_I2, &number);
   driver.GetProperty(1, VT_BSTR, &text);
   driver.GetProperty(1, VT_DISPATCH, &object);
   driver.SetProperty(1, VT_BSTR, "x");
-  EXPECT_EQ(small, 0);
+  EXPECT_EQ(number, 0);
   EXPECT_STREQ(text, "");
   EXPECT_EQ(object, nullptr);
 }

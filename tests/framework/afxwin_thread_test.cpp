@@ -4,6 +4,7 @@
 #include <afxmt.h>
 #include <afxwin.h>
 
+#include <support/c_library.h>
 #include <support/expect_flat.h>
 #include <support/import_override.h>
 
@@ -148,7 +149,8 @@ TEST(Thread, WhereTheSystemRefusesThereIsNone) {
 void* no_memory_for_threads(std::size_t bytes) { return bytes == sizeof(CWinThread) ? nullptr : std::malloc(bytes); }
 
 TEST(Thread, WhereThereIsNoMemoryThereIsNone) {
-  const ImportOverride refusal("libstdc++-6.dll", "msvcrt.dll", "malloc", &no_memory_for_threads);
+  const ImportOverride refusal(c_library::allocator_of("kexframework.dll"), c_library::dll, "malloc",
+                               &no_memory_for_threads);
   ASSERT_TRUE(refusal.made());
   Seen seen;
   EXPECT_EQ(AfxBeginThread(&look, &seen), nullptr);
@@ -191,7 +193,7 @@ TEST(ThreadInChildProcess, AnExceptionThatLeavesTheFunctionEndsTheProgram) {
         AfxBeginThread(&fail, nullptr);
         Sleep(10000);
       },
-      testing::ExitedWithCode(3), "terminate called");
+      testing::ExitedWithCode(c_library::status_of_an_uncaught_exception), c_library::said_of_an_uncaught_exception);
 }
 
 }  // namespace

@@ -70,9 +70,9 @@ TEST_F(Controls, Edit) {
   EXPECT_EQ(edit.GetLine(0, line, sizeof line), 11);
   EXPECT_STREQ(line, "hello world");
 
-  char small[8] = "???????";
-  EXPECT_EQ(edit.GetLine(0, small, 5), 5);
-  EXPECT_EQ(std::string(small, 6), "hello?") << "no terminator, and nothing beyond the room";
+  char little[8] = "???????";
+  EXPECT_EQ(edit.GetLine(0, little, 5), 5);
+  EXPECT_EQ(std::string(little, 6), "hello?") << "no terminator, and nothing beyond the room";
 }
 
 TEST_F(Controls, StaticShowsABitmapAndGivesTheOneOfBeforeBack) {

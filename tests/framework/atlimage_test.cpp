@@ -4,6 +4,7 @@
 #include <atlimage.h>
 #include <gdiplus.h>
 
+#include <support/encoded_image.h>
 #include <support/expect_flat.h>
 #include <support/files.h>
 #include <support/import_override.h>
@@ -146,20 +147,8 @@ TEST_F(Image, TheFormatIsReadFromTheFileNotFromItsName) {
 }
 
 TEST_F(Image, JpegAndBitmapFilesAreRead) {
-  // {557cf400-1a04-11d3-9a73-0000f81ef32e} and the next one: the encoders of GDI+.
-  CLSID encoder = {0x557cf400, 0x1a04, 0x11d3, {0x9a, 0x73, 0, 0, 0xf8, 0x1e, 0xf3, 0x2e}};
-  ULONG_PTR token;
-  Gdiplus::GdiplusStartupInput input;
-  ASSERT_EQ(Gdiplus::GdiplusStartup(&token, &input, nullptr), Gdiplus::Ok);
-  {
-    Gdiplus::Bitmap grey(16, 8, PixelFormat24bppRGB);
-    for (INT y = 0; y < 8; ++y)
-      for (INT x = 0; x < 16; ++x) grey.SetPixel(x, y, Gdiplus::Color(128, 128, 128));
-    ASSERT_EQ(grey.Save(L"picture.bmp", &encoder, nullptr), Gdiplus::Ok);
-    ++encoder.Data1;
-    ASSERT_EQ(grey.Save(L"picture.jpg", &encoder, nullptr), Gdiplus::Ok);
-  }
-  Gdiplus::GdiplusShutdown(token);
+  ASSERT_TRUE(save_grey_image("picture.bmp", ImageFormat::Bmp, 16, 8));
+  ASSERT_TRUE(save_grey_image("picture.jpg", ImageFormat::Jpeg, 16, 8));
 
   for (const char* name : {"picture.bmp", "picture.jpg"}) {
     CImage image;

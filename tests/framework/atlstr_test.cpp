@@ -6,6 +6,7 @@
 #include <mbctype.h>
 
 #include <framework/resources.h>
+#include <support/c_library.h>
 #include <support/expect_flat.h>
 
 #include <cmath>
@@ -232,7 +233,7 @@ TEST(String, FindsTextsAndCharactersFromAPlaceOn) {
   EXPECT_EQ(text.Find("x"), -1);
   EXPECT_EQ(text.Find("a", 7), -1);
   EXPECT_EQ(text.Find("a", -1), -1);
-  EXPECT_EQ(text.Find("", 6), 6);
+  EXPECT_EQ(text.Find("", 6), c_library::finds_nothing_at_the_end() ? 6 : -1);
   EXPECT_EQ(text.Find("", -1), -1);
   EXPECT_EQ(text.Find(static_cast<const char*>(nullptr)), -1);
 }
@@ -269,7 +270,10 @@ TEST(String, IsTrimmedOfWhiteSpaceAtBothEnds) {
   EXPECT_EQ(text.Trim().GetString(), copy.GetString()) << "nothing to trim: the buffer stays shared";
   EXPECT_STREQ(CStringA(" \n ").Trim(), "");
   EXPECT_STREQ(CStringA().Trim(), "");
-  EXPECT_STREQ(CStringW(L"\x3000\u00e9 ").Trim(), L"\u00e9");
+  EXPECT_STREQ(CStringW(L"\u00e9 ").Trim(), L"\u00e9");
+  if (c_library::knows_wide_blanks()) {
+    EXPECT_STREQ(CStringW(L"\x3000\u00e9 ").Trim(), L"\u00e9");
+  }
 }
 
 TEST(String, ReplacesEveryOccurrenceAndCountsThem) {
@@ -323,7 +327,7 @@ TEST(String, FormatsExactDigitsWithTiesToEvenAndNamesInfinity) {
   // The exact binary value is printed. The run-time library of old compilers differs (rounding, 1.#INF).
   CStringA text;
   text.Format("%.2f %.0f %.0f", 0.125, 2.5, 3.5);
-  EXPECT_STREQ(text, "0.12 2 4");
+  EXPECT_STREQ(text, c_library::rounds_ties_to_even() ? "0.12 2 4" : "0.13 3 4");
   text.Format("%f %f", HUGE_VAL, std::numeric_limits<double>::quiet_NaN());
   EXPECT_STREQ(text, "inf nan");
 }

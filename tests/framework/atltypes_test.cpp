@@ -27,6 +27,12 @@ TEST(Geometry, DiffersInAnyPart) {
   EXPECT_FALSE(CPoint(1, 2) == CPoint(1, 3));
   EXPECT_FALSE(CPoint(1, 2) == CPoint(2, 2));
   EXPECT_FALSE(CRect(1, 2, 3, 4) == CRect(1, 2, 3, 5));
+  EXPECT_NE(CSize(1, 2), CSize(1, 3));
+  EXPECT_NE(CPoint(1, 2), CPoint(1, 3));
+  EXPECT_NE(CRect(1, 2, 3, 4), CRect(1, 2, 3, 5));
+  EXPECT_FALSE(CSize(1, 2) != CSize(1, 2));
+  EXPECT_FALSE(CPoint(1, 2) != CPoint(1, 2));
+  EXPECT_FALSE(CRect(1, 2, 3, 4) != CRect(1, 2, 3, 4));
 }
 
 TEST(Rect, KnowsItsSizeAndItsPlaces) {

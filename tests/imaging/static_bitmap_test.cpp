@@ -5,10 +5,9 @@
 #include <kexlib/imaging/static_bitmap.h>
 
 #include <afxwin.h>
-#include <objidl.h>
-#include <gdiplus.h>
 
 #include <imaging/resources.h>
+#include <support/encoded_image.h>
 #include <support/files.h>
 #include <support/message_pump.h>
 #include <support/picture.h>
@@ -40,26 +39,6 @@ bool is_alive(HBITMAP bitmap) {
   if (old) SelectObject(memory, old);
   DeleteDC(memory);
   return old != nullptr;
-}
-
-const CLSID bmp_encoder = {0x557cf400, 0x1a04, 0x11d3, {0x9a, 0x73, 0, 0, 0xf8, 0x1e, 0xf3, 0x2e}};
-
-// A file of one colour; the encoders of GDI+ are numbered: bmp 0, jpg 1, tif 5, png 6.
-bool save_image(const wchar_t* path, unsigned encoder, int width, int height, Gdiplus::PixelFormat format) {
-  ULONG_PTR token;
-  Gdiplus::GdiplusStartupInput input;
-  if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return false;
-  bool saved;
-  {
-    Gdiplus::Bitmap image(width, height, format);
-    for (int y = 0; y < height; ++y)
-      for (int x = 0; x < width; ++x) image.SetPixel(x, y, Gdiplus::Color(255, 128, 128, 128));
-    CLSID id = bmp_encoder;
-    id.Data1 += encoder;
-    saved = image.Save(path, &id, nullptr) == Gdiplus::Ok;
-  }
-  Gdiplus::GdiplusShutdown(token);
-  return saved;
 }
 
 class StaticBitmapControl : public testing::Test {
@@ -231,19 +210,19 @@ TEST_F(StaticBitmapControl, MissingResourcesShowNothing) {
 TEST_F(StaticBitmapControl, FilesOfEveryFormatAreShown) {
   constexpr struct {
     const char* name;
-    unsigned encoder;
-  } formats[] = {{"a.bmp", 0}, {"a.jpg", 1}, {"a.tif", 5}, {"a.png", 6}};
+    ImageFormat format;
+  } files[] = {{"a.bmp", ImageFormat::Bmp},
+               {"a.jpg", ImageFormat::Jpeg},
+               {"a.tif", ImageFormat::Tiff},
+               {"a.png", ImageFormat::Png}};
   StaticBitmap control;
   attach(&control);
   int width = 3;
-  for (const auto& format : formats) {
-    const std::string name = format.name;
-    ASSERT_TRUE(
-        save_image(std::wstring(name.begin(), name.end()).c_str(), format.encoder, ++width, 2, PixelFormat24bppRGB))
-        << name;
-    control.set_bitmap_from_file(format.name);
-    EXPECT_EQ(shown_size().cx, width) << name;
-    EXPECT_EQ(shown_size().cy, 2) << name;
+  for (const auto& file : files) {
+    ASSERT_TRUE(save_grey_image(file.name, file.format, ++width, 2)) << file.name;
+    control.set_bitmap_from_file(file.name);
+    EXPECT_EQ(shown_size().cx, width) << file.name;
+    EXPECT_EQ(shown_size().cy, 2) << file.name;
   }
 
   write_file("a.gif", std::string("GIF89a\2\0\1\0\x80\0\0\xff\0\0\0\0\xff,\0\0\0\0\2\0\1\0\0\2\2D\n\0;", 35));
@@ -253,7 +232,7 @@ TEST_F(StaticBitmapControl, FilesOfEveryFormatAreShown) {
 }
 
 TEST_F(StaticBitmapControl, AnOpaqueFileIsDrawnInItsColor) {
-  ASSERT_TRUE(save_image(L"grey.png", 6, 20, 20, PixelFormat24bppRGB));
+  ASSERT_TRUE(save_grey_image("grey.png", ImageFormat::Png, 20, 20));
   StaticBitmap control;
   attach(&control);
   control.set_bitmap_from_file("grey.png");
@@ -262,7 +241,7 @@ TEST_F(StaticBitmapControl, AnOpaqueFileIsDrawnInItsColor) {
 }
 
 TEST_F(StaticBitmapControl, AFileWithAlphaIsCopiedByTheControlAndTheOriginalIsGone) {
-  ASSERT_TRUE(save_image(L"alpha.png", 6, 3, 2, PixelFormat32bppARGB));
+  ASSERT_TRUE(save_grey_image("alpha.png", ImageFormat::Png, 3, 2, true));
   StaticBitmap control;
   attach(&control);
   control.set_bitmap_from_file("alpha.png");  // the first paint creates objects that are kept
@@ -276,7 +255,7 @@ TEST_F(StaticBitmapControl, AFileWithAlphaIsCopiedByTheControlAndTheOriginalIsGo
 TEST_F(StaticBitmapControl, FilesThatAreNoImagesShowNothing) {
   write_file("empty.png", "");
   write_file("text.png", "no image at all");
-  ASSERT_TRUE(save_image(L"whole.png", 6, 30, 20, PixelFormat24bppRGB));
+  ASSERT_TRUE(save_grey_image("whole.png", ImageFormat::Png, 30, 20));
   write_file("cut.png", read_file("whole.png").substr(0, 20));
   StaticBitmap control;
   attach(&control);
@@ -288,8 +267,8 @@ TEST_F(StaticBitmapControl, FilesThatAreNoImagesShowNothing) {
 }
 
 TEST_F(StaticBitmapControl, AHundredRoundsLeaveNothingBehind) {
-  ASSERT_TRUE(save_image(L"alpha.png", 6, 3, 2, PixelFormat32bppARGB));
-  ASSERT_TRUE(save_image(L"plain.png", 6, 3, 2, PixelFormat24bppRGB));
+  ASSERT_TRUE(save_grey_image("alpha.png", ImageFormat::Png, 3, 2, true));
+  ASSERT_TRUE(save_grey_image("plain.png", ImageFormat::Png, 3, 2));
   HBITMAP mine = make_alpha();
   const auto round = [&] {
     StaticBitmap control;

@@ -4,6 +4,7 @@
 #include <afxmt.h>
 
 #include <messageloop/thread_message_hook_fixture.h>
+#include <support/c_library.h>
 #include <support/import_override.h>
 #include <support/message_pump.h>
 
@@ -125,7 +126,7 @@ TEST(ThreadMessageHookInChildProcess, AnExceptionThatLeavesTheHandlerEndsTheProg
         post_to_this_thread(listed);
         pump_waiting();
       },
-      testing::ExitedWithCode(3), "terminate called");
+      testing::ExitedWithCode(3), c_library::said_by_terminate);
 }
 
 // ---- removal on another thread -------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <messageloop/windowless_timer_fixture.h>
+#include <support/c_library.h>
 #include <support/expect_flat.h>
 #include <support/message_pump.h>
 
@@ -172,7 +173,7 @@ TEST(WindowlessTimerInChildProcess, AnExceptionThatLeavesATickEndsTheProgram) {
         timer->SetEnabled(1);
         pump_ticks(*timer, 1);
       },
-      testing::ExitedWithCode(3), "terminate called");
+      testing::ExitedWithCode(3), c_library::said_by_terminate);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Numbers with a fixed number of decimal places, as printf formats them.
 #include <gtest/gtest.h>
 
+#include <support/c_library.h>
 #include <support/fixed_text.h>
 
 #include <climits>
@@ -18,6 +19,7 @@ using kexlib::fixed_text;
 
 std::string printed(double value, int digits) {
   CStringA text;
+  if (digits < 0 && !c_library::ignores_negative_precisions()) digits = 6;
   text.Format("%.*f", digits, value);
   return text.GetString();
 }
@@ -31,6 +33,7 @@ TEST(FixedText, IsWhatPrintfPrints) {
     if (i % 2) value = static_cast<double>(static_cast<std::int64_t>(random) >> 30) / 1024.0;  // many ties
     if (!std::isfinite(value)) continue;
     const int digits = i % 103 - 1;
+    if (c_library::rounds_away(value, digits < 0 ? 6 : digits)) continue;
     ASSERT_EQ(fixed_text(value, digits).GetString(), printed(value, digits)) << digits;
   }
 }

@@ -6,20 +6,21 @@
 
 #include <support/import_override.h>
 
-// One at a time. operator new belongs to the C++ run-time library, which all modules of a test share; what the system
-// and the C run-time library allocate does not fail.
+// One at a time. operator new is that of kexlib.dll, kexframework.dll and the program; what the system and the C
+// run-time library allocate does not fail.
 class MemoryShortage {
  public:
   // The thread's next `successes` calls of operator new succeed.
   MemoryShortage(DWORD thread, int successes);
 
-  // False where the run-time library is no DLL.
-  bool made() const { return override_.made(); }
+  // False where operator new calls no malloc of a DLL.
+  bool made() const { return library_.made() && framework_.made() && program_.made(); }
   // Whether a call has failed.
   static bool has_begun();
 
  private:
-  ImportOverride override_;
+  // Where one module allocates for all, the second and third replace the first, and put it back.
+  ImportOverride library_, framework_, program_;
 };
 
 #endif

@@ -1,6 +1,7 @@
 #include <objidl.h>
 #include <gdiplus.h>
 
+#include <support/encoded_image.h>
 #include <support/files.h>
 #include <support/picture.h>
 
@@ -8,8 +9,6 @@
 #include <utility>
 
 namespace {
-
-constexpr CLSID png_encoder = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
 
 SIZE client_size(HWND window) {
   RECT client;
@@ -77,9 +76,10 @@ bool Picture::save(const std::string& name, int magnified) const {
   if (Gdiplus::GdiplusStartup(&token, &input, nullptr) != Gdiplus::Ok) return false;
   using namespace Gdiplus::DllExports;
   Gdiplus::GpBitmap* bitmap = nullptr;
+  const CLSID encoder = encoder_of(ImageFormat::Png);
   const bool saved =
       GdipCreateBitmapFromHBITMAP(large.bitmap_, nullptr, &bitmap) == Gdiplus::Ok &&
-      GdipSaveImageToFile(bitmap, (folder / (name + ".png")).wstring().c_str(), &png_encoder, nullptr) == Gdiplus::Ok;
+      GdipSaveImageToFile(bitmap, (folder / (name + ".png")).wstring().c_str(), &encoder, nullptr) == Gdiplus::Ok;
   GdipDisposeImage(bitmap);
   Gdiplus::GdiplusShutdown(token);
   return saved;

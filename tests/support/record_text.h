@@ -3,6 +3,7 @@
 #define TESTS_SUPPORT_RECORD_TEXT_H
 
 #include <diagnostics/profile_writer.h>
+#include <support/c_library.h>
 
 #include <cstdint>
 #include <locale>
@@ -104,11 +105,16 @@ class SimpleRecord {
       write(stream, block->children, indent + "    ", ticks_per_second);
       stream << indent << "    time: [";
       for (const kexlib::Interval& interval : block->intervals)
-        stream << "{b: " << static_cast<double>(interval.begin) * 1000.0 / ticks_per_second
-               << ", e: " << static_cast<double>(interval.end) * 1000.0 / ticks_per_second << "},";
+        stream << "{b: " << milliseconds(interval.begin, ticks_per_second)
+               << ", e: " << milliseconds(interval.end, ticks_per_second) << "},";
       stream << "]\n" << indent << "  },\n";
     }
     stream << indent << "],\n";
+  }
+
+  // As a stream prints them rightly, by the C library.
+  static double milliseconds(std::int64_t ticks, double ticks_per_second) {
+    return c_library::rightly_printed(static_cast<double>(ticks) * 1000.0 / ticks_per_second);
   }
 
   std::vector<std::unique_ptr<Thread>> threads_;

@@ -6,6 +6,7 @@
 #include <afx.h>
 #include <commctrl.h>
 
+#include <support/c_library.h>
 #include <support/expect_flat.h>
 #include <support/import_override.h>
 
@@ -195,7 +196,7 @@ void* little_memory(std::size_t bytes) { return bytes > 3000 ? nullptr : std::ma
 
 TEST_F(ListViewCell, GivesAsMuchAsThereIsMemoryFor) {
   SetWindowSubclass(list_, &fill_endlessly, 2, 1000);
-  const ImportOverride little("kexframework.dll", "msvcrt.dll", "malloc", &little_memory);
+  const ImportOverride little("kexframework.dll", c_library::dll, "malloc", &little_memory);
   ASSERT_TRUE(little.made());
   EXPECT_EQ(text_of(0, 0), std::string(2048, 'x'));
   EXPECT_EQ(asked, (std::vector<int>{256, 512, 1024, 2048}));
@@ -213,10 +214,16 @@ void throw_counted(HRESULT) {
   throw static_cast<CException*>(new CountedException);
 }
 
+#ifdef _MSC_VER
+constexpr char mangled_throw[] = "?AtlThrowImpl@ATL@@YAXJ@Z";
+#else
+constexpr char mangled_throw[] = "_ZN3ATL12AtlThrowImplEl";
+#endif
+
 TEST_F(ListViewCell, DeletesTheExceptionForMemoryThatIsNotThere) {
   SetWindowSubclass(list_, &fill_endlessly, 2, 1000);
-  const ImportOverride little("kexframework.dll", "msvcrt.dll", "malloc", &little_memory);
-  const ImportOverride counted("kexlib.dll", "kexframework.dll", "_ZN3ATL12AtlThrowImplEl", &throw_counted);
+  const ImportOverride little("kexframework.dll", c_library::dll, "malloc", &little_memory);
+  const ImportOverride counted("kexlib.dll", "kexframework.dll", mangled_throw, &throw_counted);
   ASSERT_TRUE(little.made() && counted.made());
   CountedException::made = 0;
   EXPECT_EQ(text_of(0, 0), std::string(2048, 'x'));

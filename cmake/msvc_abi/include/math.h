@@ -5,6 +5,10 @@
 #include_next <math.h>
 #include <stdlib.h>
 
+#ifndef HUGE_VALL
+#define HUGE_VALL ((long double)HUGE_VAL)
+#endif
+
 #ifdef __cplusplus
 extern "C" {
 

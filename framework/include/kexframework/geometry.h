@@ -23,6 +23,7 @@ class CPoint : public POINT {
   CPoint(POINT point) noexcept : POINT(point) {}
 
   bool operator==(POINT other) const noexcept { return x == other.x && y == other.y; }
+  bool operator!=(POINT other) const noexcept { return !(*this == other); }
 };
 
 // A rectangle. The right and bottom edges are exclusive.
@@ -53,4 +54,5 @@ class CRect : public RECT {
   void OffsetRect(int x, int y) noexcept { ::OffsetRect(this, x, y); }
 
   bool operator==(const RECT& other) const noexcept { return ::EqualRect(this, &other); }
+  bool operator!=(const RECT& other) const noexcept { return !(*this == other); }
 };

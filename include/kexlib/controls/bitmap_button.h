@@ -26,6 +26,9 @@
 #ifndef KEXLIB_CONTROLS_BITMAP_BUTTON_H
 #define KEXLIB_CONTROLS_BITMAP_BUTTON_H
 
+// Both buttons have the same bases, and Visual C++ exports those of the button menu: without its declaration a source
+// would compile them once more.
+#include <kexlib/controls/button_menu.h>
 #include <kexlib/export.h>
 #include <kexlib/windows.h>
 #include <kexlib/wtl_geometry.h>
