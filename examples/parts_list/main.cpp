@@ -10,12 +10,13 @@
 
 #include <parts_list/main_window.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <string>
 
-int main(int count, char** arguments) try {
-  const std::string folder = std::filesystem::absolute(count > 1 ? arguments[1] : ".").string();
+int WINAPI WinMain(HINSTANCE, HINSTANCE, char*, int) try {
+  const std::string folder = std::filesystem::absolute(__argc > 1 ? __argv[1] : ".").string();
   ::OleInitialize(nullptr);
   parts_list::MainWindow window(folder);
   if (!window.Create(nullptr)) return 2;
@@ -29,6 +30,6 @@ int main(int count, char** arguments) try {
   ::OleUninitialize();
   return 0;
 } catch (const std::exception& error) {
-  std::fprintf(stderr, "parts_list: %s\n", error.what());
+  ::MessageBox(nullptr, error.what(), "Parts list", MB_ICONERROR);
   return 2;
 }
