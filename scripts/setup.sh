@@ -5,9 +5,12 @@ has_node() {
   command -v npm >/dev/null && node --eval 'process.exit(parseInt(process.versions.node) >= 18 ? 0 : 1)' 2>/dev/null
 }
 
+# The lists in packaging/ of what is installed. A command that needs more adds a list.
+package_lists=(debian-packages.txt)
+
 missing_packages() {
   local wanted installed
-  wanted=$(grep -v -e '^#' -e '^$' "$root/packaging/debian-packages.txt")
+  wanted=$(cd "$root/packaging" && grep -h -v -e '^#' -e '^$' "${package_lists[@]}")
   [ "$preset" != msvc-abi ] || wanted+=$'\n'$(packages_to install)
   wanted=$(sort <<<"$wanted")
   if has_node; then wanted=$(grep -v -x -e nodejs -e npm <<<"$wanted"); fi

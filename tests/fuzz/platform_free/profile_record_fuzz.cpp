@@ -1,0 +1,38 @@
+// A profile record and its text, against vectors that are searched from the front and a recursive writer.
+#include <fuzz/core.h>
+#include <support/record_text.h>
+
+#include <string>
+
+namespace {
+
+std::string name(fuzz::Input& input) {
+  constexpr unsigned longest = 40;
+  const unsigned kind = input.below(256);
+  if (kind < 128) return std::string(1, static_cast<char>('a' + kind % 8));  // names that come again
+  return std::string(input.text(kind % longest));
+}
+
+const fuzz::Core core("profile_record", [](fuzz::Input& input) {
+  OwnRecord record;
+  SimpleRecord simple;
+  constexpr double rates[] = {1000, 10000000, 3579545, 1, 3};
+  const double ticks_per_second = rates[input.below(std::size(rates))];
+  std::int64_t now = 0;
+  while (!input.empty()) {
+    const unsigned step = input.below(256);
+    const std::uint32_t thread = step & 0x40 ? input.number<std::uint32_t>() : 4 * (step >> 4 & 3);
+    now = step & 0x80 ? input.number<std::int64_t>() / 2 : now + step;  // half: the next steps must not overflow
+    if (step % 8 < 5) {
+      const std::string block = name(input);
+      record.thread(thread).begin(block, now);
+      simple.begin(thread, block, now);
+    } else {
+      record.thread(thread).end(now);
+      simple.end(thread, now);
+    }
+  }
+  fuzz::expect_same(written(record, ticks_per_second), simple.text(ticks_per_second));
+});
+
+}  // namespace
