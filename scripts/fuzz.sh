@@ -59,7 +59,7 @@ seeded_fuzz() {
 }
 
 viewer_fuzz() {
-  run_beside node viewer/node_modules/vite-node/vite-node.mjs viewer/tests/fuzz/main.ts "$@"
+  run_beside npm run fuzz --silent --prefix viewer -- "$@"
 }
 
 # search CORE SECONDS FINDING: an input that makes a difference is written to the file FINDING. Nothing is said but how
@@ -74,7 +74,7 @@ search() {
       sed -n 's/^stat::number_of_executed_units: \(.*\)/\1 inputs/p' "$finding.log"
       ;;
     windows) seeded_fuzz "$core" "$seconds" "$RANDOM$RANDOM" "$kept" "$finding" 2>"$finding.log" ;;
-    viewer) viewer_fuzz "$core" "$seconds" "$RANDOM$RANDOM" "$kept" "$finding" 2>"$finding.log" ;;
+    viewer) viewer_fuzz "$core" "$seconds" "$RANDOM$RANDOM" "$root/$finding" 2>"$finding.log" ;;
   esac
 }
 
@@ -93,6 +93,7 @@ fuzz() {
     else
       status=1
       grep -v -e '^INFO' -e '^stat::' "$finding.log" | tail -30
+      [ -f "$finding" ] || fail "$core cannot be fuzzed (see above)."
       echo "$core: FOUND; the input is kept. To repeat it: ./kex fuzz --repeat $core $finding"
     fi
     rm -f "$finding.log" "$finding.inputs"
