@@ -6,11 +6,15 @@
 
 namespace {
 
+// Names that come again, names of one length that differ in one character, and any others.
 std::string name(fuzz::Input& input) {
   constexpr unsigned longest = 40;
   const unsigned kind = input.below(256);
-  if (kind < 128) return std::string(1, static_cast<char>('a' + kind % 8));  // names that come again
-  return std::string(input.text(kind % longest));
+  if (kind < 64) return std::string(1, static_cast<char>('a' + kind % 8));
+  if (kind >= 192) return std::string(input.text(kind % longest));
+  std::string alike(1 + kind % 20, 'x');
+  alike[input.below(256) % alike.size()] = 'y';
+  return alike;
 }
 
 const fuzz::Core core("profile_record", [](fuzz::Input& input) {
