@@ -29,12 +29,13 @@ export function parts(data: Uint8Array): Uint8Array[] {
 }
 
 /** What later code relies on, whatever the file was. */
-export function checkRecord({ names, threads, blocks, begin, end, problems, moreProblems }: RawRecord): void {
+export function checkRecord(record: RawRecord, mostProblems = 200): void {
+  const { names, threads, blocks, begin, end, problems, moreProblems } = record;
   const expect = (holds: boolean, what: string) => {
     if (!holds) throw new Error(what);
   };
   expect(begin.length === end.length, 'columns of two lengths');
-  expect(problems.length <= 200 + 2 && moreProblems >= 0, 'too many problems');
+  expect(problems.length <= mostProblems && moreProblems >= 0, 'too many problems');
   let next = 0;
   blocks.forEach(({ name, thread, parent, depth, first, count }, index) => {
     const where = `block ${index}: `;
