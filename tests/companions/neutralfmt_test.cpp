@@ -53,6 +53,23 @@ class GermanNumbers {
   bool made_;
 };
 
+TEST(NeutralFormat, TakesNoTimeForWhatDoesNotFit) {
+  const std::string blanks(1998, ' '), zeros(1998, '0');
+  for (const int many : {30000, 2000000000, INT_MAX}) {
+    EXPECT_EQ(text("%*d", many, 5), " " + blanks);
+    EXPECT_EQ(text("%-*d", many, 5), "5" + blanks);
+    EXPECT_EQ(text("%*d", -many, 5), "5" + blanks);
+    EXPECT_EQ(text("%0*d", many, -5), "-" + zeros);
+    EXPECT_EQ(text("%.*d", many, 5), "0" + zeros);
+    EXPECT_EQ(text("%*s", many, "text"), " " + blanks);
+    EXPECT_EQ(text("%.*s", many, "text"), "text");
+    EXPECT_EQ(text("%.*e", many, 0.5), "5." + zeros.substr(1));
+    EXPECT_EQ(text("%#.*g", many, 2.0), "2." + zeros.substr(1));
+    EXPECT_EQ(text("%*.*f", many, many, 0.5), "0.5" + zeros.substr(2));
+  }
+  EXPECT_EQ(text("%*d", INT_MIN, 5), "5" + blanks);
+}
+
 TEST(NeutralFormat, PrintsAPointWhateverTheLocale) {
   const std::string hexadecimal = plain("%a", 1.5);  // run-time libraries write other numbers of zeros
   GermanNumbers locale;

@@ -111,7 +111,13 @@ class Refusals(unittest.TestCase):
         self.fake("dpkg-query", f"touch '{self.folder}/called'")
         for arguments, sentence in ((("run", "/no/such.exe"), "there is no program '/no/such.exe'"),
                                     (("mutate", "dance"), "there is no family 'dance'"),
-                                    (("check", "text", "dance"), "there is no check 'dance'")):
+                                    (("check", "text", "dance"), "there is no check 'dance'"),
+                                    (("fuzz", "six_digits"), "'fuzz' takes a number of seconds first"),
+                                    (("fuzz", "0"), "'fuzz' takes a number of seconds first, and '0' is none."),
+                                    (("fuzz", "5", "dance"), "there is no core 'dance'; there are archive file_names"),
+                                    (("fuzz", "--repeat", "archive"), "'fuzz --repeat' takes the name of a core and a file."),
+                                    (("fuzz", "--repeat", "dance", "/dev/null"), "there is no core 'dance'"),
+                                    (("fuzz", "--repeat", "archive", "/no/such"), "there is no file '/no/such'")):
             with self.subTest(arguments[0]):
                 self.assert_refused(self.run_kex(*arguments), sentence)
         self.assertFalse((self.folder / "called").exists())
@@ -147,6 +153,37 @@ class Refusals(unittest.TestCase):
             self.assertEqual((done.stdout, done.stderr), ("drawing.exe\n", "kex: sessions 1 own-display\n"))
         self.assert_refused(self.run_kex_with_programs(programs, "run", "--interactive", "drawing", DISPLAY=""),
                             "there is no display to open drawing on")
+
+    def test_fuzz_spreads_its_time_and_keeps_what_it_finds(self):
+        checkout = self.folder / "checkout"
+        for name in ("scripts", "packaging"):
+            shutil.copytree(ROOT / name, checkout / name)
+        shutil.copy(ROOT / "kex", checkout)
+        cores, build = checkout / "tests/fuzz/platform_free", checkout / "build/native-fuzz"
+        for folder in (cores, build / "tests/native"):
+            folder.mkdir(parents=True)
+        for file in (cores / "bad_fuzz.cpp", cores / "good_fuzz.cpp", build / "build.ninja"):
+            file.touch()
+        fuzzer = build / "tests/native/core_fuzz"
+        fuzzer.write_text("""#!/bin/sh
+            [ $KEX_FUZZ_CORE = good ] || { echo it differs >&2; echo x >"${3#*=}"; echo "$@" | grep -q finding && exit 77; }
+            echo stat::number_of_executed_units: 5\n""")
+        fuzzer.chmod(0o755)
+        self.fake("ninja", ":")
+        self.fake("dpkg-query", 'for name; do echo "installed $name"; done')
+
+        def fuzz(*arguments: str) -> tuple[int, str]:
+            environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"}
+            done = subprocess.run([checkout / "kex", "fuzz", *arguments], env=environment, capture_output=True, text=True)
+            return done.returncode, done.stdout
+
+        finding = "build/fuzz/bad.finding"
+        found = f"it differs\nbad: FOUND; the input is kept. To repeat it: ./kex fuzz --repeat bad {finding}\n"
+        self.assertEqual(fuzz("9"), (1, found + "good: 5 inputs in 4 s\n"))
+        self.assertTrue((checkout / finding).exists())
+        self.assertEqual(fuzz("9", "good"), (0, "good: 5 inputs in 9 s\n"))
+        self.assertEqual(fuzz("--repeat", "bad", str(checkout / finding))[0], 1)
+        self.assertEqual(fuzz("--repeat", "good", str(checkout / finding))[0], 0)
 
     def test_missing_packages_without_root(self):
         self.fake("dpkg-query", "echo installed cmake")

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <limits>
 #include <string_view>
 
 namespace {
@@ -103,6 +104,15 @@ Conversion take_conversion(const char*& at, Arguments& arguments) {
   return conversion;
 }
 
+// What goes far beyond the room is not seen, but would take the run-time library its time. A long double has fewer
+// digits than that.
+void limit_to(std::size_t room, Conversion& conversion) {
+  constexpr std::size_t beyond = 20000;
+  const int most = static_cast<int>(std::min<std::size_t>(room, std::numeric_limits<int>::max() - beyond) + beyond);
+  conversion.width = std::clamp(conversion.width, -most, most);
+  conversion.precision = std::min(conversion.precision, most);
+}
+
 // The same conversion for the run-time library, with width and precision as arguments. Returns false if it is too long.
 bool rebuild(const Conversion& conversion, char (&format)[32]) {
   if (conversion.flags.size() + conversion.length.size() > 24) return false;
@@ -173,8 +183,9 @@ bool put_number(Text& text, const char* format, const Conversion& conversion, Ar
   return true;
 }
 
-bool put_conversion(Text& text, const Conversion& conversion, Arguments& arguments) {
+bool put_conversion(Text& text, Conversion conversion, Arguments& arguments) {
   char format[32];
+  limit_to(text.room(), conversion);
   if (!rebuild(conversion, format)) return false;
   const auto print = [&](auto value) {
     if (conversion.type == 'p') return text.print(format, conversion.width, value);

@@ -21,6 +21,7 @@ const known: readonly (readonly [begin: string, what: string])[] = [
 /** Takes a file part by part. */
 export class RecordReader {
   private text: TextReader | undefined;
+  private isJson = false;
   private parts: Uint8Array[] = [];
   private size = 0;
 
@@ -31,10 +32,11 @@ export class RecordReader {
     if (this.size > longestText)
       throw new NoRecord('The file is JSON of more than 512 MB, which is more than can be read.');
     this.parts.push(part);
+    if (this.isJson) return;
     const begin = this.parts.length === 1 ? part : joined(this.parts);
     if (begin.length < 64) return;
-    const kind = kindOf(begin);
-    if (kind === 'text') this.readAsText();
+    if (kindOf(begin) === 'text') this.readAsText();
+    else this.isJson = true;
   }
 
   finish(): RawRecord {

@@ -215,13 +215,13 @@ export class TextReader {
   /** The thread or block that a line of `name` or `time` belongs to; made if its opening bracket was lost. */
   private ownerOfLine(indent: number, isName: boolean): Open {
     while (this.indented && this.top && this.top.indent + 2 > indent) this.closeLost();
-    let top = this.top;
+    const top = this.top;
     const lost = this.indented && top && (top.indent + 2 < indent || (isName && top.named && top.block >= 0));
     if (top && !lost) return top;
     this.report(this.line, 'an opening bracket is missing before this line');
     if (top && top.indent + 2 === indent) this.open.pop();
-    if (!this.top) top = this.add(0);
-    return indent > 2 ? this.add(indent - 2) : top!;
+    if (!this.top) this.add(0);
+    return indent > 2 ? this.add(indent - 2) : this.top!;
   }
 
   private readName(indent: number, text: string): void {

@@ -197,6 +197,11 @@ describe('A damaged record', () => {
     expect(record.names).toEqual(['load', 'par']);
   });
 
+  test('gives the thread a name that stands where its name does', () => {
+    const record = read("var threads = [\n{\n{\nname: 'load',\n  name: 'Thread 4\n},\n]\n");
+    expect(tree(record)).toEqual([{ name: 'Thread 4', blocks: [{ name: 'load', time: [] }] }]);
+  });
+
   test('leaves out the interval that cannot be read, and only that', () => {
     for (const bad of [
       '{b: 1, e: x},',

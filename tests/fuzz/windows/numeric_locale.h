@@ -1,0 +1,52 @@
+// A comma as the decimal point of the run-time library, while the object lives.
+#ifndef TESTS_FUZZ_WINDOWS_NUMERIC_LOCALE_H
+#define TESTS_FUZZ_WINDOWS_NUMERIC_LOCALE_H
+
+#include <fuzz/core.h>
+
+#include <clocale>
+#include <cstdio>
+
+namespace fuzz {
+
+class CommaLocale {
+ public:
+  explicit CommaLocale(bool set) : set_(set) {
+    if (set_ && !std::setlocale(LC_NUMERIC, "German")) throw Difference("there is no locale with a comma");
+  }
+  ~CommaLocale() {
+    if (set_) std::setlocale(LC_NUMERIC, "C");
+  }
+  CommaLocale(const CommaLocale&) = delete;
+  CommaLocale& operator=(const CommaLocale&) = delete;
+
+ private:
+  bool set_;
+};
+
+// What printf prints, in the locale that is set.
+inline std::string printed(double value, int digits) {
+  if (value != value) return "nan";  // without a sign
+  std::string text(static_cast<std::size_t>(std::snprintf(nullptr, 0, "%.*f", digits, value)), '\0');
+  std::snprintf(text.data(), text.size() + 1, "%.*f", digits, value);
+  return text;
+}
+
+// Every occurrence replaced, from left to right.
+inline std::string replaced(const std::string& text, const std::string& old_text, const std::string& new_text) {
+  if (old_text.empty()) return text;
+  std::string result;
+  for (std::size_t at = 0; at < text.size();) {
+    if (text.compare(at, old_text.size(), old_text) == 0) {
+      result += new_text;
+      at += old_text.size();
+    } else {
+      result += text[at++];
+    }
+  }
+  return result;
+}
+
+}  // namespace fuzz
+
+#endif
