@@ -413,8 +413,8 @@ void draw_label() {
               GetPixel(drawing, 1, 1), GetPixel(copying, 195, 35));
   note(line);
   const CPoint middle = label.CenterPoint();
-  note(label.PtInRect(middle) && middle == CPoint(100, 20) && label == CRect(2, 2, 198, 38) ? "in the middle"
-                                                                                            : "aside");
+  const bool is_aside = middle != CPoint(100, 20) || label != CRect(2, 2, 198, 38);
+  note(label.PtInRect(middle) && !is_aside ? "in the middle" : "aside");
   copying.SelectBitmap(previous_copy);
   drawing.SelectBitmap(previous);
 }
