@@ -3,9 +3,9 @@
 
 #include <neutralfmt/vsprintf.h>
 #include <support/c_library.h>
+#include <support/decimal_comma.h>
 
 #include <climits>
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -41,18 +41,6 @@ std::string plain(const char* format, Arguments... arguments) {
   return buffer;
 }
 
-class GermanNumbers {
- public:
-  GermanNumbers() { made_ = std::setlocale(LC_NUMERIC, "German") != nullptr; }
-  ~GermanNumbers() { std::setlocale(LC_NUMERIC, "C"); }
-  GermanNumbers(const GermanNumbers&) = delete;
-  GermanNumbers& operator=(const GermanNumbers&) = delete;
-  bool made() const { return made_; }
-
- private:
-  bool made_;
-};
-
 TEST(NeutralFormat, TakesNoTimeForWhatDoesNotFit) {
   const std::string blanks(1998, ' '), zeros(1998, '0');
   for (const int many : {30000, 2000000000, INT_MAX}) {
@@ -72,7 +60,7 @@ TEST(NeutralFormat, TakesNoTimeForWhatDoesNotFit) {
 
 TEST(NeutralFormat, PrintsAPointWhateverTheLocale) {
   const std::string hexadecimal = plain("%a", 1.5);  // run-time libraries write other numbers of zeros
-  GermanNumbers locale;
+  const DecimalComma locale;
   ASSERT_TRUE(locale.made());
   EXPECT_EQ(text("%a", 1.5), hexadecimal);
   ASSERT_EQ(plain("%.1f", 1.5), "1,5");

@@ -1,24 +1,17 @@
 // Numbers as text and back, in each code page with each decimal point.
 #include <kexlib/controls/numeric_formatting.h>
 
+#include <controls/formatting.h>
 #include <support/locale_matrix.h>
 
 namespace {
 
 using Numbers = kexNumericFormatting;
 
-class Formatting : public kexNumberFormatting {
- public:
-  Formatting() : kexNumberFormatting(2, 4, KRV_Inches, KRV_Millimetres) {}
-  std::string plain(double value) { return format_double(value).GetString(); }
-  std::string with_units(double value) { return format_double_with_units(value).GetString(); }
-  std::string neutral(double value) { return format_neutral_double(value).GetString(); }
-};
-
 using NumericFormattingLocales = LocaleMatrix;
 
 TEST_P(NumericFormattingLocales, FormatWithThePointOfTheRunTimeLibrary) {
-  Formatting formatting;
+  Formatting formatting(2, 4, KRV_Inches, KRV_Millimetres);
   EXPECT_EQ(formatting.plain(1234567.125), "1234567" + point() + "13");
   EXPECT_EQ(formatting.with_units(1.0), "25" + point() + "40");
   EXPECT_EQ(formatting.neutral(-0.5), "-0" + point() + "5000");

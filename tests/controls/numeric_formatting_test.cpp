@@ -3,13 +3,14 @@
 
 #include <kexlib/controls/numeric_formatting.h>
 
+#include <controls/formatting.h>
 #include <controls/resources.h>
+#include <support/decimal_comma.h>
 #include <support/import_override.h>
 #include <support/resource_counts.h>
 #include <support/window_text.h>
 
 #include <climits>
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -28,27 +29,7 @@ std::string put(double value, const char* separator, long digits) {
   return Numbers::putValue(nullptr, value, separator, digits).GetString();
 }
 
-class Formatting : public kexNumberFormatting {
- public:
-  using kexNumberFormatting::kexNumberFormatting;
-  std::string plain(double value) { return format_double(value).GetString(); }
-  std::string with_units(double value) { return format_double_with_units(value).GetString(); }
-  std::string neutral(double value) { return format_neutral_double(value).GetString(); }
-};
-
 std::string with_digits(double value, int digits) { return Formatting(digits, 0, KRV_Inches, KRV_Inches).plain(value); }
-
-class NumericLocale {
- public:
-  explicit NumericLocale(const char* name) { made_ = std::setlocale(LC_NUMERIC, name) != nullptr; }
-  ~NumericLocale() { std::setlocale(LC_NUMERIC, "C"); }
-  NumericLocale(const NumericLocale&) = delete;
-  NumericLocale& operator=(const NumericLocale&) = delete;
-  bool made() const { return made_; }
-
- private:
-  bool made_;
-};
 
 // A dialog with two edit controls, one of them with several lines.
 class EditControls : public testing::Test {
@@ -164,7 +145,7 @@ TEST(NumberFormatting, RoundsToTensWhereDigitsAreNegative) {
 
 // Kept for compatibility: "neutral" texts also have the decimal point of the run-time library. Only the digits differ.
 TEST(NumberFormatting, PrintsThePointOfTheLocaleThatIsSet) {
-  NumericLocale locale("German");
+  const DecimalComma locale;
   ASSERT_TRUE(locale.made());
   Formatting formatting(2, 3, KRV_Inches, KRV_Millimetres);
   EXPECT_EQ(formatting.plain(1.5), "1,50");
@@ -294,7 +275,7 @@ TEST_F(EditControls, TakeWhatTheyGave) {
 }
 
 TEST_F(EditControls, DoNotAskTheLocaleOfTheRunTimeLibrary) {
-  NumericLocale locale("German");
+  const DecimalComma locale;
   ASSERT_TRUE(locale.made());
   EXPECT_EQ(std::string(Numbers::putValue(&edit_, 1.5, ".", 2)), "1.50");
   EXPECT_EQ(read("1.5"), 1.5);

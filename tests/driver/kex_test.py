@@ -17,6 +17,13 @@ from pathlib import Path
 ROOT, PROGRAMS = Path(sys.argv[1]), Path(sys.argv[2])
 
 
+def copy_driver(checkout: Path) -> None:
+    """Copies what ./kex is made of."""
+    for name in ("scripts", "packaging"):
+        shutil.copytree(ROOT / name, checkout / name, dirs_exist_ok=True)
+    shutil.copy(ROOT / "kex", checkout)
+
+
 class Refusals(unittest.TestCase):
     """Each ends in one sentence and exit status 2."""
 
@@ -50,9 +57,7 @@ class Refusals(unittest.TestCase):
         self.assert_refused(self.run_kex("run", "/tmp/"), "there is no program '/tmp/'")
 
     def test_what_is_not_there_is_refused_before_anything_is_built(self):
-        for name in ("scripts", "packaging"):
-            shutil.copytree(ROOT / name, self.folder / "checkout" / name)
-        shutil.copy(ROOT / "kex", self.folder / "checkout")
+        copy_driver(self.folder / "checkout")
         build = self.folder / "checkout/build/mingw-release"
         build.mkdir(parents=True)
         (build / "build.ninja").touch()
@@ -74,9 +79,7 @@ class Refusals(unittest.TestCase):
 
     def test_package_takes_committed_sources_only(self):
         checkout = self.folder / "checkout"
-        for name in ("scripts", "packaging"):
-            shutil.copytree(ROOT / name, checkout / name)
-        shutil.copy(ROOT / "kex", checkout)
+        copy_driver(checkout)
         (checkout / "build/mingw-release").mkdir(parents=True)
         (checkout / "build/mingw-release/build.ninja").touch()
         (checkout / ".gitignore").write_text("/build/\n")
@@ -125,9 +128,7 @@ class Refusals(unittest.TestCase):
     def run_kex_with_programs(self, programs: list[str], *arguments: str, **variables) -> subprocess.CompletedProcess:
         """In a checkout where these programs are built, each of which says its name; only b_bench.exe ends well."""
         checkout = self.folder / "checkout"
-        for name in ("scripts", "packaging"):
-            shutil.copytree(ROOT / name, checkout / name, dirs_exist_ok=True)
-        shutil.copy(ROOT / "kex", checkout)
+        copy_driver(checkout)
         (checkout / "build/mingw-release/bin").mkdir(parents=True, exist_ok=True)
         for name in ["build.ninja"] + [f"bin/{program}" for program in programs]:
             (checkout / "build/mingw-release" / name).touch()
@@ -156,9 +157,7 @@ class Refusals(unittest.TestCase):
 
     def test_fuzz_spreads_its_time_and_keeps_what_it_finds(self):
         checkout = self.folder / "checkout"
-        for name in ("scripts", "packaging"):
-            shutil.copytree(ROOT / name, checkout / name)
-        shutil.copy(ROOT / "kex", checkout)
+        copy_driver(checkout)
         cores, build = checkout / "tests/fuzz/platform_free", checkout / "build/native-fuzz"
         for folder in (cores, build / "tests/native"):
             folder.mkdir(parents=True)
@@ -262,9 +261,7 @@ class Session(unittest.TestCase):
     def setUpClass(cls):
         cls.root = Path(cls.enterClassContext(tempfile.TemporaryDirectory())) / "second checkout"
         programs = cls.root / "build/mingw-release/bin"
-        shutil.copytree(ROOT / "scripts", cls.root / "scripts")
-        shutil.copytree(ROOT / "packaging", cls.root / "packaging")
-        shutil.copy(ROOT / "kex", cls.root)
+        copy_driver(cls.root)
         programs.mkdir(parents=True)
         for name in [*PROGRAMS.glob("*.dll"), PROGRAMS / "keeper.exe", PROGRAMS / "endings.exe"]:
             shutil.copy(name, programs)

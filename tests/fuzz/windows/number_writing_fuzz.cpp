@@ -1,6 +1,7 @@
 // Numbers as text for controls: with a separator of their own, in units, rounded or not.
 #include <kexlib/controls/numeric_formatting.h>
 
+#include <controls/formatting.h>
 #include <fuzz/core.h>
 #include <fuzz/windows/numeric_locale.h>
 #include <qzutils/round.h>
@@ -8,14 +9,6 @@
 #include <cstring>
 
 namespace {
-
-class Formatting : public kexNumberFormatting {
- public:
-  using kexNumberFormatting::kexNumberFormatting;
-  std::string plain(double value) { return format_double(value).GetString(); }
-  std::string with_units(double value) { return format_double_with_units(value).GetString(); }
-  std::string neutral(double value) { return format_neutral_double(value).GetString(); }
-};
 
 const char* separator(fuzz::Input& input, std::string& text) {
   constexpr const char* usual[] = {".", ",", "'", "<->", "..", "", nullptr};

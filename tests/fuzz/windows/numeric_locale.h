@@ -1,27 +1,25 @@
-// A comma as the decimal point of the run-time library, while the object lives.
+// Numbers as printf prints them, with a point or a comma.
 #ifndef TESTS_FUZZ_WINDOWS_NUMERIC_LOCALE_H
 #define TESTS_FUZZ_WINDOWS_NUMERIC_LOCALE_H
 
 #include <fuzz/core.h>
+#include <support/decimal_comma.h>
 
-#include <clocale>
 #include <cstdio>
+#include <optional>
+#include <string>
 
 namespace fuzz {
 
+// A comma as the decimal point, if it is wanted, while the object lives.
 class CommaLocale {
  public:
-  explicit CommaLocale(bool set) : set_(set) {
-    if (set_ && !std::setlocale(LC_NUMERIC, "German")) throw Difference("there is no locale with a comma");
+  explicit CommaLocale(bool set) {
+    if (set && !comma_.emplace().made()) throw Difference("there is no locale with a comma");
   }
-  ~CommaLocale() {
-    if (set_) std::setlocale(LC_NUMERIC, "C");
-  }
-  CommaLocale(const CommaLocale&) = delete;
-  CommaLocale& operator=(const CommaLocale&) = delete;
 
  private:
-  bool set_;
+  std::optional<DecimalComma> comma_;
 };
 
 // What printf prints, in the locale that is set.
