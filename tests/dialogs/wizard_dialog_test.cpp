@@ -39,6 +39,11 @@ TEST(Wizard, BeginsWithItsStyleAndWhatItIsGiven) {
   EXPECT_EQ(of_nothing.m_psh.nStartPage, 0u);
 }
 
+TEST(Wizard, IsReturnedByItsParts) {
+  const auto wizard = []() -> kexWizardDialog { return {CStringA("title"), 2, nullptr}; };
+  EXPECT_EQ(wizard().GetActiveIndex(), 2);
+}
+
 TEST(Wizard, CountsAndKeepsThePagesThatItWasGiven) {
   Page<IDD_NAME_PAGE> name;
   NoPage none;

@@ -28,8 +28,9 @@
 /// The manifest of a component: its file name in `directory`, with the extension ".manifest" in place of its own.
 ///
 /// "C:\\m" and "C:\\bin\\part.dll" become "C:\\m\\part.manifest". A name with a further dot keeps what comes before the
-/// extension and gets no other (PathAddExtensionA): "part.2.dll" becomes "C:\\m\\part.2". Empty if the component is
-/// empty or null, or if the path would be longer than 259 characters.
+/// extension and gets no other (PathAddExtensionA): "part.2.dll" becomes "C:\\m\\part.2". A path that ".manifest" would
+/// make longer than 259 characters comes without it. Empty if the component is empty or null, or if directory and name
+/// alone are longer than that.
 KEXLIB_API std::string reg_free_manifest_path(const char* directory, const char* componentPath);
 
 /// Creates an object through a manifest: calls CoCreateInstance for IID_IUnknown while an activation context of the

@@ -116,7 +116,7 @@ class KEXLIB_API kexWizardDialog : public WTL::CPropertySheetImpl<kexWizardDialo
   ///   title       the caption
   ///   start_page  index of the first page to show, from 0; unspecified if there is no such page
   ///   parent      owner window; may be null
-  explicit kexWizardDialog(const CStringA& title = CStringA(), int start_page = 0, HWND parent = nullptr);
+  kexWizardDialog(const CStringA& title = CStringA(), int start_page = 0, HWND parent = nullptr);
 
   /// As above, with a title from the string resources (CStringA::LoadString); empty if the resource is missing.
   kexWizardDialog(UINT title_id, int start_page, HWND parent);
