@@ -175,7 +175,7 @@ int kexWTLBitmapButton::AddImage(WTL::CImageListT<false>* images, int bitmap_id,
 void kexWTLBitmapButton::SetInfo(HWND button, WTL::CImageListT<false>* images, int bitmap_id, const char* tooltip,
                                  HINSTANCE instance) {
   const int image = AddImage(images, bitmap_id, instance);
-  if (!m_hWnd && ::IsWindow(button)) SubclassWindow(button);
+  if (button != m_hWnd || !kexlib::is_subclassed<CWindowImpl>(*this)) SubclassWindow(button);
   set_images(*this, images ? images->m_hImageList : nullptr);
   SetImages(image, image, no_image, image + 1);
   set_tooltip(*this, tooltip);
@@ -198,6 +198,7 @@ LRESULT kexWTLBitmapButton::OnPaint(UINT, WPARAM, LPARAM, BOOL&) {
   const std::shared_ptr<wbzThemer> themer = themer_;
   const bool themed = type_ != kexBtnTypePlain && wbzThemer::can_draw(themer);
   repaint_behind();
+  if (!IsWindow()) return 0;  // the parent has destroyed it
   paint(WTL::CDCHandle(WTL::CPaintDC(m_hWnd).m_hDC), themed, themer.get());
   return 0;
 }
@@ -215,6 +216,7 @@ void kexWTLBitmapButton::repaint_behind() {
 // By value, as in WTL's buttons.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
 void kexWTLBitmapButton::DoPaint(WTL::CDCT<false> dc, bool themed) {
+  if (!IsWindow()) return;
   const std::shared_ptr<wbzThemer> themer = themer_;
   paint(dc, themed, themer.get());
 }

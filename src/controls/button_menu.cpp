@@ -76,7 +76,8 @@ BOOL atlButtonMenu::SubclassWindow(HWND button) {
 }
 
 LRESULT atlButtonMenu::OnClick(WORD, WORD, HWND, BOOL&) {
-  if (!menu_id_) return 0;
+  const HWND window = m_hWnd;
+  if (!menu_id_ || !::IsWindow(window)) return 0;
   if (GetCheck() == BST_UNCHECKED) SetCheck(BST_CHECKED);
   RECT button;
   GetWindowRect(&button);
@@ -86,6 +87,7 @@ LRESULT atlButtonMenu::OnClick(WORD, WORD, HWND, BOOL&) {
 
   const POINT corner = moved_onto_monitor({button.left, button.bottom});
   TrackPopupMenu(shown, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, corner.x, corner.y, 0, GetParent(), nullptr);
-  SetCheck(BST_UNCHECKED);  // also if it was checked before the click
+  // Also if it was checked before the click. The menu may have destroyed the button, and this object with it.
+  ::SendMessageA(window, BM_SETCHECK, BST_UNCHECKED, 0);
   return 0;
 }

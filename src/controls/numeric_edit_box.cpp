@@ -36,7 +36,10 @@ BOOL kexNumericEditBox::SubclassWindow(HWND edit) { return kexlib::subclass_inst
 void kexNumericEditBox::Create(ATL::CWindow& font_source) {
   const HWND host = m_hWnd;
   if (!kexlib::leave_window<CWindowImpl>(*this)) return;
-  if (!CWindowImpl::Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE, WS_EX_CLIENTEDGE)) return;
+  if (!CWindowImpl::Create(host, nullptr, nullptr, WS_CHILD | WS_VISIBLE, WS_EX_CLIENTEDGE)) {
+    m_pfnSuperWindowProc = ::DefWindowProc;  // ATL keeps the procedure of EDIT, as if the object were subclassed
+    return;
+  }
   SetWindowLongPtr(GWLP_ID, 0);  // ATL replaces an identifier of 0
   SetFont(font_source.IsWindow() ? font_source.GetFont() : nullptr);
   update_display();

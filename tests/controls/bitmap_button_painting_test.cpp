@@ -225,6 +225,24 @@ TEST_F(BitmapButtonControl, HasItsParentPaintFirstAndIsNotPaintedMeanwhile) {
 }
 
 // Kept for compatibility: callers see the button painted on the screen, not in the device context of the message.
+TEST_F(BitmapButtonControl, MayBeDestroyedWhileItsParentPaints) {
+  Button& button = make(kexBtnTypeThemed);
+  const auto drawer = set_drawer();
+  dialog_.on_paint = [&] { DestroyWindow(button); };
+  BOOL handled = TRUE;
+  EXPECT_EQ(button.OnPaint(WM_PAINT, 0, 0, handled), 0);
+  EXPECT_EQ(button.m_hWnd, nullptr);
+  EXPECT_EQ(drawer->styles, std::vector<int>());
+}
+
+TEST_F(BitmapButtonControl, DrawsNothingWithoutAWindow) {
+  Button alone;
+  alone.set_themer(wbzThemer::create(std::make_shared<Drawer>(), nullptr));
+  Picture picture(picture_size, picture_size, behind);
+  alone.DoPaint(CDCHandle(picture.dc()), true);
+  EXPECT_EQ(picture.at(picture_size / 2, picture_size / 2), behind);
+}
+
 TEST_F(BitmapButtonControl, AnswersPrintClientByPaintingItself) {
   make(kexBtnTypeThemed);
   const auto drawer = set_drawer();

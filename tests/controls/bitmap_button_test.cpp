@@ -137,15 +137,36 @@ TEST_F(BitmapButtonControl, WithoutAButtonKeepsTheRestOfItsInfo) {
   EXPECT_EQ(tooltip_of(button), "text");
 }
 
-TEST_F(BitmapButtonControl, StaysWithItsFirstButton) {
+TEST_F(BitmapButtonControl, TakesOtherInformationForItsButton) {
   make(kexBtnTypeThemed);
   button_->SetInfo(window(), &images_, IDB_FRAME, "again", GetModuleHandle(nullptr));
-  button_->SetInfo(dialog_.GetDlgItem(IDC_LATER), &images_, IDB_FRAME, "later", GetModuleHandle(nullptr));
   EXPECT_EQ(button_->m_hWnd, window());
-  EXPECT_EQ(button_->m_nImage[Button::_nImageNormal], 4);
-  EXPECT_EQ(tooltip_of(*button_), "later");
+  EXPECT_EQ(button_->m_nImage[Button::_nImageNormal], 2);
+  EXPECT_EQ(tooltip_of(*button_), "again");
   pump_waiting();
   EXPECT_EQ(color(), orange);
+}
+
+TEST_F(BitmapButtonControl, MovesToTheButtonThatItIsGiven) {
+  make(kexBtnTypeThemed);
+  const HWND later = dialog_.GetDlgItem(IDC_LATER);
+  button_->SetInfo(later, &images_, IDB_FRAME, "later", GetModuleHandle(nullptr));
+  EXPECT_EQ(button_->m_hWnd, later);
+  EXPECT_EQ(shown_by_the_tooltip(*button_), "later");
+
+  kexWTLBitmapButton copy(*button_);
+  copy.SetInfo(window(), &images_, IDB_FRAME, "copy", GetModuleHandle(nullptr));
+  EXPECT_EQ(copy.m_hWnd, window());
+  EXPECT_EQ(shown_by_the_tooltip(copy), "copy");
+  EXPECT_EQ(button_->m_hWnd, later);
+  copy.UnsubclassWindow();
+}
+
+TEST_F(BitmapButtonControl, KeepsItsButtonWhereItIsGivenNone) {
+  make(kexBtnTypeThemed);
+  button_->SetInfo(nullptr, &images_, IDB_FRAME, "none", GetModuleHandle(nullptr));
+  EXPECT_EQ(button_->m_hWnd, window());
+  EXPECT_EQ(tooltip_of(*button_), "none");
 }
 
 TEST_F(BitmapButtonControl, IsShownPressedByItsState) {

@@ -243,6 +243,13 @@ TEST_F(ButtonMenu, WithoutAMenuDoesNothingAtAll) {
   EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED);
 }
 
+TEST(ButtonMenuAlone, DoesNothingOnAClick) {
+  atlButtonMenu none;
+  none.SetMenu(GetModuleHandle(nullptr), IDR_MENU);
+  BOOL handled = TRUE;
+  EXPECT_EQ(none.OnClick(BN_CLICKED, IDC_MORE, nullptr, handled), 0);
+}
+
 // Kept for compatibility: callers see the button stay checked if there is no menu to show.
 TEST_F(ButtonMenu, StaysPressedWithoutASubmenuOrAResource) {
   for (const UINT menu : {UINT{IDR_NO_SUBMENU}, missing}) {
@@ -323,6 +330,15 @@ TEST_F(ButtonMenuPlace, IsBelowTheButtonForItsParent) {
   EXPECT_EQ(opened.first_item, ID_COPY);
   EXPECT_EQ(opened.check, BST_CHECKED);
   EXPECT_EQ(button_.GetCheck(), BST_UNCHECKED);
+}
+
+BOOL WINAPI destroy_while_tracking(HMENU, UINT, int, int, int, HWND owner, const RECT*) { return DestroyWindow(owner); }
+
+TEST_F(ButtonMenuPlace, MayBeDestroyedWhileItsMenuIsOpen) {
+  const ImportOverride destroy("kexlib.dll", "user32.dll", "TrackPopupMenu", destroy_while_tracking);
+  BOOL handled = TRUE;
+  EXPECT_EQ(button_.OnClick(BN_CLICKED, IDC_MORE, more_, handled), 0);
+  EXPECT_EQ(button_.m_hWnd, nullptr);
 }
 
 // Kept for compatibility: callers see the button unchecked, even if they checked it before.

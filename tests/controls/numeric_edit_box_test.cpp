@@ -150,6 +150,18 @@ TEST(NumericEditBoxCreated, WithoutAParentThereIsNoWindow) {
   EXPECT_EQ(box.get_value(), 3.0);
 }
 
+TEST(NumericEditBoxCreated, MayFollowOneThatFailed) {
+  LengthDialog host;
+  ASSERT_TRUE(host.Create(nullptr));
+  kexNumericEditBox box;
+  CWindow none;
+  box.Create(none);
+  box.Attach(host);
+  box.Create(host);
+  EXPECT_EQ(GetParent(box), host.m_hWnd);
+  host.DestroyWindow();
+}
+
 // The object writes to its attached window: attach the host immediately before Create.
 TEST(NumericEditBoxCreated, ASetterBeforeItWritesToTheHost) {
   LengthDialog host;

@@ -55,7 +55,7 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
  public:
   /// No window. The extended style is BMPBTN_HOVER | BMPBTN_AUTO3D_SINGLE | BMPBTN_SHAREIMAGELISTS. A button that is
   /// not plain has a themer for push buttons.
-  explicit kexWTLBitmapButton(kexWTLButtonType type = kexBtnTypeThemed);
+  kexWTLBitmapButton(kexWTLButtonType type = kexBtnTypeThemed);
   /// A copy has the same window handle and tooltip, but does not get the window's messages. It does not own the image
   /// list: it has BMPBTN_SHAREIMAGELISTS. It shares the themer, which reads the window handle of the button that it was
   /// created for. That button must outlive the copy, or set another themer on the copy.
@@ -87,8 +87,8 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
 
   /// Calls AddImage, subclasses the button, and sets its image list, its images and its tooltip. With BMPBTN_AUTOSIZE
   /// the button takes the size of the images.
-  ///   button   the window to subclass; ignored if the object has a window. If it cannot be subclassed, the rest is
-  ///            set all the same
+  ///   button   the window to subclass (SubclassWindow), in place of the object's previous one if that is another. If
+  ///            it cannot be subclassed, the rest is set all the same
   ///   images   must live as long as the button
   ///   tooltip  copied; null switches the tooltip off
   void SetInfo(HWND button, WTL::CImageListT<false>* images, int bitmap_id, const char* tooltip, HINSTANCE instance);
@@ -110,7 +110,8 @@ class KEXLIB_API kexWTLBitmapButton : public WTL::CBitmapButton {
   /// while it runs, which the parent's painting may cause. Exceptions pass, after EndPaint.
   LRESULT OnPaint(UINT message, WPARAM wParam, LPARAM lParam, BOOL& handled);
 
-  /// Draws the face if `themed`, then the picture of the button's state, then the edge if not `themed`.
+  /// Draws the face if `themed`, then the picture of the button's state, then the edge if not `themed`. Nothing without
+  /// a window.
   void DoPaint(WTL::CDCT<false> dc, bool themed);
 
  private:

@@ -131,7 +131,7 @@ class KEXLIB_API atlStepManager {
   ///   parent                   parent of the steps that are created
   ///   auto_number_steps        visible steps are numbered 1, 2, 3 ...
   ///   disable_completed_steps  moving forward disables the steps left behind; otherwise they stay enabled
-  explicit atlStepManager(HWND parent = nullptr, bool auto_number_steps = false, bool disable_completed_steps = true);
+  atlStepManager(HWND parent = nullptr, bool auto_number_steps = false, bool disable_completed_steps = true);
   /// The copy shares the steps with its source: only one of the two may be cleared or destroyed. Avoid it.
   atlStepManager(const atlStepManager& other);
   /// As the copy constructor. The steps that this manager had are not deleted.
