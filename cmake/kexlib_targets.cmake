@@ -4,6 +4,10 @@
 add_library(kexlib_settings INTERFACE)
 target_compile_features(kexlib_settings INTERFACE cxx_std_20)
 if(MSVC)
+  # CMake's own /EHsc says that functions with C linkage throw nothing. SendMessage and its like throw what a window
+  # procedure throws: with /EHsc such an exception would pass a noexcept, and skip destructors on its way.
+  string(REPLACE "/EHsc" "" CMAKE_CXX_FLAGS "${CMAKE_CXX_FLAGS}")
+  target_compile_options(kexlib_settings INTERFACE /EHs)
   # C4324 reports that an aligned class is padded.
   target_compile_options(kexlib_settings INTERFACE /W4 $<$<BOOL:${KEXLIB_WARNINGS_AS_ERRORS}>:/WX> /wd4324 /permissive- /utf-8 /Zc:__cplusplus)
   target_compile_definitions(kexlib_settings INTERFACE _CRT_SECURE_NO_WARNINGS)

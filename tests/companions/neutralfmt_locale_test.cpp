@@ -17,8 +17,8 @@ using NeutralFormatLocales = LocaleMatrix;
 
 TEST_P(NeutralFormatLocales, HaveAPointAndTheBytesOfTexts) {
   const std::string narrow = code_page().narrow;
-  EXPECT_EQ(formatted("%.3f|%g|%.1e|%#.0f|%d", 1234567.125, 0.5, 12.5, 2.0, 1234567),
-            "1234567.125|0.5|1.2e+01|2.|1234567");
+  EXPECT_EQ(formatted("%.3f|%g|%.1e|%#.0f|%d", 1234567.125, 0.5, 12.6, 2.0, 1234567),
+            "1234567.125|0.5|1.3e+01|2.|1234567");
   EXPECT_EQ(formatted("%s,%.2s", narrow.c_str(), narrow.c_str()), narrow + "," + narrow.substr(0, 2));
 }
 

@@ -30,14 +30,6 @@ inline constexpr char said_by_terminate[] = "";
 inline constexpr char said_by_terminate[] = "terminate called";
 #endif
 
-// Whether noexcept holds for what a window procedure throws through a function of the system. The option /EHsc says
-// that functions with C linkage throw nothing, so the compiler lets such an exception pass.
-#ifdef _MSC_VER
-inline constexpr bool noexcept_ends_what_the_system_passes = false;
-#else
-inline constexpr bool noexcept_ends_what_the_system_passes = true;
-#endif
-
 // How a program ends whose thread an exception leaves, and what it writes. By Visual C++'s rules that is a crash like
 // any other, of which tests/support/crash_report.h reports.
 #ifdef _MSC_VER

@@ -22,10 +22,12 @@ LONG WINAPI report(EXCEPTION_POINTERS* exception) {
   }
   const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
   std::fprintf(stderr, "crash: exception %08lx at %p\n", record.ExceptionCode, record.ExceptionAddress);
+  std::fflush(stderr);  // Wine's ucrtbase keeps it, and what follows may crash
   std::fprintf(stderr, "  %s\n", code_place(record.ExceptionAddress).c_str());
   void* frames[32];
   const USHORT count = CaptureStackBackTrace(0, 32, frames, nullptr);
   for (USHORT i = 0; i < count; ++i) std::fprintf(stderr, "  %s\n", code_place(frames[i]).c_str());
+  std::fflush(stderr);
   TerminateProcess(GetCurrentProcess(), crash_exit_code);
   return EXCEPTION_EXECUTE_HANDLER;
 }

@@ -103,7 +103,7 @@ class DrawingWindow {
     if (message == WM_GETOBJECT && static_cast<LONG>(lparam) == OBJID_CLIENT) {
       const auto result_of = reinterpret_cast<decltype(&LresultFromObject)>(
           reinterpret_cast<void*>(GetProcAddress(LoadLibraryA("oleacc.dll"), "LresultFromObject")));
-      return result_of(IID_IAccessible, wparam,
+      return result_of(__uuidof(IAccessible), wparam,
                        &reinterpret_cast<DrawingWindow*>(GetWindowLongPtrA(window, GWLP_USERDATA))->content_);
     }
     return DefWindowProcA(window, message, wparam, lparam);

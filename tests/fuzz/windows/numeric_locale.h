@@ -5,7 +5,10 @@
 #include <fuzz/core.h>
 #include <support/decimal_comma.h>
 
-#include <cstdio>
+#include <algorithm>
+#include <charconv>
+#include <clocale>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -22,11 +25,16 @@ class CommaLocale {
   std::optional<DecimalComma> comma_;
 };
 
-// What printf prints, in the locale that is set.
+// What printf prints by the standard of C, in the locale that is set. Not each C library's does.
 inline std::string printed(double value, int digits) {
   if (value != value) return "nan";  // without a sign
-  std::string text(static_cast<std::size_t>(std::snprintf(nullptr, 0, "%.*f", digits, value)), '\0');
-  std::snprintf(text.data(), text.size() + 1, "%.*f", digits, value);
+  constexpr int most_before_the_point = 310, most_digits = 32767;
+  const auto space = std::make_unique<char[]>(most_before_the_point + most_digits);
+  const auto end = std::to_chars(space.get(), space.get() + most_before_the_point + most_digits, value,
+                                 std::chars_format::fixed, digits < 0 ? 6 : digits)
+                       .ptr;
+  std::string text(space.get(), end);
+  std::replace(text.begin(), text.end(), '.', *std::localeconv()->decimal_point);
   return text;
 }
 
