@@ -97,7 +97,7 @@ install(
   DESTINATION ${package_folder}
   COMPONENT development)
 
-install(FILES packaging/debugging/kexlib.natvis DESTINATION ${data_folder} COMPONENT development)
+install(FILES packaging/debugging/kexlib.natvis packaging/debugging/kexlib_gdb.py DESTINATION ${data_folder} COMPONENT development)
 
 if(MINGW)
   install(FILES cmake/mingw_w64.cmake DESTINATION ${data_folder} COMPONENT development)

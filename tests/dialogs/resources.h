@@ -7,6 +7,9 @@
 #define IDD_SUMMARY_PAGE 112
 #define IDD_EXTRA_PAGE 113
 
+#define IDC_NAME 1001
+#define IDC_IN_LIBRARY 1003
+
 #define IDS_TITLE 200
 #define IDS_MISSING 201 /* there is no such text */
 

@@ -73,6 +73,21 @@ class MirrorCheck(unittest.TestCase):
         self.write("tests/testing/CMakeLists.txt", "kexlib_add_tests(testing watchdog other)\n")
         self.assertEqual(self.problems_about("testing"), ["tests/testing/other_test.cpp: there is no source that it is for"])
 
+    def test_unit_without_an_example(self):
+        self.write("include/kexlib/com/guid.h")
+        problem = ["docs/families/com.md has 0 examples that include guid.h first, not one"]
+        example = "```cpp\n#include <kexlib/com/guid.h>\n```\n"
+        for page, problems in (("", problem), ("`kexGUID`\n\n    kexGUID id;\n", problem), (example, []),
+                               (example + example, [problem[0].replace("0", "2")])):
+            with self.subTest(page):
+                self.write("docs/families/com.md", page)
+                self.assertEqual(self.problems_about("that include"), problems)
+
+    def test_test_of_the_examples(self):
+        self.write("tests/com/examples_test.cpp")
+        self.assertIn("docs/families/com.md is missing: tests/com/examples_test.cpp runs its examples",
+                      self.problems_about("docs/families"))
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1], verbosity=2)

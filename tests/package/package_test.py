@@ -77,7 +77,8 @@ class Install(Test):
                   "include/bzbase/string.h", "bin/kexlib.dll", "lib/cmake/kexlib/kexlib-config.cmake",
                   "lib/cmake/kexlib/program.manifest", "share/doc/kexlib/LICENSE", "share/doc/kexlib/NOTICE.md",
                   "share/doc/kexlib/first-program.md", "share/doc/kexlib/families/controls.md",
-                  "share/kexlib/examples/count_sources/main.cpp", "share/kexlib/kexlib.natvis"}
+                  "share/kexlib/examples/count_sources/main.cpp", "share/kexlib/kexlib.natvis",
+                  "share/kexlib/kexlib_gdb.py"}
         if SETTINGS["node"]:
             wanted |= {"share/kexlib/profile_viewer.html", "share/kexlib/profile_tool.mjs"}
         if SETTINGS["mingw"]:
