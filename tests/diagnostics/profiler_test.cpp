@@ -4,10 +4,13 @@
 
 #include <windows.h>
 
+#include <support/c_library.h>
 #include <support/files.h>
+#include <support/import_override.h>
 
 #include <clocale>
 #include <filesystem>
+#include <memory>
 #include <regex>
 #include <string>
 #include <thread>
@@ -191,6 +194,29 @@ TEST_F(Profiler, EndsAScopeThatAnExceptionLeaves) {
   } catch (int) {
   }
   EXPECT_EQ(normalised(stop()), one_thread(block("scope", "{b: 0, e: #},")));
+}
+
+int refused_records = 0;
+
+// A thread's record is the only object of its own alignment.
+void* __cdecl refuse_record(size_t, size_t) {
+  ++refused_records;
+  return nullptr;
+}
+
+// The end of the scope is the first call of its thread in the new record.
+TEST_F(Profiler, EndsAScopeWhereThereIsNoMemoryForItsThread) {
+  auto scope = std::make_unique<kexProfileScope>("scope");
+  stop();
+  kex_start_profiling();
+  {
+    const ImportOverride shortage(c_library::allocator_of("kexlib.dll"), c_library::dll, "_aligned_malloc",
+                                  &refuse_record);
+    ASSERT_TRUE(shortage.made());
+    scope.reset();
+  }
+  EXPECT_EQ(refused_records, 1);
+  EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
 }
 
 TEST_F(Profiler, HoldsNoDataInAScope) {
