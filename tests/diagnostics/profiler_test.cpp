@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <diagnostics/full_disk.h>
 #include <support/c_library.h>
 #include <support/files.h>
 #include <support/import_override.h>
@@ -314,6 +315,19 @@ TEST_F(Profiler, DropsTheRecordWhenTheFileCannotBeOpened) {
     kex_stop_profiling(path);
   }
   EXPECT_EQ(files_in(folder_.path()), std::vector<std::string>{});
+  kex_start_profiling();
+  EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
+}
+
+TEST_F(Profiler, CutsTheRecordWhereTheDiskIsFull) {
+  kex_start_profiling();
+  begin("a"), end();
+  {
+    const FullDisk disk("kexlib.dll", 30);
+    ASSERT_TRUE(disk.made());
+    kex_stop_profiling("record.js");
+  }
+  EXPECT_EQ(read_file("record.js"), "var threads = [\r\n{\r\n  blocks: ");
   kex_start_profiling();
   EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
 }
