@@ -12,6 +12,7 @@
 #include <support/files.h>
 #include <support/import_override.h>
 
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -128,6 +129,17 @@ TEST(RegistrationFree, MakesObjectsInTheMultithreadedApartmentToo) {
   }).join();
 }
 
+// The system finds the class on this thread, and the object is created on the thread of its apartment.
+TEST(RegistrationFree, MakesObjectsOfAnotherApartmentToo) {
+  std::thread([] {
+    const Com com(COINIT_MULTITHREADED);
+    CComPtr<IUnknown> object;
+    EXPECT_EQ(
+        reg_free_co_create(__uuidof(Circle), components().c_str(), manifest().c_str(), CLSCTX_INPROC_SERVER, &object),
+        S_OK);
+  }).join();
+}
+
 TEST(RegistrationFree, RefusesANullOutPointer) {
   EXPECT_EQ(
       reg_free_co_create(__uuidof(Circle), components().c_str(), manifest().c_str(), CLSCTX_INPROC_SERVER, nullptr),
@@ -185,6 +197,24 @@ TEST(RegistrationFree, TriesWithoutAManifestThatIsNone) {
   write_file("wrong.manifest", other);
   CComPtr<IUnknown> object;
   EXPECT_LT(reg_free_co_create(__uuidof(Circle), root.c_str(), (root + "\\wrong.manifest").c_str(),
+                               CLSCTX_INPROC_SERVER, &object),
+            0);
+  EXPECT_EQ(object.p, nullptr);
+}
+
+TEST(RegistrationFree, FailsWhereTheServerIsForAnotherProcessor) {
+  const Com com;
+  TemporaryFolder folder;
+  const std::string root = folder.path().string();
+  std::string server = read_file(components() + "\\com_server.dll");
+  IMAGE_DOS_HEADER header;
+  std::memcpy(&header, server.data(), sizeof header);
+  const WORD x86 = IMAGE_FILE_MACHINE_I386;
+  std::memcpy(&server[static_cast<std::size_t>(header.e_lfanew) + sizeof(DWORD)], &x86, sizeof x86);
+  write_file("com_server.dll", server);
+  write_file("com_server.manifest", read_file(manifest()));
+  CComPtr<IUnknown> object;
+  EXPECT_LT(reg_free_co_create(__uuidof(Circle), root.c_str(), (root + "\\com_server.manifest").c_str(),
                                CLSCTX_INPROC_SERVER, &object),
             0);
   EXPECT_EQ(object.p, nullptr);

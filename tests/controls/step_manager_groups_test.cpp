@@ -139,6 +139,23 @@ TEST(ControlGroup, IsDoneOnlyWhenAllItsControlsAre) {
   EXPECT_EQ(group.enabled(), 0);
 }
 
+// A derived class that copies itself in its own way.
+class CopiedGroup : public atlControlGroup {
+ public:
+  explicit CopiedGroup(const atlControlGroup& other) { copy_from(other); }
+};
+
+TEST(ControlGroup, IsCopiedByADerivedClass) {
+  const Controls controls(2);
+  atlControlGroup group(controls.parent());
+  group.add_control(2);
+  group.set_visible(5);
+  const CopiedGroup copy(group);
+  EXPECT_EQ(copy.parent(), controls.parent());
+  EXPECT_EQ(copy.control_ids(), std::set<unsigned>{2});
+  EXPECT_EQ(copy.visible(), 5);
+}
+
 TEST(ControlGroup, CopiesAreOfTheSameControls) {
   const Controls controls(2);
   atlControlGroup group(controls.parent());

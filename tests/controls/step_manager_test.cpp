@@ -244,6 +244,19 @@ TEST_F(Steps, AreSharedByACopyOfTheManager) {
   delete copy->step(2);
 }
 
+TEST_F(Steps, AreSharedByAnAssignedManager) {
+  make(2, true, false);
+  manager_->init();
+  // Neither is destroyed here: both have the same steps.
+  alignas(atlStepManager) static std::byte place[sizeof(atlStepManager)];
+  auto* other = new (place) atlStepManager(nullptr, false, true);
+  EXPECT_EQ(&(*other = *manager_), other);
+  EXPECT_EQ(other->get_step_count(), 2);
+  EXPECT_EQ(other->step(1), manager_->step(1));
+  other->next_step();
+  EXPECT_EQ(enabled(), "0 1") << "it keeps completed steps as well";
+}
+
 // ---- against a model ---------------------------------------------------------------------------------------------
 
 // A simple model of the steps: the enabled steps are computed one by one.

@@ -4,10 +4,14 @@
 
 #include <windows.h>
 
+#include <diagnostics/full_disk.h>
+#include <support/c_library.h>
 #include <support/files.h>
+#include <support/import_override.h>
 
 #include <clocale>
 #include <filesystem>
+#include <memory>
 #include <regex>
 #include <string>
 #include <thread>
@@ -193,6 +197,29 @@ TEST_F(Profiler, EndsAScopeThatAnExceptionLeaves) {
   EXPECT_EQ(normalised(stop()), one_thread(block("scope", "{b: 0, e: #},")));
 }
 
+int refused_records = 0;
+
+// A thread's record is the only object of its own alignment.
+void* __cdecl refuse_record(size_t, size_t) {
+  ++refused_records;
+  return nullptr;
+}
+
+// The end of the scope is the first call of its thread in the new record.
+TEST_F(Profiler, EndsAScopeWhereThereIsNoMemoryForItsThread) {
+  auto scope = std::make_unique<kexProfileScope>("scope");
+  stop();
+  kex_start_profiling();
+  {
+    const ImportOverride shortage(c_library::allocator_of("kexlib.dll"), c_library::dll, "_aligned_malloc",
+                                  &refuse_record);
+    ASSERT_TRUE(shortage.made());
+    scope.reset();
+  }
+  EXPECT_EQ(refused_records, 1);
+  EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
+}
+
 TEST_F(Profiler, HoldsNoDataInAScope) {
   EXPECT_TRUE(std::is_empty_v<kexProfileScope>);
   EXPECT_FALSE(std::is_polymorphic_v<kexProfileScope>);
@@ -288,6 +315,19 @@ TEST_F(Profiler, DropsTheRecordWhenTheFileCannotBeOpened) {
     kex_stop_profiling(path);
   }
   EXPECT_EQ(files_in(folder_.path()), std::vector<std::string>{});
+  kex_start_profiling();
+  EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
+}
+
+TEST_F(Profiler, CutsTheRecordWhereTheDiskIsFull) {
+  kex_start_profiling();
+  begin("a"), end();
+  {
+    const FullDisk disk("kexlib.dll", 30);
+    ASSERT_TRUE(disk.made());
+    kex_stop_profiling("record.js");
+  }
+  EXPECT_EQ(read_file("record.js"), "var threads = [\r\n{\r\n  blocks: ");
   kex_start_profiling();
   EXPECT_EQ(stop(), "var threads = [\r\n]\r\n");
 }

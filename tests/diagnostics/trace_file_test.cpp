@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <diagnostics/full_disk.h>
 #include <support/c_library.h>
 #include <support/debugger_output.h>
 #include <support/desktop_folder.h>
@@ -333,6 +334,17 @@ TEST_F(TraceFileOnDesktop, LosesLinesWhileItCannotBeMadeAndThenGoesOn) {
   g_traceToFile.Trace("kept");
   EXPECT_EQ(only_file(), "kept");
   EXPECT_EQ(debugger.texts(), (std::vector<std::string>{"lost", "lost too", "kept"}));
+}
+
+TEST_F(TraceFileOnDesktop, LosesLinesWhileTheDiskIsFullAndThenGoesOn) {
+  CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
+  {
+    const FullDisk disk("kexlib.dll", 8);
+    ASSERT_TRUE(disk.made());
+    for (const char* text : {"kept\n", "cut off\n", "lost\n"}) g_traceToFile.Trace("%s", text);
+  }
+  g_traceToFile.Trace(", kept too");
+  EXPECT_EQ(traced(), "kept\r\ncu, kept too");
 }
 
 TEST_F(TraceFileOnDesktop, LosesLinesWhenThePathIsTooLong) {

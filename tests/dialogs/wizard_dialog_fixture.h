@@ -73,6 +73,7 @@ class Wizard : public kexWizardDialog {
 
  protected:
   void OnSheetInitialized2() override {
+    kexWizardDialog::OnSheetInitialized2();
     if (initialized) initialized();
   }
 };

@@ -124,6 +124,13 @@ int main(int argc, char** argv) {
   kex_end_block();
   kex_begin_block("open");
 
+  if (ending == "killed") Sleep(INFINITE);
+  if (ending == "crash_on_thread") std::thread(&write_to_nowhere).join();
+  if (ending == "box") {
+    (new CProblemAlert)->RaiseProblemMessage();
+    while (!FindWindowA("#32770", "Error")) Sleep(1);
+    return exit_code;
+  }
   if (ending == "stopped") {
     kex_stop_profiling("stopped.js");
     return exit_code;

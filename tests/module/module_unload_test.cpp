@@ -1,6 +1,8 @@
 // The library's unload in separate processes: at FreeLibrary, and at each kind of process end.
 #include <gtest/gtest.h>
 
+#include <windows.h>
+
 #include <support/child_process.h>
 #include <support/crash_report.h>
 #include <support/desktop_folder.h>
@@ -91,6 +93,31 @@ TEST_F(UnloadInChildProcess, DoesNotRunAtTerminateProcess) {
   EXPECT_EQ(files(), std::vector<std::string>{"trace"});
   EXPECT_EQ(trace(), "TerminateProcess\r\n");  // complete up to the last line, without a footer
 }
+
+TEST_F(UnloadInChildProcess, LeavesAWholeTraceWhenTheProgramIsKilled) {
+  std::string command = "\"" + (program_folder() / "endings.exe").string() + "\" killed";
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  PROCESS_INFORMATION program;
+  ASSERT_TRUE(
+      CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &program));
+  while (trace() != "killed\r\n" && WaitForSingleObject(program.hProcess, 10) == WAIT_TIMEOUT) {
+  }
+  EXPECT_TRUE(TerminateProcess(program.hProcess, exit_code));
+  EXPECT_EQ(WaitForSingleObject(program.hProcess, INFINITE), DWORD{WAIT_OBJECT_0});
+  CloseHandle(program.hThread);
+  CloseHandle(program.hProcess);
+  EXPECT_EQ(files(), std::vector<std::string>{"trace"});
+  EXPECT_EQ(trace(), "killed\r\n");
+}
+
+TEST_F(UnloadInChildProcess, LeavesAWholeTraceWhenAnotherThreadCrashes) {
+  EXPECT_EQ(run_program("endings.exe", "crash_on_thread"), crash_exit_code);
+  EXPECT_EQ(files(), std::vector<std::string>{"trace"});
+  EXPECT_EQ(trace(), "crash_on_thread\r\n");
+}
+
+TEST_F(UnloadInChildProcess, FinishesRecordAndTraceUnderABoxThatNobodyCloses) { expect_written_at_unload("box"); }
 
 // The other thread is killed at a different place each time, within an insertion at many of them.
 TEST_F(UnloadInChildProcess, WritesAWholeRecordWhileAnotherThreadIsInsideTheProfiler) {

@@ -6,10 +6,12 @@
 #include <commctrl.h>
 
 #include <support/import_override.h>
+#include <support/memory_shortage.h>
 #include <windowtools/hwnd_table_fixture.h>
 #include <windowtools/mdi_frame.h>
 
 #include <cctype>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -162,6 +164,29 @@ TEST_F(HwndTable, RegistersWhatIsNoWindowAndNeverFindsIt) {
   table().unreg_window(nullptr);
   EXPECT_EQ(table().get_name(gone), nullptr);
   EXPECT_EQ(table().get_name(nullptr), nullptr);
+}
+
+TEST_F(HwndTable, RegistersNothingWhereMemoryRunsOut) {
+  HWND window = dialog();
+  HWND other = dialog();
+  table().reg_window(other, "other", 1);
+  int refused = 0;
+  for (bool thrown = true; thrown; ++refused) {
+    thrown = false;
+    {
+      const MemoryShortage shortage(GetCurrentThreadId(), refused);
+      ASSERT_TRUE(shortage.made());
+      try {
+        table().reg_window(window, "a name that is longer than any text that holds itself", 2);
+      } catch (const std::bad_alloc&) {
+        thrown = true;
+      }
+    }
+    EXPECT_EQ(table().get_name(window) == nullptr, thrown) << refused;
+  }
+  EXPECT_GT(refused, 2);
+  EXPECT_EQ(table().get_handle("a name that is longer than any text that holds itself"), window);
+  EXPECT_STREQ(table().get_name(other), "other");
 }
 
 TEST_F(HwndTable, FindsAWindowOfAnotherProcess) {
