@@ -226,13 +226,13 @@ inline Left left_by(const Operation& operation) {
 
 }  // namespace fault_sweep
 
-inline void sweep_faults(std::span<const Call> calls, std::span<const Operation> operations) {
+inline void sweep_faults(std::span<const Call> failing, std::span<const Operation> operations) {
   std::set<std::string> reached;
   fault_sweep::counted.reset();
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.name);
     const fault_sweep::Left allowed = fault_sweep::left_by(operation);
-    for (const Call& call : calls) {
+    for (const Call& call : failing) {
       const auto round = [&](int n, bool lasting) {
         SCOPED_TRACE(std::string(call.name()) + " " + std::to_string(n) + (lasting ? " and all later ones" : ""));
         return fault_sweep::round(operation, call, n, lasting, allowed);
@@ -243,7 +243,7 @@ inline void sweep_faults(std::span<const Call> calls, std::span<const Operation>
       for (int n = 0; n < count - 1 && round(n, true); ++n) continue;  // after the last one there is no later one
     }
   }
-  for (const Call& call : calls) EXPECT_TRUE(reached.contains(call.name())) << "no operation calls " << call.name();
+  for (const Call& call : failing) EXPECT_TRUE(reached.contains(call.name())) << "no operation calls " << call.name();
 }
 
 #endif
