@@ -2,7 +2,7 @@
 //
 //     class Lamp : public Counted<ILamp> { ... };       // the class implements QueryInterface
 //     HRESULT WINAPI DllGetClassObject(REFCLSID id, REFIID wanted, void** object) {
-//       return id == __uuidof(Lamp) ? in_process::give(new in_process::Factory<LampObject>, wanted, object) : ...;
+//       return id == __uuidof(Lamp) ? in_process::give<in_process::Factory<LampObject>>(wanted, object) : ...;
 //     }
 #ifndef EXAMPLES_COMPONENTS_IN_PROCESS_SERVER_H
 #define EXAMPLES_COMPONENTS_IN_PROCESS_SERVER_H
@@ -11,6 +11,7 @@
 #include <unknwn.h>
 
 #include <atomic>
+#include <new>
 
 namespace in_process {
 
@@ -37,12 +38,16 @@ class Counted : public Interfaces... {
   std::atomic<ULONG> references_ = 1;
 };
 
-// Returns an interface of a new object, and releases the object's first reference.
+// Returns an interface of a new object. No exception may leave a COM method.
 template <class Object>
-HRESULT give(Object* object, REFIID wanted, void** result) {
+HRESULT give(REFIID wanted, void** result) try {
+  auto* const object = new Object;
   const HRESULT found = object->QueryInterface(wanted, result);
   object->Release();
   return found;
+} catch (const std::bad_alloc&) {
+  *result = nullptr;
+  return E_OUTOFMEMORY;
 }
 
 template <class Object>
@@ -56,7 +61,7 @@ class Factory : public Counted<IClassFactory> {
   }
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** object) override {
     *object = nullptr;
-    return outer ? CLASS_E_NOAGGREGATION : give(new Object, wanted, object);
+    return outer ? CLASS_E_NOAGGREGATION : give<Object>(wanted, object);
   }
   STDMETHODIMP LockServer(BOOL lock) override {
     in_use += lock ? 1 : -1;

@@ -1,4 +1,4 @@
-#include <atlstr.h>
+#include <afx.h>
 
 #include <framework/error_text.h>
 

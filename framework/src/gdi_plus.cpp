@@ -1,3 +1,4 @@
+#include <afx.h>
 #include <atlbase.h>
 #include <gdiplus.h>
 

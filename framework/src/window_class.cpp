@@ -1,3 +1,4 @@
+#include <afx.h>
 #include <atlwin.h>
 
 #include <framework/system_library.h>

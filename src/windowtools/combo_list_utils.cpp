@@ -39,7 +39,12 @@ CStringA kexWTLListViewCtrlUtils::get_item_text(int item, int subitem) {
   constexpr int short_room = 256;
   char short_text[short_room + 1];  // most texts then need one allocation of their exact size
   const bool is_short = is_whole(read(list_, item, subitem, short_text, short_room), short_room);
-  CStringA text(short_text, static_cast<int>(std::strlen(short_text)));
+  CStringA text;
+  const int length = static_cast<int>(std::strlen(short_text));
+  char* const whole = buffer_of(text, length);
+  if (!whole) return text;
+  std::memcpy(whole, short_text, static_cast<size_t>(length));
+  text.ReleaseBufferSetLength(length);
   if (is_short) return text;
   for (int room = 2 * short_room; char* const buffer = buffer_of(text, room); room *= 2)
     if (is_whole(read(list_, item, subitem, buffer, room), room)) break;

@@ -1,5 +1,7 @@
 #include <support/test_control.h>
 
+#include <new>
+
 namespace {
 
 // The rest of the stream.
@@ -125,7 +127,8 @@ HRESULT TestControlClass::CreateInstanceLic(IUnknown* outer, IUnknown*, REFIID w
   *object = nullptr;
   if (outer) return CLASS_E_NOAGGREGATION;
   if (license && (!key || wcscmp(license, key) != 0)) return CLASS_E_NOTLICENSED;
-  made = new TestControl;
+  made = new (std::nothrow) TestControl;
+  if (!made) return E_OUTOFMEMORY;
   if (prepare) prepare(made);
   HRESULT result = made->QueryInterface(wanted, object);
   made->Release();

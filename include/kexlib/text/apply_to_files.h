@@ -55,6 +55,7 @@ class KEXLIB_API kexApplyToFiles {
   /// Returns an HRESULT: S_OK, also if the walk was stopped; E_INVALIDARG if the folder does not exist, its path is too
   /// long, or the pattern is null; otherwise the error of FindFirstFile or FindNextFile. A folder that cannot be walked
   /// ends the whole walk, after the files before it. Exceptions of the two members below propagate to the caller.
+  /// Running out of memory throws MFC's memory exception.
   long Apply(const char* directory, const char* pattern, int followShortcuts);
 
  protected:

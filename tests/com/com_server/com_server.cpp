@@ -107,9 +107,9 @@ class FrameObject : public Counted<INamed> {
 
 STDAPI DllGetClassObject(REFCLSID id, REFIID wanted, void** object) {
   *object = nullptr;
-  if (id == __uuidof(Circle)) return in_process::give(new in_process::Factory<CircleObject>, wanted, object);
-  if (id == __uuidof(Square)) return in_process::give(new in_process::Factory<SquareObject>, wanted, object);
-  if (id == __uuidof(Frame)) return in_process::give(new in_process::Factory<FrameObject>, wanted, object);
+  if (id == __uuidof(Circle)) return in_process::give<in_process::Factory<CircleObject>>(wanted, object);
+  if (id == __uuidof(Square)) return in_process::give<in_process::Factory<SquareObject>>(wanted, object);
+  if (id == __uuidof(Frame)) return in_process::give<in_process::Factory<FrameObject>>(wanted, object);
   return CLASS_E_CLASSNOTAVAILABLE;
 }
 
