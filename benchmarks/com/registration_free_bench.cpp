@@ -55,14 +55,20 @@ void measure_type_library_scan() {
     scan.add("reg_free_find_tlb",
              nanoseconds_a_library([&] { found += reg_free_find_tlb(wanted, root.c_str(), "*.tlb").size(); }));
     scan.run();
+    const char* const reason =
+        "whoever searches type libraries must load each, and paths known beforehand save the walk";
     bench::at_most(1.2, scan.ratio("reg_free_list_classes", "LoadTypeLib alone"),
-                   "of the time of LoadTypeLib alone, for reg_free_list_classes");
+                   {.name = "the classes of 200 type libraries",
+                    .compared = "reg_free_list_classes, of the time of LoadTypeLib on each",
+                    .reason = reason});
     bench::at_most(1.2, scan.ratio("reg_free_find_tlb", "LoadTypeLib alone"),
-                   "of the time of LoadTypeLib alone, for reg_free_find_tlb");
+                   {.name = "an interface in 200 type libraries",
+                    .compared = "reg_free_find_tlb, of the time of LoadTypeLib on each",
+                    .reason = reason});
   }
   CoUninitialize();
 }
 
-const bench::Benchmark type_library_scan_benchmark(measure_type_library_scan);
+const bench::Benchmark type_library_scan_benchmark("type libraries", measure_type_library_scan);
 
 }  // namespace

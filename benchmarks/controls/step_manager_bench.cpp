@@ -8,8 +8,8 @@ constexpr unsigned controls = 1000;
 constexpr int rounds = 2;  // disable and enable
 
 void measure_control_groups() {
-  const HWND parent =
-      CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 100, 100, 100, 40, nullptr, nullptr, nullptr, nullptr);
+  const HWND parent = bench::made(
+      CreateWindowA("STATIC", "", WS_POPUP | WS_VISIBLE, 100, 100, 100, 40, nullptr, nullptr, nullptr, nullptr));
   atlControlGroup group(parent);
   for (unsigned id = 1; id <= controls; ++id) {
     CreateWindowA("STATIC", "", WS_CHILD, 0, 0, 10, 10, parent, reinterpret_cast<HMENU>(UINT_PTR{id}), nullptr,
@@ -31,10 +31,12 @@ void measure_control_groups() {
   });
   work.run();
   bench::at_most(1.1, work.ratio("set_enabled", "EnableWindow, GetDlgItem"),
-                 "of the time of EnableWindow and GetDlgItem, for set_enabled");
+                 {.name = "1000 controls enabled or disabled",
+                  .compared = "set_enabled, of the time of EnableWindow and GetDlgItem for each",
+                  .reason = "a dialog that enables controls by their ids calls these two"});
   DestroyWindow(parent);
 }
 
-const bench::Benchmark control_groups_benchmark(measure_control_groups);
+const bench::Benchmark control_groups_benchmark("control groups", measure_control_groups);
 
 }  // namespace

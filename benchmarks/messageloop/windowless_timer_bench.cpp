@@ -91,18 +91,23 @@ Times measure_plain(int count) {
 
 void measure_ten_thousand_timers() {
   constexpr int count = 10000, rounds = 7;
-  const auto compare = [](const char* title, double Times::*which, const char* what) {
+  const auto compare = [](const char* title, double Times::*which, const bench::Line& line) {
     bench::Comparison work(title, rounds);
     work.add("library", [=] { return measure_library(count).*which; });
     work.add("list walk", [=] { return measure_plain(count).*which; });
     work.run();
-    bench::at_most(1.3, work.ratio("library", "list walk"), what);
+    bench::at_most(1.3, work.ratio("library", "list walk"), line);
   };
-  compare("a tick of the oldest of 10,000 timers", &Times::tick, "of the time of a walk through a list");
+  compare("a tick of the oldest of 10,000 timers", &Times::tick,
+          {.name = "a tick among 10,000 timers",
+           .compared = "of the oldest CATLWindowLessTimer, of the time of a walk through a list",
+           .reason = "timers without a window are found in a list by their ids"});
   compare("a stop, one after the other, of 10,000 timers", &Times::stop,
-          "of the time of a walk through a list and KillTimer");
+          {.name = "a stop among 10,000 timers",
+           .compared = "CATLWindowLessTimer::SetEnabled, of the time of a walk through a list and KillTimer",
+           .reason = "timers without a window are found in a list by their ids"});
 }
 
-const bench::Benchmark ten_thousand_timers_benchmark(measure_ten_thousand_timers);
+const bench::Benchmark ten_thousand_timers_benchmark("10,000 timers", measure_ten_thousand_timers);
 
 }  // namespace

@@ -56,11 +56,15 @@ void measure_walk() {
            }));
   walk.run();
   bench::at_most(1.10, walk.ratio("kexApplyToFiles", "FindFirstFile, nothing done"),
-                 "of the time of a bare FindFirstFile walk");
+                 {.name = "a walk over files",
+                  .compared = "kexApplyToFiles, of the time of a recursive FindFirstFile that does nothing",
+                  .reason = "one search for each folder is the least that finds all files"});
   bench::at_least(1.3, walk.ratio("std::filesystem, is_regular_file", "kexApplyToFiles"),
-                  "times as fast as std::filesystem");
+                  {.name = "a walk beside std::filesystem",
+                   .compared = "kexApplyToFiles, times as fast as recursive_directory_iterator with is_regular_file",
+                   .reason = "the walk of the standard library, as people write it"});
 }
 
-const bench::Benchmark walk_benchmark(measure_walk);
+const bench::Benchmark walk_benchmark("walk", measure_walk);
 
 }  // namespace
