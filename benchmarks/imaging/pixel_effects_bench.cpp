@@ -5,6 +5,7 @@
 #include <support/literal_effects.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -205,6 +206,34 @@ void measure_pixel_effects() {
   Measurement(32, 32, 2000).measure_all();
 }
 
+void grow_pictures() {
+  struct Effect {
+    const char* name;
+    void (*run)(kexlib::PixelSpan, const kexlib::Pixel* other);
+  };
+  for (const Effect& effect :
+       {Effect{"fill", [](auto picture, auto) { kexlib::fill(picture, 7); }},
+        Effect{"merge", [](auto picture, auto other) { kexlib::merge(picture, other, face); }},
+        Effect{"ramp", [](auto picture, auto) { kexlib::tint_all(picture, dark, mid, light, skip, 0); }},
+        Effect{"stipple", [](auto picture, auto) { kexlib::stipple(picture, face, 0xFFFFFF); }}})
+    bench::grow({.name = effect.name,
+                 .x = "pixels",
+                 .y = "nanoseconds a pixel",
+                 .sizes = {16 * 16, 64 * 64, 256 * 256, 1024 * 1024, 2880 * 2880, 5760 * 5760},
+                 .own_exponent = 0,
+                 .explained = "pictures of more than some million pixels exceed the processor's caches, and memory is "
+                              "slower",
+                 .measure = [&](std::size_t pixels) {
+                   static std::vector<std::uint32_t> own = noise(5760 * 5760), other = own;
+                   const int side = static_cast<int>(std::sqrt(pixels) + 0.5);
+                   const kexlib::PixelSpan picture{own.data(), side, side};
+                   const int repeats = static_cast<int>(std::max<std::size_t>(1, 1000000 / pixels));
+                   return bench::nanoseconds_each(repeats, [&] { effect.run(picture, other.data()); }) /
+                          static_cast<double>(pixels);
+                 }});
+}
+
+const bench::Growth pictures_growth("pictures", grow_pictures);
 const bench::Benchmark pixel_effects_benchmark("pixel effects", measure_pixel_effects);
 
 }  // namespace

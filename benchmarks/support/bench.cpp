@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <fstream>
 #include <iomanip>
-#include <string_view>
 
 namespace bench {
 namespace {
@@ -14,9 +13,14 @@ struct Registered {
   void (*measure)();
 };
 
-std::vector<Registered>& registered() {
-  static std::vector<Registered> benchmarks;
-  return benchmarks;
+std::vector<Registered>& benchmarks() {
+  static std::vector<Registered> all;
+  return all;
+}
+
+std::vector<Registered>& growths() {
+  static std::vector<Registered> all;
+  return all;
 }
 
 std::string running;    // the name of the benchmark
@@ -28,7 +32,8 @@ void write_line(const char* at, double mark, const Figure& figure, const Line& l
           << ", \"name\": " << std::quoted(line.name) << ", \"compared\": " << std::quoted(line.compared)
           << ", \"reason\": " << std::quoted(line.reason) << ", \"at\": \"" << at << "\", \"mark\": " << mark
           << ", \"figure\": " << figure.value << ", \"low\": " << figure.low << ", \"high\": " << figure.high
-          << ", \"nanoseconds\": [" << figure.dividend << ", " << figure.divisor << "]}" << std::endl;
+          << ", \"rounds\": " << figure.rounds << ", \"nanoseconds\": [" << figure.dividend << ", " << figure.divisor
+          << "]}" << std::endl;
 }
 
 void tell(const char* at, double mark, bool reached, const Figure& figure, const Line& line) {
@@ -46,7 +51,9 @@ double median(const std::vector<double>& values) { return quantile(values, 2); }
 
 }  // namespace
 
-Benchmark::Benchmark(const char* name, void (*measure)()) { registered().push_back({name, measure}); }
+Benchmark::Benchmark(const char* name, void (*measure)()) { benchmarks().push_back({name, measure}); }
+
+Growth::Growth(const char* name, void (*measure)()) { growths().push_back({name, measure}); }
 
 double now() {
   LARGE_INTEGER counter, frequency;
@@ -74,6 +81,7 @@ Figure Comparison::ratio(const std::string& variant, const std::string& other) c
   std::vector<double> ratios(times.size());
   std::transform(times.begin(), times.end(), others.begin(), ratios.begin(), std::divides());
   Figure figure(median(ratios), quantile(ratios, 1), quantile(ratios, 3));
+  figure.rounds = ratios.size();
   figure.dividend = median(times);
   figure.divisor = median(others);
   return figure;
@@ -85,6 +93,21 @@ void at_most(double mark, const Figure& figure, const Line& line) {
 
 void at_least(double mark, const Figure& figure, const Line& line) {
   tell("least", mark, figure.value >= mark, figure, line);
+}
+
+void grow(const Curve& curve) {
+  std::vector<std::vector<double>> figures(curve.sizes.size());
+  for (int round = 0; round < curve.rounds; ++round)
+    for (std::size_t i = 0; i < curve.sizes.size(); ++i) figures[i].push_back(curve.measure(curve.sizes[i]));
+  std::printf("%s: %s by %s\n", curve.name.c_str(), curve.y.c_str(), curve.x.c_str());
+  for (std::size_t i = 0; i < curve.sizes.size(); ++i) {
+    std::printf("    %12zu %16.2f\n", curve.sizes[i], median(figures[i]));
+    results << std::setprecision(6) << "{\"name\": " << std::quoted(curve.name) << ", \"x\": " << std::quoted(curve.x)
+            << ", \"y\": " << std::quoted(curve.y) << ", \"expected\": " << curve.own_exponent
+            << ", \"explained\": " << std::quoted(curve.explained) << ", \"size\": " << curve.sizes[i]
+            << ", \"figure\": " << median(figures[i]) << ", \"low\": " << quantile(figures[i], 1)
+            << ", \"high\": " << quantile(figures[i], 3) << '}' << std::endl;
+  }
 }
 
 void leave_out(const std::string& name, const std::string& why) {
@@ -106,7 +129,8 @@ int main(int count, char** arguments) {
     bench::results.open(wanted[1]);
     wanted.erase(wanted.begin(), wanted.begin() + 2);
   }
-  for (const auto& [name, measure] : bench::registered()) {
+  const bool growth = std::erase(wanted, "--growth") > 0;
+  for (const auto& [name, measure] : growth ? bench::growths() : bench::benchmarks()) {
     if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), name) == wanted.end()) continue;
     bench::running = name;
     try {

@@ -10,7 +10,7 @@
 //                     .compared = "CTraceToFile::Trace, of the time of a std::ofstream that is flushed",
 //                     .reason = "a log file written by hand flushes each line, so that a crash loses none"});
 //
-// A benchmark registers itself: see Benchmark. FAMILY_bench.exe [--growth] [--results FILE] [BENCHMARK...] runs all
+// A benchmark registers itself: see Benchmark. FAMILY_bench.exe [--results FILE] [--growth] [BENCHMARK...] runs all
 // that are registered, or those named. scripts/bench runs the programs, repeats what misses its mark, and makes the
 // table.
 #ifndef BENCHMARKS_SUPPORT_BENCH_H
@@ -42,6 +42,7 @@ struct Figure {
   Figure(double median, double lower, double upper) : value(median), low(lower), high(upper) {}
 
   double value, low, high;
+  std::size_t rounds = 1;
   double dividend = 0, divisor = 0;  // of a ratio of times: their medians in nanoseconds
 };
 
@@ -102,6 +103,27 @@ HWND made(HWND window);
 class Benchmark {
  public:
   Benchmark(const char* name, void (*measure)());
+};
+
+// What a piece of work costs, by its size: a curve of a picture with logarithmic axes. Curves of a family with the same
+// axes share a picture.
+struct Curve {
+  std::string name;
+  std::string x, y;  // the axes: "names", "nanoseconds a block"
+  std::vector<std::size_t> sizes;
+  double own_exponent = 0;  // of the work itself
+  std::string explained;    // why the curve's is above that
+  std::function<double(std::size_t size)> measure;
+  int rounds = 5;
+};
+
+// Measures all sizes in turn, round by round; prints the medians and writes them to the results.
+void grow(const Curve& curve);
+
+// Registers a function that the program runs instead of the benchmarks when it is started with --growth.
+class Growth {
+ public:
+  Growth(const char* name, void (*measure)());
 };
 
 }  // namespace bench

@@ -5,8 +5,10 @@
 #include <support/bench.h>
 #include <support/files.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -65,6 +67,51 @@ void measure_walk() {
                    .reason = "the walk of the standard library, as people write it"});
 }
 
+// Ten files in each of fifty folders or fewer, one in the other; a path has 260 characters at most.
+void make_deep_tree(fs::path folder, std::size_t files) {
+  const std::size_t levels = std::min<std::size_t>(50, files / 10);
+  for (std::size_t level = 0; level < levels; ++level) {
+    for (std::size_t i = level; i < files; i += levels) write_file(folder / (std::to_string(i) + ".cpp"), "");
+    folder /= "d";
+    fs::create_directory(folder);
+  }
+}
+
+void make_flat_tree(fs::path folder, std::size_t files) {
+  for (std::size_t i = 0; i < files; ++i) write_file(folder / (std::to_string(i) + ".cpp"), "");
+}
+
+double nanoseconds_a_file_of(void (*make)(fs::path folder, std::size_t files), std::size_t files) {
+  TemporaryFolder folder;
+  make(folder.path(), files);
+  const std::string root = folder.path().string();
+  const auto walk = [&] { Count().Apply(root.c_str(), "*.cpp", 0); };
+  walk();
+  const int repeats = static_cast<int>(std::max<std::size_t>(1, 1000 / files));
+  return bench::nanoseconds_each(repeats, walk) / static_cast<double>(files);
+}
+
+void grow_folders() {
+  const std::vector<std::size_t> sizes = {100, 1000, 10000, 100000};
+  bench::grow({.name = "all in one folder",
+               .x = "files",
+               .y = "nanoseconds a file",
+               .sizes = sizes,
+               .own_exponent = 0,
+               .explained = "",
+               .measure = [](std::size_t files) { return nanoseconds_a_file_of(make_flat_tree, files); },
+               .rounds = 1});
+  bench::grow({.name = "in up to 50 folders, one in the other",
+               .x = "files",
+               .y = "nanoseconds a file",
+               .sizes = sizes,
+               .own_exponent = 0,
+               .explained = "",
+               .measure = [](std::size_t files) { return nanoseconds_a_file_of(make_deep_tree, files); },
+               .rounds = 1});
+}
+
+const bench::Growth folders_growth("folders", grow_folders);
 const bench::Benchmark walk_benchmark("walk", measure_walk);
 
 }  // namespace

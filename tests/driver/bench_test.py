@@ -33,7 +33,7 @@ results.write_text("".join(json.dumps(line) + "\\n" for line in lines))
 
 def line(figure: float, name: str = "a pair", spread: float = 0.01, at: str = "most", mark: float = 1.1) -> dict:
     return {"benchmark": name + "s", "name": name, "compared": "ours, of the time of theirs", "reason": "people write theirs",
-            "at": at, "mark": mark, "figure": figure, "low": figure - spread, "high": figure + spread,
+            "at": at, "mark": mark, "figure": figure, "low": figure - spread, "high": figure + spread, "rounds": 15,
             "nanoseconds": [100 * figure, 100]}
 
 
@@ -103,8 +103,8 @@ class Bench(unittest.TestCase):
                          (0, "bench: WARNING: left out: a, a peer: it is not installed"))
 
     def test_a_slowdown_beyond_the_noise_of_three_runs(self):
-        old = self.old_results(line(0.8), line(5, "speed", 0.1, "least", 3), line(0.9, "noisy", 0.3))
-        slow = [line(0.9), line(4, "speed", 0.1, "least", 3), line(1.05, "noisy", 0.3)]
+        old = self.old_results(line(0.8), line(5, "speed", 0.1, "least", 3), line(0.9, "noisy", 0.2))
+        slow = [line(0.9), line(4, "speed", 0.1, "least", 3), line(1.05, "noisy", 0.2)]
         self.can("a", slow, slow, slow)
         status, said = self.compare(old)
         self.assertEqual(self.calls("a"), ["", "a pairs speeds", "a pairs speeds"])
