@@ -27,7 +27,7 @@ void grow_arrays() {
                .y = "nanoseconds an element",
                .sizes = {10, 100, 1000, 10000, 100000, 1000000},
                .own_exponent = 0,
-               .explained = "",
+               .explained = "an array of 100,000 variants, 24 bytes each, exceeds the processor's own caches",
                .measure = nanoseconds_an_element});
 }
 

@@ -63,7 +63,7 @@ void grow_steps() {
                      DestroyWindow(parent);
                      return time / static_cast<double>(controls);
                    },
-               .rounds = 3});
+               .rounds = 1});
 }
 
 void measure_memory() {

@@ -1,9 +1,11 @@
-// Loading and unloading kexlib.dll. This program does not use it otherwise.
+// Loading and unloading kexlib.dll as the package has it: without debugging information, most of the file, which the
+// loader would read too. This program does not use the library otherwise.
 #include <windows.h>
 #include <psapi.h>
 #include <tlhelp32.h>
 
 #include <support/bench.h>
+#include <support/files.h>
 #include <support/heap_size.h>
 
 #include <string>
@@ -24,9 +26,14 @@ void CALLBACK remember(ULONG, const void*, void*) {
   told = bench::now();
 }
 
+HMODULE load() {
+  static const std::wstring path = program_folder() / "as_packaged" / "kexlib.dll";
+  return LoadLibraryW(path.c_str());
+}
+
 // All modules that kexlib.dll needs stay loaded: they belong to every program on the framework.
 void keep_what_is_needed() {
-  const HMODULE library = LoadLibraryA("kexlib.dll");
+  const HMODULE library = load();
   HMODULE modules[256];
   DWORD bytes = 0;
   EnumProcessModules(GetCurrentProcess(), modules, sizeof modules, &bytes);
@@ -55,7 +62,7 @@ struct Times {
 Times load_and_unload() {
   Times times{};
   const double start = bench::now();
-  const HMODULE library = LoadLibraryA("kexlib.dll");
+  const HMODULE library = load();
   const double loaded = bench::now();
   times.load = loaded - start;
   times.initialize = loaded - told;
@@ -95,11 +102,13 @@ void measure_loading() {
 
   count_heap = true;
   const DWORD threads_before = threads();
-  const HMODULE library = LoadLibraryA("kexlib.dll");
+  const HMODULE library = load();
   const bench::HeapSize heap = bench::heap_size();
-  const std::string why = "what is made at load, every program pays, whatever it uses";
-  bench::at_most(1, static_cast<double>(heap.blocks - heap_when_told.blocks),
-                 {.name = "memory taken at load", .compared = "blocks of the heap", .reason = why});
+  const std::string why = "every program pays what is made at load, whatever it uses";
+  bench::at_most(2, static_cast<double>(heap.blocks - heap_when_told.blocks),
+                 {.name = "memory taken at load",
+                  .compared = "blocks of the heap: two locks and the list of destructors, and the loader frees one",
+                  .reason = why});
   bench::at_most(0, threads() - threads_before, {.name = "threads made at load", .compared = "threads", .reason = why});
   FreeLibrary(library);
 }

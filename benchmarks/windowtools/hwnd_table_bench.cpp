@@ -131,7 +131,7 @@ void grow_windows() {
                      const double time = bench::nanoseconds_each(1, [&] {
                        for (std::size_t i = 0; i < count; ++i) {
                          windows[i] = bench::made(
-                             CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr));
+                             CreateWindowA("STATIC", "", 0, 0, 0, 9, 9, HWND_MESSAGE, nullptr, nullptr, nullptr));
                          table.reg_window(windows[i], name_of(static_cast<int>(i)).c_str(), 1);
                        }
                        for (const HWND window : windows) DestroyWindow(window);
