@@ -31,6 +31,17 @@ void trace_to(std::ofstream& stream, const char* format, ...) {
   stream.flush();
 }
 
+// The least that formats and writes.
+void write_to(HANDLE file, const char* format, ...) {
+  char text[512];
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vsnprintf(text, sizeof text, format, arguments);
+  va_end(arguments);
+  DWORD written;
+  WriteFile(file, text, static_cast<DWORD>(length), &written, nullptr);
+}
+
 void measure_trace_line() {
   TemporaryFolder folder;
   DesktopFolder desktop(folder.path());
@@ -57,6 +68,11 @@ void measure_trace_line() {
     });
   });
 
+  line.add("vsnprintf, raw write", [&] {
+    int i = 0;
+    return bench::nanoseconds_each(lines, [&] { write_to(raw, "item %d of %d: %s\r\n", ++i, lines, "a name"); });
+  });
+
 #ifdef BENCH_WITH_PEERS
   const auto logger = spdlog::basic_logger_st("bench", "spdlog.txt");
   logger->set_pattern("%v");
@@ -72,6 +88,10 @@ void measure_trace_line() {
                  {.name = "a traced line",
                   .compared = "CTraceToFile::Trace, of the time of vsnprintf and a std::ofstream that is flushed",
                   .reason = "a log file written by hand flushes each line, so that a crash loses none"});
+  bench::at_most(1.03, line.ratio("library", "vsnprintf, raw write"),
+                 {.name = "a traced line beside its parts",
+                  .compared = "CTraceToFile::Trace, of the time of one vsnprintf and one WriteFile",
+                  .reason = "nothing formats and writes a line with less"});
 #ifdef BENCH_WITH_PEERS
   bench::at_least(1.5, line.ratio("spdlog, basic file sink, flush", "library"),
                   {.name = "a traced line beside spdlog",

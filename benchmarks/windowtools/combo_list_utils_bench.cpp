@@ -18,7 +18,10 @@ void measure_cell_text() {
   text.add("one LVM_GETITEMTEXTA", [&] {
     return bench::nanoseconds_each(cells, [&] {
       char buffer[256];
-      list.GetItemText(0, 0, buffer, sizeof buffer);
+      LVITEMA cell{};
+      cell.pszText = buffer;
+      cell.cchTextMax = sizeof buffer;
+      SendMessageA(list, LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&cell));
     });
   });
   text.add("library", [&] { return bench::nanoseconds_each(cells, [&] { utils.get_item_text(0, 0); }); });
