@@ -105,11 +105,16 @@ start_display() {
   display_processes[$1]=$!
 }
 
-# wait_for_display SESSION
+# wait_for_display SESSION [no-display-needed]
 wait_for_display() {
   local number=$session_folder/$1/display
-  wait_until 20 "${display_processes[$1]}" test -s "$number" || fail "the display server Xvfb did not start."
-  displays[$1]=:$(cat "$number")
+  if wait_until 20 "${display_processes[$1]}" test -s "$number"; then
+    displays[$1]=:$(cat "$number")
+  else
+    [ -n "${2:-}" ] || fail "the display server Xvfb did not start."
+    say "WARNING: the display server Xvfb did not start: there are no windows."
+    displays[$1]=
+  fi
 }
 
 # start_keeper SESSION
@@ -133,8 +138,9 @@ stop_wine_everywhere() {
   done
 }
 
-# start_sessions COUNT [own-display]: from here to the end of the command Wine can run programs. They run in the first
-# session, or in the one that scripts/wine-run is told. With own-display the first has the user's display.
+# start_sessions COUNT [own-display | no-display-needed]: from here to the end of the command Wine can run programs. They
+# run in the first session, or in the one that scripts/wine-run is told. With own-display the first has the user's display;
+# with no-display-needed a session goes on without one.
 start_sessions() {
   local count=$1 session prefix resources=
   display_processes=() displays=() keepers=()
@@ -147,7 +153,7 @@ start_sessions() {
     displays[1]=$DISPLAY
   else
     for ((session = 1; session <= count; session++)); do start_display $session; done
-    for ((session = 1; session <= count; session++)); do wait_for_display $session; done
+    for ((session = 1; session <= count; session++)); do wait_for_display $session "${2:-}"; done
   fi
   export DISPLAY=${displays[1]}
   prepare_prefix

@@ -43,9 +43,12 @@ void measure_guid_order() {
   order.add("memcmp", [] { return nanoseconds_a_comparison<ByMemcmp>(ids); });
   order.add("kexLessGUID", [] { return nanoseconds_a_comparison<kexLessGUID>(ids); });
   order.run();
-  bench::at_most(0.6, order.ratio("kexLessGUID", "memcmp"), "of the time of memcmp, for a comparison by kexLessGUID");
+  bench::at_most(0.6, order.ratio("kexLessGUID", "memcmp"),
+                 {.name = "the order of two GUIDs",
+                  .compared = "kexLessGUID, of the time of memcmp over 16 bytes",
+                  .reason = "memcmp is the usual way to use GUIDs as keys of a map, and gives the same order"});
 }
 
-const bench::Benchmark guid_order_benchmark(measure_guid_order);
+const bench::Benchmark guid_order_benchmark("order", measure_guid_order);
 
 }  // namespace

@@ -65,11 +65,15 @@ void measure_task_dialog() {
   shown.add("20 microseconds", [] { return 20000.0; });
   shown.run();
   bench::at_most(1.0, shown.ratio("the configuration", "20 microseconds"),
-                 "times 20 microseconds, for the configuration of a dialog");
+                 {.name = "the configuration of a task dialog",
+                  .compared = "kexTaskDialog with 20 buttons, of 20 microseconds",
+                  .reason = "a dialog shown by hand fills the same structure; nobody notices such a time"});
   bench::at_most(0.01, shown.ratio("all of ours", "the system's"),
-                 "of the system's time to show a dialog, for all that the library does");
+                 {.name = "a task dialog shown",
+                  .compared = "all that the library does, of the system's time to show the dialog",
+                  .reason = "a dialog shown by hand calls TaskDialogIndirect too"});
 }
 
-const bench::Benchmark task_dialog_benchmark(measure_task_dialog);
+const bench::Benchmark task_dialog_benchmark("task dialog", measure_task_dialog);
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <support/literal_effects.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <random>
@@ -86,8 +87,11 @@ class Measurement {
     add(work, "memset", [&] { std::memset(pixels_.data(), 7, bytes()); });
     add_by_columns(work, [&] { literal::fill(slow_, 7); });
     work.run();
-    bench::at_least(0.9, work.ratio("memset", "library"), "of memset's speed");
-    check_columns(work);
+    bench::at_least(0.9, work.ratio("memset", "library"),
+                    {.name = "fill" + size(),
+                     .compared = "of memset's speed",
+                     .reason = "memset is the fastest way to write memory, but knows no pixels"});
+    check_columns(work, "fill");
   }
 
   void measure_key_substitution() {
@@ -98,8 +102,8 @@ class Measurement {
     add(work, "memcpy", [&] { std::memcpy(copy_.data(), pixels_.data(), bytes()); });
     add_by_columns(work, [&] { literal::substitute_key(slow_, skip); });
     work.run();
-    if (!is_icon()) bench::at_least(0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
-    check_columns(work);
+    check_memcpy(work, "key substitution");
+    check_columns(work, "key substitution");
   }
 
   void measure_merge() {
@@ -110,8 +114,8 @@ class Measurement {
     add(work, "memcpy", [&] { std::memcpy(copy_.data(), pixels_.data(), bytes()); });
     add_by_columns(work, [&] { literal::merge_by_columns(slow_, other_.data(), face); });
     work.run();
-    if (!is_icon()) bench::at_least(0.6, work.ratio("memcpy", "library"), "of memcpy's speed");
-    check_columns(work);
+    check_memcpy(work, "merge");
+    check_columns(work, "merge");
   }
 
   void measure_ramp() {
@@ -124,8 +128,10 @@ class Measurement {
     });
     work.run();
     bench::at_least(is_icon() ? 4 : 8, work.ratio("divisions, in rows", "library"),
-                    "times as fast as a division for each pixel");
-    check_columns(work);
+                    {.name = "three-colour ramp" + size(),
+                     .compared = "times as fast as the divisions for each pixel, in rows",
+                     .reason = "the formula of the ramp, written down"});
+    check_columns(work, "three-colour ramp");
   }
 
   void measure_stipple() {
@@ -137,8 +143,11 @@ class Measurement {
     add(work, "GDI, pattern brush", [&] { FillRect(section_.dc, &all, brush_); });
     add_by_columns(work, [&] { literal::stipple(slow_, face, face); });
     work.run();
-    bench::at_least(2, work.ratio("GDI, pattern brush", "library"), "times as fast as a pattern brush");
-    check_columns(work);
+    bench::at_least(2, work.ratio("GDI, pattern brush", "library"),
+                    {.name = "stipple" + size(),
+                     .compared = "times as fast as FillRect with a pattern brush",
+                     .reason = "GDI draws a chessboard so"});
+    check_columns(work, "stipple");
   }
 
   void measure_shift() {
@@ -147,13 +156,15 @@ class Measurement {
     add(work, "GDI, BitBlt", [&] { BitBlt(section_.dc, 1, 1, width_ - 1, height_ - 1, section_.dc, 0, 0, SRCCOPY); });
     add_by_columns(work, [&] { literal::shift_down_right_by_columns(slow_); });
     work.run();
-    bench::at_least(0.8, work.ratio("GDI, BitBlt", "library"), "of BitBlt's speed");
-    check_columns(work);
+    bench::at_least(0.8, work.ratio("GDI, BitBlt", "library"),
+                    {.name = "shift" + size(),
+                     .compared = "of the speed of BitBlt onto itself",
+                     .reason = "GDI shifts a picture so"});
+    check_columns(work, "shift");
   }
 
-  bench::Comparison comparison(const std::string& effect) const {
-    return bench::Comparison(effect + " at " + std::to_string(width_) + " x " + std::to_string(height_), rounds);
-  }
+  bench::Comparison comparison(const std::string& effect) const { return bench::Comparison(effect + size(), rounds); }
+  std::string size() const { return " at " + std::to_string(width_) + " x " + std::to_string(height_); }
   template <typename Run>
   void add(bench::Comparison& work, const char* name, Run run) const {
     work.add(name, [run, count = count_] { return bench::nanoseconds_each(count, run); });
@@ -163,8 +174,19 @@ class Measurement {
   void add_by_columns(bench::Comparison& work, Run run) const {
     if (!is_icon()) add(work, "by columns", run);
   }
-  void check_columns(const bench::Comparison& work) const {
-    if (!is_icon()) bench::at_least(5, work.ratio("by columns", "library"), "times as fast as a loop over columns");
+  void check_memcpy(const bench::Comparison& work, const std::string& effect) const {
+    if (is_icon()) return;
+    bench::at_least(0.6, work.ratio("memcpy", "library"),
+                    {.name = effect + size(),
+                     .compared = "of memcpy's speed",
+                     .reason = "whatever reads and writes each pixel once takes as long as a copy at best"});
+  }
+  void check_columns(const bench::Comparison& work, const std::string& effect) const {
+    if (is_icon()) return;
+    bench::at_least(5, work.ratio("by columns", "library"),
+                    {.name = effect + size() + ", columns",
+                     .compared = "times as fast as a loop over columns",
+                     .reason = "a loop over x around one over y, as pictures are often gone through"});
   }
   bool is_icon() const { return width_ < 100; }
   std::size_t bytes() const { return pixels_.size() * sizeof(kexlib::Pixel); }
@@ -184,6 +206,34 @@ void measure_pixel_effects() {
   Measurement(32, 32, 2000).measure_all();
 }
 
-const bench::Benchmark pixel_effects_benchmark(measure_pixel_effects);
+void grow_pictures() {
+  struct Effect {
+    const char* name;
+    void (*run)(kexlib::PixelSpan, const kexlib::Pixel* other);
+  };
+  for (const Effect& effect :
+       {Effect{"fill", [](auto picture, auto) { kexlib::fill(picture, 7); }},
+        Effect{"merge", [](auto picture, auto other) { kexlib::merge(picture, other, face); }},
+        Effect{"ramp", [](auto picture, auto) { kexlib::tint_all(picture, dark, mid, light, skip, 0); }},
+        Effect{"stipple", [](auto picture, auto) { kexlib::stipple(picture, face, 0xFFFFFF); }}})
+    bench::grow({.name = effect.name,
+                 .x = "pixels",
+                 .y = "nanoseconds a pixel",
+                 .sizes = {16 * 16, 64 * 64, 256 * 256, 1024 * 1024, 2880 * 2880, 5760 * 5760},
+                 .own_exponent = 0,
+                 .explained = "pictures of more than some million pixels exceed the processor's caches, and memory is "
+                              "slower",
+                 .measure = [&](std::size_t pixels) {
+                   static std::vector<std::uint32_t> own = noise(5760 * 5760), other = own;
+                   const int side = static_cast<int>(std::sqrt(pixels) + 0.5);
+                   const kexlib::PixelSpan picture{own.data(), side, side};
+                   const int repeats = static_cast<int>(std::max<std::size_t>(1, 1000000 / pixels));
+                   return bench::nanoseconds_each(repeats, [&] { effect.run(picture, other.data()); }) /
+                          static_cast<double>(pixels);
+                 }});
+}
+
+const bench::Growth pictures_growth("pictures", grow_pictures);
+const bench::Benchmark pixel_effects_benchmark("pixel effects", measure_pixel_effects);
 
 }  // namespace

@@ -88,8 +88,15 @@ void measure(const char* what, hnDuctImage* image, double limit, int rounds) {
            [&] { return bench::nanoseconds_each(1, [&] { plain_size = static_cast<double>(plain_wic(image)); }); });
   work.run();
   std::printf("    %.0f bytes, plain WIC %.0f\n", size, plain_size);
-  bench::at_most(limit, work.ratio("library", "plain WIC"), "of the time of plain WIC");
-  bench::at_most(1, size / plain_size, "of the size of plain WIC's file");
+  const std::string reason = "WIC with its defaults is the way of Windows to write a PNG file";
+  bench::at_most(limit, work.ratio("library", "plain WIC"),
+                 {.name = std::string("PNG of ") + what,
+                  .compared = "1920 x 1080 into a buffer, of the time of WIC's encoder",
+                  .reason = reason});
+  bench::at_most(1, size / plain_size,
+                 {.name = std::string("the size of a PNG of ") + what,
+                  .compared = "of the size of what WIC's encoder makes",
+                  .reason = reason});
 }
 
 void measure_png() {
@@ -99,6 +106,6 @@ void measure_png() {
   CoUninitialize();
 }
 
-const bench::Benchmark png_benchmark(measure_png);
+const bench::Benchmark png_benchmark("PNG", measure_png);
 
 }  // namespace

@@ -33,6 +33,18 @@ double parse(const char* text) {
   return value;
 }
 
+// These two are the system's calls, not those of the control's class, which assert the window first: here the system
+// looks for it. noexcept as those are: no exception of a window procedure passes through the system.
+
+// If the window is gone, the size stays where the text would be, and is no number.
+void read_line(HWND edit, char* line) noexcept {
+  const WORD size = line_length;
+  std::memcpy(line, &size, sizeof size);
+  SendMessageA(edit, EM_GETLINE, 0, reinterpret_cast<LPARAM>(line));
+}
+
+void show(HWND edit, const char* text) noexcept { SetWindowTextA(edit, text); }
+
 // Not std::fabs: negative zero keeps its sign.
 double without_sign(double value) { return value < 0 ? -value : value; }
 
@@ -65,14 +77,9 @@ CStringA kexNumberFormatting::format_double(double value, int digits) {
 }
 
 double kexNumericFormatting::getValue(const WTL::CEditT<CWindow>* edit, const char* separator) {
-  CStringA text;
-  if (edit && edit->IsWindow()) {
-    // The control does not terminate the text.
-    char* const line = text.GetBuffer(line_length);
-    std::memset(line, 0, line_length + 1);
-    edit->GetLine(0, line, line_length);
-    text.ReleaseBuffer();
-  }
+  char line[line_length + 1] = {};  // the control does not terminate the text
+  if (edit) read_line(edit->m_hWnd, line);
+  CStringA text(line);
   text.Replace(separator, ".");
   return parse(text);
 }
@@ -86,7 +93,7 @@ CStringA kexNumericFormatting::putValue(WTL::CEditT<CWindow>* edit, double value
   CStringA text;
   neutral_format(text, "%.*lf", static_cast<int>(digits), value);
   text.Replace(".", separator);
-  if (edit && edit->IsWindow()) edit->SetWindowText(text);
+  if (edit) show(edit->m_hWnd, text);
   return text;
 }
 

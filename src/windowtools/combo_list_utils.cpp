@@ -16,12 +16,19 @@ char* buffer_of(CStringA& text, int room) {
 
 // Returns the length that the control reports. The control need not terminate the text: the buffer has one character
 // more than `room` for that.
-int read(const WTL::CListViewCtrlT<ATL::CWindow>& list, int item, int subitem, char* buffer, int room) {
+//
+// The system's call, not that of the control's class, which asserts the window first: here the system looks for it, and
+// answers 0 if it is gone. noexcept as that one is: no exception of a window procedure passes through the system.
+int read(HWND list, int item, int subitem, char* buffer, int room) noexcept {
   buffer[0] = 0;  // in case the window does not reply
-  if (!list.IsWindow()) return 0;
-  const int length = list.GetItemText(item, subitem, buffer, room);
+  LVITEMA cell{};
+  cell.iSubItem = subitem;
+  cell.pszText = buffer;
+  cell.cchTextMax = room;
+  const LRESULT length =
+      SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(item), reinterpret_cast<LPARAM>(&cell));
   buffer[room] = 0;
-  return length;
+  return static_cast<int>(length);
 }
 
 // A text that fills the buffer may have been truncated.

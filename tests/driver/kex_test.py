@@ -115,6 +115,7 @@ class Refusals(unittest.TestCase):
         for arguments, sentence in ((("run", "/no/such.exe"), "there is no program '/no/such.exe'"),
                                     (("mutate", "dance"), "there is no family 'dance'"),
                                     (("check", "text", "dance"), "there is no check 'dance'"),
+                                    (("bench", "--compare", "/no/such"), "there is no file '/no/such' to compare with."),
                                     (("fuzz", "six_digits"), "'fuzz' takes a number of seconds first"),
                                     (("fuzz", "0"), "'fuzz' takes a number of seconds first, and '0' is none."),
                                     (("fuzz", "5", "dance"), "there is no core 'dance'; there are archive file_names"),
@@ -138,10 +139,14 @@ class Refusals(unittest.TestCase):
         environment = os.environ | {"PATH": f"{self.folder}:{os.environ['PATH']}"} | variables
         return subprocess.run([checkout / "kex", *arguments], env=environment, capture_output=True, text=True)
 
-    def test_bench_goes_on_after_a_family_that_misses_its_target(self):
+    def test_bench_goes_on_after_a_family_that_fails(self):
+        (self.folder / "checkout/include/kexlib").mkdir(parents=True)
+        shutil.copy(ROOT / "include/kexlib/version.h", self.folder / "checkout/include/kexlib")
+        self.fake("chromium", ":")
         self.fake("npm", "echo viewer")
         done = self.run_kex_with_programs(["a_bench.exe", "b_bench.exe"], "bench")
-        self.assertEqual((done.returncode, done.stdout), (1, "a_bench.exe\nb_bench.exe\nviewer\n"))
+        self.assertEqual((done.returncode, done.stdout.splitlines()[:3]), (1, ["a_bench.exe", "b_bench.exe", "viewer"]))
+        self.assertIn("bench: FAILED: a (1)\n", done.stdout)
 
     def test_run_says_where_windows_are(self):
         programs = ["keeper.exe", "drawing.exe"]

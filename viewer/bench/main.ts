@@ -1,6 +1,6 @@
 // Measures the page in Chromium with a million intervals and with five, and beside it the page of the npm package
 // speedscope on the same records. Exit status 1 if the page misses what it promises.
-import { copyFileSync, mkdirSync, rmSync, statSync, writeFileSync } from 'node:fs';
+import { appendFileSync, copyFileSync, mkdirSync, rmSync, statSync, writeFileSync } from 'node:fs';
 import { cpus, loadavg } from 'node:os';
 import { join } from 'node:path';
 import { execFileSync } from 'node:child_process';
@@ -23,11 +23,25 @@ const folder = join(outputFolder, 'bench');
 
 const faults: string[] = [];
 
-/** Prints a figure, and remembers it if it is not as promised. */
+/** What the next figures are about. */
+let subject = '';
+
+function begin(what: string): void {
+  subject = what;
+  console.log(`${what}:`);
+}
+
+/** Prints a figure, adds it to the file of results if there is to be one, and remembers it if it is not as promised. */
 function tell(what: string, figure: string, promise?: string, kept = true): void {
   console.log(
     `  ${what.padEnd(58)} ${figure.padStart(12)}${promise ? `   ${promise}${kept ? '' : '   MISSED'}` : ''}`,
   );
+  const results = process.env.KEX_BENCH_RESULTS;
+  if (results)
+    appendFileSync(
+      results,
+      `${JSON.stringify({ name: `${subject}: ${what}`, shown: figure, promise: promise ?? '', kept })}\n`,
+    );
   if (!kept) faults.push(what);
 }
 
@@ -97,8 +111,8 @@ async function tellFrames(page: Page, way: string, canvas: string, promise?: num
 
 /** One after the other, round by round, so that what else the machine does falls on all of them. */
 async function measureFirstPictures(): Promise<void> {
-  console.log(
-    `${intervals.toLocaleString('en')} intervals on ${threads} threads, first picture (median of ${rounds}):`,
+  begin(
+    `${intervals.toLocaleString('en')} intervals on ${threads} threads, first picture (median of ${rounds})`,
   );
   const byScript: number[] = [];
   const byFile: number[] = [];
@@ -117,7 +131,7 @@ async function measureFirstPictures(): Promise<void> {
 }
 
 async function measureViewer(): Promise<void> {
-  console.log('The viewer, the same record:');
+  begin('The viewer, the same record');
   for (const [way, open] of [
     ['as a file', (page: Page) => shownByFile(page)],
     ['as a script', shownByScript],
@@ -138,7 +152,7 @@ async function measureViewer(): Promise<void> {
 }
 
 async function measureSpeedscope(): Promise<void> {
-  console.log('speedscope, the same record, converted:');
+  begin('speedscope, the same record, converted');
   await inBrowser(async (page) => {
     await shownBySpeedscope(page);
     tell("most memory of the page's process", `${pageMemory().toFixed(0)} MB`);
@@ -157,7 +171,7 @@ function writeCopies(name: string, copies: number): void {
 }
 
 async function measureFiveMillion(): Promise<void> {
-  console.log('Five million intervals, chosen as a file:');
+  begin('Five million intervals, chosen as a file');
   writeCopies('five.js', 5);
   const times: number[] = [];
   for (let round = 0; round < rounds; ++round)
@@ -199,7 +213,7 @@ async function measureLargeFile(): Promise<void> {
   writeCopies('large.js', copies);
   const size = statSync(join(folder, 'large.js')).size / 2 ** 20;
   const all = `${(copies * intervals).toLocaleString('en')} intervals`;
-  console.log(`A record of ${size.toFixed(0)} MB, ${all}:`);
+  begin(`A record of ${size.toFixed(0)} MB, ${all}`);
   await inBrowser(async (page) => {
     tell('first picture', seconds(await shownByFile(page, 'large.js')));
     const said = await page.locator('.status, .refusal').first().innerText();
@@ -228,7 +242,7 @@ await measureViewer();
 await measureSpeedscope();
 await measureFiveMillion();
 await measureLargeFile();
-console.log('flame-chart-js on the same record, in a page of its own:');
+begin('flame-chart-js on the same record, in a page of its own');
 await inBrowser((page) => measureFlameChart(page, join(folder, 'profiler.js'), tell));
 console.log(load());
 if (faults.length > 0) {

@@ -1,0 +1,196 @@
+#include <kexlib/diagnostics/profiler.h>
+
+#include <windows.h>
+#include <psapi.h>
+
+#include <diagnostics/block_recorder.h>
+#include <diagnostics/profile_writer.h>
+#include <diagnostics/text_file.h>
+#include <support/bench.h>
+#include <support/files.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+struct NoClock {
+  static std::uint32_t thread_id() { return GetCurrentThreadId(); }
+  static std::int64_t now() { return 1; }
+};
+
+std::vector<std::string> names(std::size_t count) {
+  std::vector<std::string> made;
+  for (std::size_t i = 0; i < count; ++i) made.push_back("block " + std::to_string(i));
+  return made;
+}
+
+double nanoseconds_among(std::size_t count) {
+  static kexlib::BlockRecorder<NoClock> recorder;
+  const std::vector<std::string> blocks = names(count);
+  const auto each_once = [&] {
+    for (const std::string& name : blocks) {
+      recorder.begin(name);
+      recorder.end();
+    }
+  };
+  recorder.start();
+  each_once();  // makes the blocks
+  const int repeats = static_cast<int>(std::max<std::size_t>(1, 200000 / count));
+  const double time = bench::nanoseconds_each(repeats, each_once) / static_cast<double>(count);
+  recorder.stop();
+  recorder.record().clear();
+  return time;
+}
+
+void grow_names() {
+  bench::grow({.name = "sibling names in turn",
+               .x = "names",
+               .y = "nanoseconds a block, without the clock",
+               .sizes = {1, 10, 100, 1000, 10000, 100000},
+               .own_exponent = 0,
+               .explained =
+                   "from 10,000 names on, names, index and blocks exceed the processor's caches: a look-up takes "
+                   "several reads of memory instead of cache",
+               .measure = nanoseconds_among});
+}
+
+// The processor's time that the process has taken, in nanoseconds.
+double processor_time() {
+  FILETIME created, ended, kernel, user;
+  GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user);
+  const auto value = [](FILETIME time) {
+    return static_cast<double>(static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime);
+  };
+  return (value(kernel) + value(user)) * 100;
+}
+
+// So many pairs altogether, spread over the threads: the clock of the processor's time has steps of ten milliseconds.
+double processor_time_on(std::size_t threads) {
+  constexpr std::size_t pairs = 2000000;
+  kex_start_profiling();
+  const double start = processor_time();
+  std::vector<std::thread> running;
+  for (std::size_t i = 0; i < threads; ++i)
+    running.emplace_back([=] {
+      const std::string name = "block";
+      for (std::size_t pair = 0; pair < pairs / threads; ++pair) {
+        kex_begin_block(name);
+        kex_end_block();
+      }
+    });
+  for (std::thread& thread : running) thread.join();
+  const double time = (processor_time() - start) / static_cast<double>(pairs);
+  kex_stop_profiling("NUL");
+  return time;
+}
+
+void grow_threads() {
+  bench::grow({.name = "the same block on each thread",
+               .x = "threads",
+               .y = "nanoseconds of a processor a block",
+               .sizes = {1, 2, 4, 8, 16, 32, 64},
+               .own_exponent = 0,
+               .explained = "",
+               .measure = processor_time_on,
+               .rounds = 3});
+}
+
+SIZE_T private_memory() {
+  PROCESS_MEMORY_COUNTERS counters{};
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+  return counters.PagefileUsage;
+}
+
+void fill(kexlib::ProfileRecord& record, std::size_t intervals) {
+  const std::vector<std::string> blocks = names(8);
+  std::mt19937_64 random(1);
+  std::int64_t now = 0;
+  const auto tick = [&] { return now += static_cast<std::int64_t>(random() % 4000); };
+  for (std::size_t i = 0; i < intervals; ++i) {
+    record.thread(4).begin(blocks[i % blocks.size()], tick());
+    record.thread(4).end(tick());
+  }
+}
+
+void write_record(const kexlib::ProfileRecord& record) {
+  namespace text_file = kexlib::text_file;
+  const text_file::Handle file = text_file::open("record.js", text_file::Start::Truncated);
+  text_file::Sink sink(file);
+  kexlib::write_profile(record, 1e7, sink);
+  text_file::close(file);
+}
+
+void grow_record() {
+  TemporaryFolder folder;
+  static kexlib::ProfileRecord record;
+  const std::vector<std::size_t> sizes = {1000, 10000, 100000, 1000000, 10000000};
+  bench::grow({.name = "a record written to a file",
+               .x = "intervals",
+               .y = "nanoseconds an interval",
+               .sizes = sizes,
+               .own_exponent = 0,
+               .explained = "",
+               .measure =
+                   [](std::size_t intervals) {
+                     fill(record, intervals);
+                     const int repeats = static_cast<int>(std::max<std::size_t>(1, 100000 / intervals));
+                     const double time = bench::nanoseconds_each(repeats, [] { write_record(record); });
+                     record.clear();
+                     return time / static_cast<double>(intervals);
+                   },
+               .rounds = 3});
+  bench::grow({.name = "memory of a record",
+               .x = "intervals",
+               .y = "bytes an interval",
+               .sizes = sizes,
+               .own_exponent = 0,
+               .explained = "",
+               .measure =
+                   [](std::size_t intervals) {
+                     fill(record, intervals);
+                     const auto bytes = static_cast<double>(record.memory()) / static_cast<double>(intervals);
+                     record.clear();
+                     return bytes;
+                   },
+               .rounds = 1});
+}
+
+// Ten million intervals: what the process takes for them, and what it takes beyond that while they are written.
+void measure_memory_of_ten_million() {
+  TemporaryFolder folder;
+  static kexlib::ProfileRecord record;
+  constexpr double megabyte = 1e6;
+  const SIZE_T before = private_memory();
+  fill(record, 10000000);
+  const SIZE_T filled = private_memory();
+  PROCESS_MEMORY_COUNTERS counters{};
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+  const SIZE_T peak_before = counters.PeakPagefileUsage;
+  write_record(record);
+  K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
+  const std::string reason = "times alone, two of 64 bits, take 160 MB";
+  bench::at_most(400, static_cast<double>(filled - before) / megabyte,
+                 {.name = "memory of ten million intervals",
+                  .compared = "megabytes that the process takes for the record",
+                  .reason = reason});
+  bench::at_most(400, static_cast<double>(std::max(peak_before, counters.PeakPagefileUsage) - before) / megabyte,
+                 {.name = "peak memory of ten million intervals",
+                  .compared = "megabytes at the peak, while it was filled and written",
+                  .reason = reason});
+  bench::at_most(1, static_cast<double>(counters.PeakPagefileUsage - peak_before) / megabyte,
+                 {.name = "memory for writing ten million intervals",
+                  .compared = "megabytes by which the peak rose while the record was written",
+                  .reason = "a text made in memory first would take 250 MB more"});
+  record.clear();
+}
+
+const bench::Growth names_growth("names", grow_names);
+const bench::Growth threads_growth("threads", grow_threads);
+const bench::Growth record_growth("record", grow_record);
+const bench::Benchmark memory_benchmark("memory of ten million intervals", measure_memory_of_ten_million);
+
+}  // namespace
