@@ -341,7 +341,7 @@ const Operation operations[] = {
      }},
     {"kex_screen_to_file",
      [](Attempt& attempt) {
-       const ImportOverride small("kexlib.dll", "USER32.dll", "GetWindowRect", &small_desktop);
+       const ImportOverride desktop("kexlib.dll", "USER32.dll", "GetWindowRect", &small_desktop);
        CString path("a picture of the screen with a name that is not short.png");
        long result = -1;
        const std::string thrown = attempt([&] { result = kex_screen_to_file(path); });

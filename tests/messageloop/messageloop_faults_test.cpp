@@ -12,7 +12,7 @@
 namespace {
 
 constexpr UINT hooked_message = WM_APP + 1;
-constexpr long no_memory = HRESULT_FROM_WIN32(ERROR_NOT_ENOUGH_MEMORY);
+const long no_memory = HRESULT_FROM_WIN32(ERROR_NOT_ENOUGH_MEMORY);
 
 class Hook final : public CThreadMessageHook {
  public:
