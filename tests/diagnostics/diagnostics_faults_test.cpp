@@ -156,10 +156,13 @@ const Operation operations[] = {
      }},
 };
 
-TEST(DiagnosticsFaultsOnDesktop, NoCallThatFailsDoesHarm) {
-  const TemporaryFolder folder;
-  const DesktopFolder desktop(folder.path());
-  sweep_faults(calls, operations);
-}
+class DiagnosticsFaultsOnDesktop : public testing::Test {
+  TemporaryFolder folder_;
+  DesktopFolder desktop_{folder_.path()};
+};
+
+TEST_F(DiagnosticsFaultsOnDesktop, NoCallThatFailsDoesHarm) { sweep_faults(calls, operations); }
+
+TEST_F(DiagnosticsFaultsOnDesktop, RoundsWithoutOneLeaveNothingBehind) { repeat_rounds(operations); }
 
 }  // namespace

@@ -43,7 +43,7 @@ const Operation operations[] = {
      [](Attempt& attempt) {
        const HANDLE event = CreateEventA(nullptr, TRUE, FALSE, nullptr);
        DWORD result = 99;
-       EXPECT_EQ(attempt([&] { result = SafeWaitWithMessageLoop(1, &event, 1, FALSE, nullptr); }), "");
+       EXPECT_EQ(attempt([&] { result = SafeWaitWithMessageLoop(1, &event, 30, FALSE, nullptr); }), "");
        EXPECT_EQ(result, attempt.failed() && !attempt.failed("PeekMessageA") ? WAIT_FAILED : DWORD{WAIT_TIMEOUT});
        SetEvent(event);
        EXPECT_EQ(SafeWaitWithMessageLoop(1, &event, 1, FALSE, nullptr), DWORD{WAIT_OBJECT_0});
@@ -125,5 +125,7 @@ const Operation operations[] = {
 };
 
 TEST(MessageLoopFaults, NoCallThatFailsDoesHarm) { sweep_faults(failing_calls, operations); }
+
+TEST(MessageLoopFaults, RoundsWithoutOneLeaveNothingBehind) { repeat_rounds(operations); }
 
 }  // namespace

@@ -159,16 +159,18 @@ class Attempt {
   bool failed_ = false;
 };
 
+// What a round leaves behind.
+struct Left {
+  int gdi_objects = 0, user_objects = 0, kernel_handles = 0, blocks = 0;
+};
+
 struct Operation {
   const char* name;
   std::function<void(Attempt&)> round;  // makes what it needs, looks at the result, and destroys what it has made
+  Left by_design = {};                  // what its header says that it leaves behind if nothing fails
 };
 
 namespace fault_sweep {
-
-struct Left {
-  int gdi_objects, user_objects, kernel_handles, blocks;
-};
 
 // Counting takes longer than most rounds: each count serves two.
 inline std::optional<ResourceCounts> counted;
@@ -231,7 +233,7 @@ inline void sweep_faults(std::span<const Call> failing, std::span<const Operatio
   fault_sweep::counted.reset();
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.name);
-    const fault_sweep::Left allowed = fault_sweep::left_by(operation);
+    const Left allowed = fault_sweep::left_by(operation);
     for (const Call& call : failing) {
       const auto round = [&](int n, bool lasting) {
         SCOPED_TRACE(std::string(call.name()) + " " + std::to_string(n) + (lasting ? " and all later ones" : ""));
@@ -244,6 +246,31 @@ inline void sweep_faults(std::span<const Call> failing, std::span<const Operatio
     }
   }
   for (const Call& call : failing) EXPECT_TRUE(reached.contains(call.name())) << "no operation calls " << call.name();
+}
+
+// Many rounds without a failure: each leaves behind what it does by design, and nothing else. 50, or as many as the
+// variable KEXLIB_LEAK_ROUNDS says.
+inline void repeat_rounds(std::span<const Operation> operations) {
+  const char* const asked = std::getenv("KEXLIB_LEAK_ROUNDS");
+  const int rounds = asked ? std::atoi(asked) : 50;
+  for (const Operation& operation : operations) {
+    SCOPED_TRACE(operation.name);
+    const auto round = [&] {
+      Attempt none(nullptr, 0, false);
+      operation.round(none);
+    };
+    for (int i = 0; i < 20; ++i) round();  // the system creates at the first use what it keeps
+    const ResourceCounts before;
+    const int blocks = count_heap_blocks();
+    for (int i = 0; i < rounds; ++i) round();
+    const int blocks_now = count_heap_blocks();
+    const ResourceCounts now;
+    EXPECT_EQ(now.gdi_objects - before.gdi_objects, operation.by_design.gdi_objects * rounds);
+    EXPECT_EQ(now.user_objects - before.user_objects, operation.by_design.user_objects * rounds);
+    EXPECT_EQ(now.kernel_handles - before.kernel_handles, operation.by_design.kernel_handles * rounds);
+    // The system sometimes keeps a block; a leak would be one in each round.
+    EXPECT_NEAR(blocks_now - blocks, operation.by_design.blocks * rounds, rounds / 5.0);
+  }
 }
 
 #endif

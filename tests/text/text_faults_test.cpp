@@ -189,17 +189,26 @@ const Operation operations[] = {
        char expected[200];
        std::snprintf(expected, sizeof expected, "Gr\xf6\xdf\x65 - upper - 3 [ A=%.1f B=2.0 ] [ D 0.5000 mm ]", a);
        EXPECT_STREQ(text, expected);
-     }},
+     },
+     {.blocks = 2}},  // the text of a number is kept, with its entry
 };
 
-TEST(TextFaults, NoCallThatFailsDoesHarm) {
-  const TemporaryFolder folder;
-  ASSERT_EQ(CoInitialize(nullptr), S_OK);
-  std::filesystem::create_directory("folder");
-  for (const char* file : {"a file with a long name.txt", "folder\\below.txt", "target.dat"}) write_file(file, "");
-  make_shortcut(folder.path() / "shortcut.lnk", folder.path() / "target.dat");
-  sweep_faults(calls, operations);
-  CoUninitialize();
-}
+class TextFaults : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(CoInitialize(nullptr), S_OK);
+    std::filesystem::create_directory("folder");
+    for (const char* file : {"a file with a long name.txt", "folder\\below.txt", "target.dat"}) write_file(file, "");
+    make_shortcut(folder_.path() / "shortcut.lnk", folder_.path() / "target.dat");
+  }
+  void TearDown() override { CoUninitialize(); }
+
+ private:
+  TemporaryFolder folder_;
+};
+
+TEST_F(TextFaults, NoCallThatFailsDoesHarm) { sweep_faults(calls, operations); }
+
+TEST_F(TextFaults, RoundsWithoutOneLeaveNothingBehind) { repeat_rounds(operations); }
 
 }  // namespace
