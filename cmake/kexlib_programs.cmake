@@ -39,7 +39,11 @@ function(kexlib_compiler_dlls variable)
   set(paths)
   if(MINGW)
     cmake_path(GET CMAKE_CXX_COMPILER PARENT_PATH beside)
-    foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    set(names libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    if(KEXLIB_HARDENED)
+      list(APPEND names libssp-0.dll)
+    endif()
+    foreach(name IN LISTS names)
       execute_process(
         COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
         OUTPUT_VARIABLE path

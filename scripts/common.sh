@@ -24,7 +24,8 @@ use_toolchain() {
   case $1 in
     mingw) use_preset mingw-release ;;
     msvc-abi) use_preset msvc-abi ;;
-    *) fail "there is no toolchain '$1'; there are mingw and msvc-abi." ;;
+    hardened) use_preset mingw-hardened ;;
+    *) fail "there is no toolchain '$1'; there are mingw, msvc-abi and hardened." ;;
   esac
 }
 

@@ -97,6 +97,14 @@ copy_prefix() {
   cp -a "$WINEPREFIX"/.update-timestamp "$WINEPREFIX"/.prepared "$1"
 }
 
+# set_heap_checks PREFIX: with the preset mingw-hardened the heaps of all programs are checked (the global flags for the
+# tail of blocks and for parameters), otherwise none. Not freed blocks: the system would hold them back, and tests count.
+set_heap_checks() {
+  local flags=00000000
+  [ "$preset" != mingw-hardened ] || flags=00000050
+  sed -i "s/^\"GlobalFlag\"=dword:.*/\"GlobalFlag\"=dword:$flags/" "$1/system.reg"
+}
+
 # start_display SESSION
 start_display() {
   local number=$session_folder/$1/display
@@ -160,6 +168,7 @@ start_sessions() {
   for ((session = 2; session <= count; session++)); do copy_prefix "$(prefix_of $session)"; done
   for ((session = 1; session <= count; session++)); do
     prefix=$(prefix_of $session)
+    set_heap_checks "$prefix"
     WINEPREFIX=$prefix DISPLAY=${displays[session]} start_keeper $session
     printf 'export WINEPREFIX=%q DISPLAY=%q\n' "$prefix" "${displays[session]}" >"$session_folder/$session/environment"
     resources+="${resources:+, }{ \"id\": \"$session\", \"slots\": 1 }"

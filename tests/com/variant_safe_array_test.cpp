@@ -168,6 +168,21 @@ TEST(VariantSafeArray, HasNothingOutsideItsBounds) {
   }
 }
 
+TEST(VariantSafeArray, HasNothingAtIndicesThatMakeNoSense) {
+  for (const LONG first : {LONG_MIN, -1L, 0L, LONG_MAX - 2}) {
+    const Owned elements(VT_VARIANT, first, 2);
+    Array list(elements);
+    VARIANT value{};
+    value.vt = VT_I4;
+    for (const int index : {INT_MIN, INT_MIN + 1, -2, -1, 2, INT_MAX}) {
+      EXPECT_EQ(list.PutAt(index, value), DISP_E_BADINDEX) << first << " " << index;
+      EXPECT_EQ(list.GetAt(index).vt, VT_EMPTY) << first << " " << index;
+    }
+    EXPECT_EQ(list.PutAt(1, value), S_OK) << first;
+    EXPECT_EQ(list.GetAt(1).vt, VT_I4) << first;
+  }
+}
+
 TEST(VariantSafeArray, RefusesArraysOfOtherTypes) {
   Array array(2);
   SAFEARRAY* const before = array;

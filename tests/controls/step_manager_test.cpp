@@ -12,6 +12,7 @@
 #include <support/picture.h>
 #include <support/user_input.h>
 
+#include <climits>
 #include <functional>
 #include <random>
 #include <string>
@@ -181,6 +182,39 @@ TEST_F(Steps, CannotBeLeftForOneThatIsNotThere) {
   for (const int idx : {-1, 2, 1000000, -1000000}) manager_->goto_step(idx);
   EXPECT_EQ(manager_->get_active_step_idx(), 0);
   EXPECT_EQ(enabled(), "0");
+}
+
+TEST(StepsWithoutAWindow, TakeNoHarmFromNumbersThatMakeNoSense) {
+  const HWND gone = CreateWindowA("STATIC", "", WS_POPUP, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+  DestroyWindow(gone);
+  for (const HWND parent : {gone, static_cast<HWND>(nullptr), reinterpret_cast<HWND>(~ULONG_PTR{0})}) {
+    atlStepManager steps(parent, true);
+    constexpr int count = 1000;
+    for (int i = 0; i < count; ++i) {
+      atlStepControlGroup* const step = steps.create_step();
+      for (const unsigned id : {0u, 1u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) step->add_control(id);
+      step->attach_number_display(0xFFFFFFFF);
+    }
+    steps.init();
+    for (const int index : {INT_MIN, -1, count, INT_MAX}) {
+      EXPECT_EQ(steps.step(index), nullptr);
+      steps.goto_step(index);
+      EXPECT_EQ(steps.get_active_step_idx(), 0);
+    }
+    steps.step(1)->set_step_number(INT_MIN);
+    steps.step(1)->update();
+    steps.step(2)->set_enabled(INT_MIN);
+    EXPECT_EQ(steps.step(2)->enabled(), INT_MIN);
+    steps.step(3)->set_visible(INT_MAX);
+    EXPECT_EQ(steps.step(3)->visible(), INT_MAX);
+    steps.goto_step(count - 1);
+    steps.next_step();
+    EXPECT_EQ(steps.get_active_step_idx(), count - 1);
+    EXPECT_EQ(steps.get_next_step_idx(), -1);
+    steps.clear();
+    steps.prev_step();
+    EXPECT_EQ(steps.get_step_count(), 0);
+  }
 }
 
 TEST_F(Steps, GetTheParentOfWhenTheyAreMade) {

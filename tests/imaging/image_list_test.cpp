@@ -10,6 +10,7 @@
 #include <support/picture.h>
 #include <support/resource_counts.h>
 
+#include <climits>
 #include <vector>
 
 namespace {
@@ -167,6 +168,24 @@ TEST_F(ImageList, HoldsMorePicturesThanItIsMadeFor) {
   for (int i = 0; i < 40; ++i) ASSERT_TRUE(list.Add(IDB_SQUARE, module(), kexImageNormal));
   EXPECT_EQ(list.GetImageCount(), 40);
   EXPECT_EQ(drawn(list, 39), drawn(list, 0));
+}
+
+TEST_F(ImageList, TakesNoHarmFromSizesAndNumbersThatMakeNoSense) {
+  for (const int odd : {0, -1, INT_MIN}) {
+    kexWTLImageList none(odd, mask);
+    EXPECT_FALSE(none.Create()) << odd;
+    EXPECT_TRUE(none.IsNull());
+    EXPECT_TRUE(none.Add(IDB_SQUARE, module(), kexImageNormal));  // only a failed load is reported
+    EXPECT_EQ(none.GetImageCount(), 0);
+    EXPECT_EQ(none.SetOverlayImage(0, 1), 0);
+    EXPECT_EQ(none.Destroy(), 0);
+  }
+  ASSERT_TRUE(list.Create());
+  EXPECT_TRUE(list.Add(IDB_SQUARE, module(), static_cast<kexImageType>(INT_MIN)));
+  EXPECT_EQ(drawn(list, 0), square([](COLORREF color) { return color; }));
+  for (const int overlay : {INT_MIN, -1, 0, 16, INT_MAX}) EXPECT_EQ(list.SetOverlayImage(0, overlay), 0) << overlay;
+  EXPECT_NE(list.SetOverlayImage(0, 1), 0);
+  EXPECT_EQ(list.GetImageCount(), 1);
 }
 
 TEST_F(ImageList, RoundsLeaveNothingBehind) {

@@ -9,10 +9,12 @@
 #include <support/memory_shortage.h>
 #include <support/resource_counts.h>
 
+#include <climits>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -180,6 +182,24 @@ TEST_F(PngThread, WithoutABufferOnlyTheFileIsWritten) {
   EXPECT_EQ(job.Join(INFINITE), DWORD{WAIT_OBJECT_0});
   EXPECT_EQ(job.GetExitCode(), 0u);
   EXPECT_EQ(decode_image("pict\xfcre.png").pixels, expected);
+}
+
+TEST_F(PngThread, PicturesOfOddSizesAreWritten) {
+  for (const auto& [width, height] : {std::pair{1, 1}, {1, 4097}, {4097, 1}, {65535, 1}, {1, 65535}, {255, 257}}) {
+    const auto image = make_image(width, height);
+    kexPNGGenerationThread::write_image(image.get(), "odd.png", nullptr);
+    const DecodedImage decoded = decode_image("odd.png");
+    EXPECT_EQ(decoded.width, width);
+    EXPECT_EQ(decoded.height, height);
+    EXPECT_EQ(decoded.pixels, pixels_of(*image));
+  }
+  for (const auto& [width, height] : {std::pair{0, 5}, {5, 0}, {-1, 5}, {5, INT_MIN}}) {
+    hnDuctImage empty(width, height, true);
+    const auto buffer = kexBuffer_create();
+    kexPNGGenerationThread::write_image(&empty, "", buffer);
+    EXPECT_TRUE(buffer->is_closed());
+    EXPECT_EQ(buffer->size(), 0u) << width << " " << height;
+  }
 }
 
 TEST_F(PngThread, WithoutAPathTheBufferIsFilledAllTheSame) {

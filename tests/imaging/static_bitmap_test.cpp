@@ -13,6 +13,7 @@
 #include <support/picture.h>
 #include <support/resource_counts.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -250,6 +251,33 @@ TEST_F(StaticBitmapControl, AFileWithAlphaIsCopiedByTheControlAndTheOriginalIsGo
   control.set_bitmap_from_file("alpha.png");
   EXPECT_EQ(shown_size().cx, 3);
   EXPECT_EQ(count_gdi_objects(), before + 1);
+}
+
+// What a decoder makes of a damaged file is the system's.
+TEST_F(StaticBitmapControl, DamagedFilesShowAPictureOrNothing) {
+  std::mt19937 random(1);
+  StaticBitmap control;
+  attach(&control);
+  for (const ImageFormat format : {ImageFormat::Jpeg, ImageFormat::Tiff, ImageFormat::Png, ImageFormat::Bmp}) {
+    ASSERT_TRUE(save_grey_image("whole", format, 13, 7));
+    const std::string whole = read_file("whole");
+    const auto damage = [&] {
+      std::string file = whole.substr(0, random() % 2 ? whole.size() : random() % whole.size());
+      for (unsigned i = random() % 4; i > 0 && !file.empty(); --i)
+        file[random() % file.size()] = static_cast<char>(random());
+      write_file("damaged", file);
+      control.set_bitmap_from_file("damaged");
+      EXPECT_LE(shown_size().cx, 0x7FFF) << static_cast<int>(format);
+    };
+    for (int i = 0; i < 20; ++i) damage();
+    control.SetBitmap(nullptr);
+    const int before = count_gdi_objects();  // under Wine each load after a TIFF file leaves a kernel handle
+    for (int i = 0; i < 100; ++i) damage();
+    control.SetBitmap(nullptr);
+    EXPECT_EQ(count_gdi_objects(), before) << static_cast<int>(format);
+    control.set_bitmap_from_file("whole");
+    EXPECT_EQ(shown_size().cx, 13) << static_cast<int>(format);
+  }
 }
 
 TEST_F(StaticBitmapControl, FilesThatAreNoImagesShowNothing) {

@@ -39,6 +39,21 @@ TEST_F(WindowlessTimer, HasAnIntervalOfFiftyMillisecondsOrMore) {
   EXPECT_EQ(calls.started, 0);
 }
 
+TEST_F(WindowlessTimer, TakesEveryIntervalAlsoWhileItRuns) {
+  const CComPtr<TimerObject> timer = make_timer();
+  timer->SetEnabled(1);
+  for (const long interval : {LONG_MIN, -1L, 0L, LONG_MAX}) {
+    timer->SetInterval(interval);
+    EXPECT_EQ(timer->GetInterval(), interval < 50 ? 50 : interval);
+    EXPECT_EQ(timer->GetEnabled(), 1) << interval;
+  }
+  timer->SetEnabled(SHRT_MIN);
+  EXPECT_EQ(timer->GetEnabled(), 1);
+  timer->SetEnabled(0);
+  timer->SetInterval(LONG_MIN);
+  EXPECT_EQ(timer->GetInterval(), 50);
+}
+
 TEST_F(WindowlessTimer, TellsRepeatingAsOneAndSuspensionAsItWasSet) {
   const CComPtr<TimerObject> timer(new TimerObject);
   timer->SetRepeatable(0);

@@ -1,8 +1,10 @@
-// The main function of every test program: no box waits for a person, and a watchdog ends a test that hangs.
+// The main function of every test program: no box waits for a person, a watchdog ends a test that hangs, and damaged
+// memory is found where the system looks for it.
 #include <gtest/gtest.h>
 
 #include <kexlib/testing/watchdog.h>
 
+#include <support/checked_heap.h>
 #include <support/crash_report.h>
 
 #include <chrono>
@@ -22,12 +24,18 @@ class WatchdogOfEachTest : public testing::EmptyTestEventListener {
   std::optional<kexlib::testing::Watchdog> watchdog_;
 };
 
+class HeapsAfterEachTest : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo&) override { check_heaps(); }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX | SEM_NOOPENFILEERRORBOX);
   report_crashes();
+  check_freed_blocks();
   testing::InitGoogleTest(&argc, argv);
   testing::UnitTest::GetInstance()->listeners().Append(new WatchdogOfEachTest);
+  testing::UnitTest::GetInstance()->listeners().Append(new HeapsAfterEachTest);
   return RUN_ALL_TESTS();
 }

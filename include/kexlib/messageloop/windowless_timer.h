@@ -29,8 +29,8 @@
 // must exist until its tick returns; a tick that may release the last reference holds one itself.
 //
 // Errors. If SetTimer fails, the timer stays stopped: GetEnabled returns 0. The object stays in a list that later ticks
-// search, so it must not be destroyed while other timers run. Starting a timer without memory throws std::bad_alloc, and
-// the timer stays stopped. An exception that leaves a tick ends the program.
+// search, so it must not be destroyed while other timers run. Starting a timer without memory throws std::bad_alloc,
+// and the timer stays stopped. An exception that leaves a tick ends the program.
 #ifndef KEXLIB_MESSAGELOOP_WINDOWLESS_TIMER_H
 #define KEXLIB_MESSAGELOOP_WINDOWLESS_TIMER_H
 

@@ -33,6 +33,9 @@ class _U_MENUorID {
   HMENU m_hMenu;
 };
 
+// The size for CreateWindowEx between two sides of a rectangle. That of rcDefault wraps to CW_USEDEFAULT.
+constexpr int extent(LONG from, LONG to) { return static_cast<int>(static_cast<ULONG>(to) - static_cast<ULONG>(from)); }
+
 // A window handle with the system's functions as methods. It owns nothing: copies refer to the same window, and the
 // destructor does not destroy it. Each method is the system's function or message of that name, and asserts that there
 // is a window.
@@ -60,9 +63,9 @@ class CWindow {
               DWORD extendedStyle = 0, _U_MENUorID menuOrId = 0U, LPVOID parameter = nullptr) noexcept {
     ATLASSERT(!m_hWnd);
     const RECT& place = rect.m_lpRect ? *rect.m_lpRect : rcDefault;
-    m_hWnd = CreateWindowEx(extendedStyle, windowClass, name, style, place.left, place.top, place.right - place.left,
-                            place.bottom - place.top, parent, menuOrId.m_hMenu, _AtlBaseModule.GetModuleInstance(),
-                            parameter);
+    m_hWnd = CreateWindowEx(extendedStyle, windowClass, name, style, place.left, place.top,
+                            extent(place.left, place.right), extent(place.top, place.bottom), parent, menuOrId.m_hMenu,
+                            _AtlBaseModule.GetModuleInstance(), parameter);
     return m_hWnd;
   }
   // The object is null afterwards, unless the window cannot be destroyed.

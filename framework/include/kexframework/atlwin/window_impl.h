@@ -195,8 +195,8 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     if (!menuOrId.m_hMenu && (style & WS_CHILD)) menuOrId.m_hMenu = reinterpret_cast<HMENU>(this);
     const RECT& place = rect.m_lpRect ? *rect.m_lpRect : CWindow::rcDefault;
     HWND window = ::CreateWindowEx(extendedStyle, MAKEINTATOM(atom), name, style, place.left, place.top,
-                                   place.right - place.left, place.bottom - place.top, parent, menuOrId.m_hMenu,
-                                   _AtlBaseModule.GetModuleInstance(), parameter);
+                                   extent(place.left, place.right), extent(place.top, place.bottom), parent,
+                                   menuOrId.m_hMenu, _AtlBaseModule.GetModuleInstance(), parameter);
     ATLASSERT(this->m_hWnd == window);
     return window;
   }
