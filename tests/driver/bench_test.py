@@ -48,8 +48,13 @@ class Bench(unittest.TestCase):
         (self.root / "scripts/wine-run").chmod(0o755)
         (self.root / "bin").mkdir()
         for tool in ("wine", "x86_64-w64-mingw32-g++-posix"):  # the real ones take long to say their versions
-            (self.root / "bin" / tool).write_text(f"#!/bin/sh\necho {tool}-5\n")
-            (self.root / "bin" / tool).chmod(0o755)
+            self.fake(tool, f"echo {tool}-5")
+
+    def fake(self, program: str, script: str) -> None:
+        """Puts a program of that name before the real one."""
+        path = self.root / "bin" / program
+        path.write_text(f"#!/bin/sh\n{script}\n")
+        path.chmod(0o755)
 
     def can(self, family: str, *runs: list[dict]) -> None:
         (self.root / f"bin/{family}_bench.exe").write_text(json.dumps(runs))
@@ -168,6 +173,42 @@ class Bench(unittest.TestCase):
         self.can("a", [line(1.0)])
         self.bench("a")
         self.assertEqual(page.read_text(), before)
+
+    def test_published_table_replaces_the_one_before(self):
+        self.fake("chromium", ":")
+        shown = {"name": "first picture", "shown": "1 s", "promise": "at most 5 s", "kept": True}
+        self.fake("npm", f"echo '{json.dumps(shown)}' >\"$KEX_BENCH_RESULTS\"")
+        page = self.root / "docs/performance.md"
+        for figure in (1.234, 1.05):
+            self.can("a", *[[line(figure)]] * 3)
+            self.bench("--publish")
+        text = page.read_text()
+        row = "| a pair | ours, of the time of theirs; people write theirs | 1.05 | 1.04 to 1.06 | at most 1.1 |  |"
+        self.assertEqual((text.count("### a\n"), text.count(row), text.count("1.23")), (1, 1, 0))
+        self.assertIn("## How it grows", text)
+        self.assertIn("| first picture | 1 s | at most 5 s |  |", text)
+
+    def test_growth_has_its_exponents_and_pictures(self):
+        self.fake("gnuplot", "echo '<svg/>  ' >\"$(sed -n \"s/^set output '\\(.*\\)'/\\1/p\")\"")
+        axes = {"x": "names", "y": "bytes", "expected": 0, "low": 1, "high": 9}
+
+        def points(name: str, power: float, explained: str) -> list[dict]:
+            return [axes | {"name": name, "explained": explained, "size": size, "figure": 5 + size**power}
+                    for size in (1, 10, 1000, 10000, 100000)]
+
+        self.can("a", points("flat", 0, "") + points("steep", 1, "it is a list"))
+        done = self.bench("growth", "--publish")
+        self.assertEqual((done.returncode, done.stdout.splitlines()), (0, [
+            "bench: a, flat: exponent 0.00, its work's own 0",
+            "bench: a, steep: exponent 1.00, its work's own 0, ABOVE ITS OWN: it is a list"]), done.stderr)
+        self.assertEqual((self.root / "docs/images/growth_a_names_bytes.svg").read_text(), "<svg/>\n")
+        text = (self.root / "docs/performance.md").read_text()
+        self.assertIn("![bytes by names](images/growth_a_names_bytes.svg)", text)
+        self.assertIn("| steep | 1.00 | 0 | it is a list |", text)
+        self.can("a", points("steep", 1, ""))
+        done = self.bench("growth")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("ABOVE ITS OWN: nothing explains it", done.stdout)
 
 
 if __name__ == "__main__":
