@@ -26,6 +26,9 @@ class Tour {
   // step. Returns true if all checks passed.
   bool run(const std::string& part_of_title, const std::string& family = "");
 
+  // Opens a page, or brings it to the front.
+  void open(const PageEntry& entry);
+
   // Closes all pages, one after the other. Returns false if one stays open.
   bool close_pages();
 
@@ -87,7 +90,6 @@ class Tour {
 
  private:
   void go_through(const PageEntry& entry);
-  void open(const PageEntry& entry);
 
   HWND frame_;
   HWND page_ = nullptr;

@@ -8,13 +8,11 @@
 
 #include <algorithm>
 
-// While the object lives, the files that a module writes have room for some bytes in all. As on a real disk, a write
+// While the object lives, the files that kexlib.dll writes have room for some bytes in all. As on a real disk, a write
 // that does not fit fails, and what fitted is written.
 class FullDisk {
  public:
-  explicit FullDisk(const char* module, DWORD room) : write_(module, "KERNEL32.dll", "WriteFile", &write) {
-    left = room;
-  }
+  explicit FullDisk(DWORD room) : write_("kexlib.dll", "KERNEL32.dll", "WriteFile", &write) { left = room; }
 
   bool made() const { return write_.made(); }
 

@@ -323,7 +323,7 @@ TEST_F(Profiler, CutsTheRecordWhereTheDiskIsFull) {
   kex_start_profiling();
   begin("a"), end();
   {
-    const FullDisk disk("kexlib.dll", 30);
+    const FullDisk disk(30);
     ASSERT_TRUE(disk.made());
     kex_stop_profiling("record.js");
   }

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <diagnostics/full_disk.h>
 #include <diagnostics/text_file.h>
 #include <support/files.h>
 #include <support/import_override.h>
@@ -88,21 +87,6 @@ TEST_F(TextFile, LetsOthersReadAndWriteMeanwhile) {
   EXPECT_NE(second, nullptr);
   text_file::close(second);
   text_file::close(file);
-}
-
-TEST_F(TextFile, EndsWhereTheDiskIsFull) {
-  const std::string text(100000, 'x');
-  const text_file::Handle file = text_file::open("ours.txt", text_file::Start::Truncated);
-  {
-    const FullDisk disk(nullptr, 20000);
-    ASSERT_TRUE(disk.made());
-    text_file::write(file, text);
-    text_file::write(file, "nothing of this");
-  }
-  EXPECT_EQ(read_file("ours.txt"), text.substr(0, 20000));
-  text_file::write(file, "there is room again");
-  text_file::close(file);
-  EXPECT_EQ(read_file("ours.txt"), text.substr(0, 20000) + "there is room again");
 }
 
 TEST_F(TextFile, IsNullWhenItCannotBeOpened) {

@@ -339,7 +339,7 @@ TEST_F(TraceFileOnDesktop, LosesLinesWhileItCannotBeMadeAndThenGoesOn) {
 TEST_F(TraceFileOnDesktop, LosesLinesWhileTheDiskIsFullAndThenGoesOn) {
   CTraceToFile::SetTraceMode(CTraceToFile::TraceToFile);
   {
-    const FullDisk disk("kexlib.dll", 8);
+    const FullDisk disk(8);
     ASSERT_TRUE(disk.made());
     for (const char* text : {"kept\n", "cut off\n", "lost\n"}) g_traceToFile.Trace("%s", text);
   }

@@ -121,6 +121,10 @@ class Refusals(unittest.TestCase):
                                     (("fuzz", "5", "dance"), "there is no core 'dance'; there are archive file_names"),
                                     (("fuzz", "--repeat", "archive"), "'fuzz --repeat' takes the name of a core and a file."),
                                     (("fuzz", "--repeat", "dance", "/dev/null"), "there is no core 'dance'"),
+                                    (("soak",), "'soak' takes a number of minutes first, and '' is none."),
+                                    (("soak", "1", "dance"), "'soak' takes a seed behind the minutes, a number"),
+                                    (("load", "dance"), "'load' takes no argument."),
+                                    (("coverage", "dance"), "'coverage' takes no argument."),
                                     (("fuzz", "--repeat", "archive", "/no/such"), "there is no file '/no/such'")):
             with self.subTest(arguments[0]):
                 self.assert_refused(self.run_kex(*arguments), sentence)
