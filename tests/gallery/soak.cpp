@@ -166,7 +166,8 @@ class User {
     GetClientRect(control, &place);
     const int x = any_of(static_cast<std::size_t>(place.right) + 1),
               y = any_of(static_cast<std::size_t>(place.bottom) + 1);
-    log("click on " + name_of(control) + " at " + std::to_string(x) + ", " + std::to_string(y));
+    log(gallery::Tour::text_of(parent) + ": click on " + name_of(control) + " at " + std::to_string(x) + ", " +
+        std::to_string(y));
     tour_.click(control, x, y);
     return true;
   }

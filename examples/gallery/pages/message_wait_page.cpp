@@ -5,6 +5,7 @@
 #include <gallery/tour.h>
 
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -14,6 +15,7 @@ constexpr UINT message_progress = WM_APP;
 class MessageWaitPage : public gallery::Page {
  public:
   BEGIN_MSG_MAP(MessageWaitPage)
+    MESSAGE_HANDLER(WM_DESTROY, OnDestroy)
     COMMAND_ID_HANDLER(id_start, OnStart)
     COMMAND_ID_HANDLER(id_cancel, OnCancel)
     MESSAGE_HANDLER(message_progress, OnProgress)
@@ -50,16 +52,23 @@ class MessageWaitPage : public gallery::Page {
     const DWORD outcome = SafeWaitWithMessageLoop(2, handles, INFINITE, FALSE, &quit);
     SetEvent(cancelled_);
     worker.join();
-    CloseHandle(cancelled_);
+    CloseHandle(std::exchange(cancelled_, nullptr));
     CloseHandle(finished);
 
     if (outcome == WAIT_OBJECT_0 + 2) {  // WM_QUIT arrived during the wait, and this window is destroyed
       PostQuitMessage(static_cast<int>(quit.wParam));
       return 0;
     }
+    if (!m_hWnd) return 0;  // the page was closed during the wait
     set_text(id_result, outcome == WAIT_OBJECT_0 ? "The worker is done." : "The worker was cancelled.");
     GetDlgItem(id_cancel).EnableWindow(FALSE);
     GetDlgItem(id_start).EnableWindow(TRUE);
+    return 0;
+  }
+
+  LRESULT OnDestroy(UINT, WPARAM, LPARAM, BOOL& handled) {
+    handled = FALSE;
+    if (cancelled_) SetEvent(cancelled_);
     return 0;
   }
 
