@@ -1,6 +1,5 @@
 // The library under load: the same work at three sizes, and whether the time of one item grows with their number.
-// Prints the rows of the table in docs/reliability.md; `./kex load` runs it. An argument takes the rows with this text
-// only.
+// Prints the rows of the table in docs/reliability.md; `./kex load` runs it.
 #include <kexlib/diagnostics.h>
 #include <kexlib/imaging.h>
 #include <kexlib/messageloop.h>
@@ -197,6 +196,6 @@ void measure_load() {
   }
 }
 
-const bench::Benchmark load_benchmark(measure_load);
+const bench::Benchmark load_benchmark("load", measure_load);
 
 }  // namespace
