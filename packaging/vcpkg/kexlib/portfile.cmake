@@ -4,7 +4,7 @@ cmake_path(SET source_folder NORMALIZE "${CMAKE_CURRENT_LIST_DIR}/../../..")
 vcpkg_cmake_configure(
   SOURCE_PATH "${source_folder}"
   OPTIONS -DKEXLIB_BUILD_TESTS=OFF -DKEXLIB_BUILD_BENCHMARKS=OFF -DKEXLIB_BUILD_EXAMPLES=OFF -DKEXLIB_VIEWER=OFF
-          -DKEXLIB_INSTALL=ON -DKEXLIB_WARNINGS_AS_ERRORS=OFF)
+          -DKEXLIB_COVERAGE=OFF -DKEXLIB_HARDENED=OFF -DKEXLIB_INSTALL=ON -DKEXLIB_WARNINGS_AS_ERRORS=OFF)
 vcpkg_cmake_install()
 vcpkg_cmake_config_fixup(CONFIG_PATH lib/cmake/kexlib)
 vcpkg_copy_pdbs()
