@@ -22,7 +22,7 @@ bool system_checks_heaps() {
 void validate(HANDLE heap, const void* block) {
   if (HeapValidate(heap, 0, block)) return;
   std::fputs("crash: memory was written beyond a block\n", stderr);
-  __builtin_trap();  // in this program, where the report of crashes looks
+  *static_cast<volatile int*>(nullptr) = 0;  // in this program, where the report of crashes looks
 }
 
 void(__cdecl* real_free)(void*);
