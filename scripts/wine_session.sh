@@ -103,6 +103,8 @@ set_heap_checks() {
   local flags=00000000
   [ "$preset" != mingw-hardened ] || flags=00000050
   sed -i "s/^\"GlobalFlag\"=dword:.*/\"GlobalFlag\"=dword:$flags/" "$1/system.reg"
+  [ "$flags" = 00000000 ] || grep -q "^\"GlobalFlag\"=dword:$flags" "$1/system.reg" ||
+    fail "the registry of this Wine has no GlobalFlag: heaps would not be checked."
 }
 
 # start_display SESSION

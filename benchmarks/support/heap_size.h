@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace bench {
@@ -16,7 +17,7 @@ struct HeapSize {
 inline HeapSize heap_size() {
   HANDLE heaps[64];
   HeapSize size;
-  const DWORD count = GetProcessHeaps(64, heaps);
+  const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
   for (DWORD i = 0; i < count; ++i) {
     PROCESS_HEAP_ENTRY entry{};
     HeapLock(heaps[i]);

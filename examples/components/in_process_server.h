@@ -48,6 +48,9 @@ HRESULT give(REFIID wanted, void** result) try {
 } catch (const std::bad_alloc&) {
   *result = nullptr;
   return E_OUTOFMEMORY;
+} catch (...) {
+  *result = nullptr;
+  return E_FAIL;
 }
 
 template <class Object>

@@ -87,7 +87,7 @@ LRESULT atlButtonMenu::OnClick(WORD, WORD, HWND, BOOL&) {
 
   const POINT corner = moved_onto_monitor({button.left, button.bottom});
   TrackPopupMenu(shown, TPM_LEFTALIGN | TPM_TOPALIGN | TPM_RIGHTBUTTON, corner.x, corner.y, 0, GetParent(), nullptr);
-  // Also if it was checked before the click. The menu may have destroyed the button, and this object with it.
+  // Also if it was checked before the click. The menu's command may have destroyed the button.
   ::SendMessageA(window, BM_SETCHECK, BST_UNCHECKED, 0);
   return 0;
 }

@@ -335,6 +335,9 @@ const Operation operations[] = {
        const CString path("a picture with a name that is not short.png");
        EXPECT_EQ(attempt([&] { kexPNGGenerationThread::write_image(image.get(), path, buffer); }), "");
        EXPECT_TRUE(buffer->is_closed());
+#ifdef _MSC_VER  // a block stays behind there where the encoder's stream fails; docs/building-on-windows.md
+       if (attempt.failed("malloc")) attempt.excuse(1);
+#endif
      }},
     {"kexPNGGenerationThread::write_image, without a buffer",
      [](Attempt& attempt) {

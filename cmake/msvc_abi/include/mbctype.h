@@ -1,4 +1,4 @@
-// Wine's header names its flags as libc++ names template parameters.
+// Wine's header defines macros whose names libc++ uses for template parameters.
 #pragma once
 #include_next <mbctype.h>
 #undef _MS

@@ -1,4 +1,4 @@
-// Programs and headers ask by this macro of the real one whether it came first.
+// Some headers test this macro of the Windows SDK to see whether windows.h was included first.
 #pragma once
 #define _WINDOWS_
 #include_next <windows.h>

@@ -59,7 +59,7 @@ class MessageWaitPage : public gallery::Page {
       PostQuitMessage(static_cast<int>(quit.wParam));
       return 0;
     }
-    if (!m_hWnd) return 0;  // the page was closed during the wait
+    if (!IsWindow()) return 0;  // the page was closed during the wait
     set_text(id_result, outcome == WAIT_OBJECT_0 ? "The worker is done." : "The worker was cancelled.");
     GetDlgItem(id_cancel).EnableWindow(FALSE);
     GetDlgItem(id_start).EnableWindow(TRUE);

@@ -62,7 +62,7 @@ KEXLIB_API void kex_end_block();
 ///
 /// `path` is in the ANSI code page and relative to the current directory unless it is absolute. An existing file is
 /// overwritten; others may read and write it meanwhile. If it cannot be opened, the record is discarded unwritten. On
-/// a full disk the file ends where the room did.
+/// a full disk the file is truncated.
 ///
 /// The file is text with CR LF line ends, always in the "C" locale, and declares one variable:
 ///

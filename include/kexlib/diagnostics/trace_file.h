@@ -11,7 +11,7 @@
 //
 // Errors. None is reported and nothing is thrown. A line whose file cannot be created is lost; the next line tries
 // again, with a new name. That attempt takes some hundred microseconds: where the desktop folder may not be writable,
-// switch tracing off around a loop that traces often. On a full disk a line is lost, or ends where the room did.
+// switch tracing off around a loop that traces often. On a full disk a line is lost or truncated.
 //
 // Threads. No lock is taken: trace, switch and close from one thread at a time.
 #ifndef KEXLIB_DIAGNOSTICS_TRACE_FILE_H

@@ -40,7 +40,8 @@ class KEXLIB_API kexWTLListViewCtrlUtils {
   kexWTLListViewCtrlUtils(WTL::CListViewCtrlT<ATL::CWindow>& list) : list_(list) {}
 
   /// The text of a cell, of any length (LVM_GETITEMTEXTA with a buffer of 256 characters, doubled until the text fits).
-  /// Row and column begin with 0; a cell that does not exist is empty. If memory runs out, the text is truncated.
+  /// Row and column begin with 0; a cell that does not exist is empty. If memory runs out, the text is truncated,
+  /// or empty.
   CStringA get_item_text(int item, int subitem);
 
   /// The indices of the selected rows in ascending order (LVM_GETNEXTITEM, LVNI_SELECTED).
