@@ -5,7 +5,6 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string>
 
 namespace {
@@ -54,9 +53,7 @@ void measure_number_text() {
       bench::made(CreateWindowA("EDIT", "1234.5678", WS_POPUP, 0, 0, 100, 20, nullptr, nullptr, nullptr, nullptr));
   static WTL::CEditT<CWindow> edit(window);
   const auto line = [] {
-    const WORD size = 260;
-    std::memcpy(buffer, &size, sizeof size);
-    SendMessageA(edit, EM_GETLINE, 0, reinterpret_cast<LPARAM>(buffer));
+    edit.GetLine(0, buffer, 260);
     return 0.0;
   };
   bench::Comparison read("a number read from a control");
@@ -73,7 +70,7 @@ void measure_number_text() {
   read.run();
   bench::at_most(1.05, read.ratio("getValue", "line, locale, _strtod_l, locale freed"),
                  {.name = "a number read from a control",
-                  .compared = "getValue, of the time of EM_GETLINE, a \"C\" locale, _strtod_l",
+                  .compared = "getValue, of the time of GetLine, a \"C\" locale, _strtod_l",
                   .reason = "a text is read without the user's locale by these calls"});
 
   bench::Comparison write("a number written to a control");

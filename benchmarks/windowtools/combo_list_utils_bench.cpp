@@ -24,6 +24,12 @@ void measure_cell_text() {
       SendMessageA(list, LVM_GETITEMTEXTA, 0, reinterpret_cast<LPARAM>(&cell));
     });
   });
+  text.add("GetItemText of the control's class", [&] {
+    return bench::nanoseconds_each(cells, [&] {
+      char buffer[256];
+      list.GetItemText(0, 0, buffer, sizeof buffer);
+    });
+  });
   text.add("library", [&] { return bench::nanoseconds_each(cells, [&] { utils.get_item_text(0, 0); }); });
   text.run();
   bench::at_most(1.2, text.ratio("library", "one LVM_GETITEMTEXTA"),

@@ -274,7 +274,7 @@ inline void repeat_rounds(std::span<const Operation> operations) {
     const ResourceCounts now;
     EXPECT_EQ(now.user_objects - before.user_objects, operation.by_design.user_objects * rounds);
     EXPECT_EQ(now.kernel_handles - before.kernel_handles, operation.by_design.kernel_handles * rounds);
-    // The system sometimes keeps one, or frees one of before; a leak would be one in each round.
+    // The system sometimes keeps one, or frees an earlier one; a leak would be one in each round.
     EXPECT_NEAR(now.gdi_objects - before.gdi_objects, operation.by_design.gdi_objects * rounds, rounds / 5.0);
     EXPECT_NEAR(blocks_now - blocks, operation.by_design.blocks * rounds, rounds / 5.0);
   }
