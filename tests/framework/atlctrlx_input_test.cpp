@@ -3,6 +3,7 @@
 
 #include <framework/bitmap_button.h>
 #include <support/message_pump.h>
+#include <support/user_input.h>
 
 #include <string>
 
@@ -23,12 +24,7 @@ class BitmapButtonOnScreen : public BitmapButton {
   }
 
   // In client coordinates of the button; may be outside it.
-  void move(int x, int y) {
-    POINT place{x, y};
-    button->ClientToScreen(&place);
-    SetCursorPos(place.x, place.y);
-    pump_waiting();
-  }
+  void move(int x, int y) { move_mouse(button->m_hWnd, x, y); }
   static void mouse(DWORD what) {
     INPUT input{};
     input.type = INPUT_MOUSE;
