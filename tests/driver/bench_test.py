@@ -159,12 +159,13 @@ class Bench(unittest.TestCase):
         for arguments, sentence in ((("--dance",), "unrecognized arguments: --dance"),
                                     (("--compare",), "--compare: expected one argument"),
                                     (("--publish", "a"), "'bench --publish' takes no family"),
+                                    (("growth", "viewer"), "'bench growth' has no curves of the viewer"),
                                     (("growth", "--compare", "x"), "'bench --compare' compares the table")):
             with self.subTest(arguments):
                 done = self.bench("--known", *arguments)
                 self.assertEqual((done.returncode, done.stdout, done.stderr.count("\n")), (2, "", 1))
                 self.assertIn(sentence, done.stderr)
-        done = self.bench("--known", "a", "growth", "viewer")
+        done = self.bench("--known", "a", "viewer")
         self.assertEqual((done.returncode, done.stdout), (0, "a\nviewer\n"))
 
     def test_the_page_is_written_only_when_asked_for(self):
