@@ -1,7 +1,7 @@
 #include <kexlib/controls/step_manager.h>
 
 #include <support/bench.h>
-#include <support/heap_size.h>
+#include <support/heap_use.h>
 
 namespace {
 
@@ -68,10 +68,10 @@ void grow_steps() {
 
 void measure_memory() {
   constexpr int count = 10000;
-  const std::int64_t before = bench::heap_size().bytes;
+  const std::int64_t before = heap_use().bytes;
   atlStepManager steps;
   for (unsigned i = 0; i < count; ++i) steps.create_step()->add_control(i);
-  bench::at_most(256, static_cast<double>(bench::heap_size().bytes - before) / count,
+  bench::at_most(256, static_cast<double>(heap_use().bytes - before) / count,
                  {.name = "memory of a step",
                   .compared = "bytes of the heap, of one of 10,000 steps with a control each",
                   .reason = "an object of its own for each, and a std::set of identifiers"});

@@ -124,9 +124,18 @@ void write_record(const kexlib::ProfileRecord& record) {
   text_file::close(file);
 }
 
+// What is measured of a record with so many intervals, divided by their number.
+template <typename Measure>
+double each_interval(std::size_t intervals, Measure measure) {
+  static kexlib::ProfileRecord record;
+  fill(record, intervals);
+  const double measured = measure(record);
+  record.clear();
+  return measured / static_cast<double>(intervals);
+}
+
 void grow_record() {
   TemporaryFolder folder;
-  static kexlib::ProfileRecord record;
   const std::vector<std::size_t> sizes = {1000, 10000, 100000, 1000000, 10000000};
   bench::grow({.name = "a record written to a file",
                .x = "intervals",
@@ -136,11 +145,10 @@ void grow_record() {
                .explained = "",
                .measure =
                    [](std::size_t intervals) {
-                     fill(record, intervals);
-                     const int repeats = static_cast<int>(std::max<std::size_t>(1, 100000 / intervals));
-                     const double time = bench::nanoseconds_each(repeats, [] { write_record(record); });
-                     record.clear();
-                     return time / static_cast<double>(intervals);
+                     return each_interval(intervals, [=](const kexlib::ProfileRecord& record) {
+                       const int repeats = static_cast<int>(std::max<std::size_t>(1, 100000 / intervals));
+                       return bench::nanoseconds_each(repeats, [&] { write_record(record); });
+                     });
                    },
                .rounds = 3});
   bench::grow({.name = "memory of a record",
@@ -151,10 +159,9 @@ void grow_record() {
                .explained = "",
                .measure =
                    [](std::size_t intervals) {
-                     fill(record, intervals);
-                     const auto bytes = static_cast<double>(record.memory()) / static_cast<double>(intervals);
-                     record.clear();
-                     return bytes;
+                     return each_interval(intervals, [](const kexlib::ProfileRecord& record) {
+                       return static_cast<double>(record.memory());
+                     });
                    },
                .rounds = 1});
 }

@@ -1,7 +1,7 @@
 #include <kexlib/messageloop/windowless_timer.h>
 
 #include <support/bench.h>
-#include <support/heap_size.h>
+#include <support/heap_use.h>
 
 #include <mutex>
 #include <vector>
@@ -111,14 +111,14 @@ void measure_ten_thousand_timers() {
 
 void measure_memory() {
   constexpr int count = 10000;
-  const std::int64_t before = bench::heap_size().bytes;
+  const std::int64_t before = heap_use().bytes;
   {
     std::vector<Timer> timers(count);
     for (Timer& timer : timers) {
       timer.SetInterval(never);
       timer.SetEnabled(1);
     }
-    bench::at_most(160, static_cast<double>(bench::heap_size().bytes - before) / count,
+    bench::at_most(160, static_cast<double>(heap_use().bytes - before) / count,
                    {.name = "memory of a timer",
                     .compared = "bytes of the heap, of one of 10,000 CATLWindowLessTimers that run",
                     .reason = "an object of its own for each, and a node of the list of all"});

@@ -6,7 +6,7 @@
 
 #include <support/bench.h>
 #include <support/files.h>
-#include <support/heap_size.h>
+#include <support/heap_use.h>
 
 #include <string>
 
@@ -18,11 +18,11 @@ using Notify = VOID CALLBACK(ULONG reason, const void* data, void* context);
 using RegisterNotification = LONG NTAPI(ULONG flags, Notify* function, void* context, void** cookie);
 
 double told;
-bench::HeapSize heap_when_told;
+HeapUse heap_when_told;
 bool count_heap = false;
 
 void CALLBACK remember(ULONG, const void*, void*) {
-  if (count_heap) heap_when_told = bench::heap_size();
+  if (count_heap) heap_when_told = heap_use();
   told = bench::now();
 }
 
@@ -103,7 +103,7 @@ void measure_loading() {
   count_heap = true;
   const DWORD threads_before = threads();
   const HMODULE library = load();
-  const bench::HeapSize heap = bench::heap_size();
+  const HeapUse heap = heap_use();
   const std::string why = "every program pays what is made at load, whatever it uses";
   bench::at_most(2, static_cast<double>(heap.blocks - heap_when_told.blocks),
                  {.name = "memory taken at load",

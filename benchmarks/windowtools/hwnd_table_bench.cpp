@@ -1,7 +1,7 @@
 #include <kexlib/windowtools/hwnd_table.h>
 
 #include <support/bench.h>
-#include <support/heap_size.h>
+#include <support/heap_use.h>
 #include <support/import_override.h>
 
 #include <string>
@@ -95,10 +95,10 @@ void measure_window_by_name() {
 void measure_memory() {
   const SystemLeftOut left_out;
   constexpr int windows = 10000;
-  const std::int64_t before = bench::heap_size().bytes;
+  const std::int64_t before = heap_use().bytes;
   for (int i = 0; i < windows; ++i)
     kexHWNDTable::singleton().reg_window(reinterpret_cast<HWND>(static_cast<INT_PTR>(i + 1)), name_of(i).c_str(), 1);
-  bench::at_most(256, static_cast<double>(bench::heap_size().bytes - before) / windows,
+  bench::at_most(256, static_cast<double>(heap_use().bytes - before) / windows,
                  {.name = "memory of a named window",
                   .compared = "bytes of the heap, among 10,000 with short names",
                   .reason = "a map by handle and an index by name, each with a node of some 100 bytes"});

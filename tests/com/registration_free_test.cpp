@@ -119,26 +119,18 @@ TEST(RegistrationFree, GivesOneReferenceToTheCaller) {
   EXPECT_EQ(object->Release(), 0u);
 }
 
-TEST(RegistrationFree, MakesObjectsInTheMultithreadedApartmentToo) {
-  std::thread([] {
+void make_on_a_multithreaded_thread(const GUID& clsid) {
+  std::thread([&] {
     const Com com(COINIT_MULTITHREADED);
     CComPtr<IUnknown> object;
-    EXPECT_EQ(
-        reg_free_co_create(__uuidof(Square), components().c_str(), manifest().c_str(), CLSCTX_INPROC_SERVER, &object),
-        S_OK);
+    EXPECT_EQ(reg_free_co_create(clsid, components().c_str(), manifest().c_str(), CLSCTX_INPROC_SERVER, &object), S_OK);
   }).join();
 }
 
+TEST(RegistrationFree, MakesObjectsInTheMultithreadedApartmentToo) { make_on_a_multithreaded_thread(__uuidof(Square)); }
+
 // The system finds the class on this thread, and the object is created on the thread of its apartment.
-TEST(RegistrationFree, MakesObjectsOfAnotherApartmentToo) {
-  std::thread([] {
-    const Com com(COINIT_MULTITHREADED);
-    CComPtr<IUnknown> object;
-    EXPECT_EQ(
-        reg_free_co_create(__uuidof(Circle), components().c_str(), manifest().c_str(), CLSCTX_INPROC_SERVER, &object),
-        S_OK);
-  }).join();
-}
+TEST(RegistrationFree, MakesObjectsOfAnotherApartmentToo) { make_on_a_multithreaded_thread(__uuidof(Circle)); }
 
 TEST(RegistrationFree, RefusesANullOutPointer) {
   EXPECT_EQ(

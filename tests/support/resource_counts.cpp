@@ -1,20 +1,10 @@
 #include <windows.h>
 #include <psapi.h>
 
+#include <support/heap_use.h>
 #include <support/resource_counts.h>
 
-int count_heap_blocks() {
-  HANDLE heaps[64];
-  DWORD heap_count = GetProcessHeaps(64, heaps);
-  int count = 0;
-  for (DWORD i = 0; i < heap_count; ++i) {
-    HeapLock(heaps[i]);
-    PROCESS_HEAP_ENTRY entry = {};
-    while (HeapWalk(heaps[i], &entry)) count += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0;
-    HeapUnlock(heaps[i]);
-  }
-  return count;
-}
+int count_heap_blocks() { return static_cast<int>(heap_use().blocks); }
 
 static PROCESS_MEMORY_COUNTERS memory_counters() {
   PROCESS_MEMORY_COUNTERS counters = {};

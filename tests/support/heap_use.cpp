@@ -1,22 +1,12 @@
-// What the process has taken from its heaps.
-#ifndef BENCHMARKS_SUPPORT_HEAP_SIZE_H
-#define BENCHMARKS_SUPPORT_HEAP_SIZE_H
-
 #include <windows.h>
 
+#include <support/heap_use.h>
+
 #include <algorithm>
-#include <cstdint>
 
-namespace bench {
-
-struct HeapSize {
-  std::int64_t blocks = 0;
-  std::int64_t bytes = 0;
-};
-
-inline HeapSize heap_size() {
+HeapUse heap_use() {
   HANDLE heaps[64];
-  HeapSize size;
+  HeapUse size;
   const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
   for (DWORD i = 0; i < count; ++i) {
     PROCESS_HEAP_ENTRY entry{};
@@ -30,7 +20,3 @@ inline HeapSize heap_size() {
   }
   return size;
 }
-
-}  // namespace bench
-
-#endif
