@@ -44,6 +44,12 @@ void BlockIndex::put(Slot slot) {
   slots_[at] = slot;
 }
 
+Block& Block::find_or_add_child(std::string_view name, Arena& arena) {
+  const std::uint64_t hash = BlockIndex::hash(name);
+  Block* const found = children_.find(hash, name);
+  return found ? *found : add_child(hash, name, arena);
+}
+
 Block& Block::add_child(std::uint64_t hash, std::string_view name, Arena& arena) {
   char* const memory = static_cast<char*>(arena.allocate(sizeof(Block) + name.size()));
   char* const text = memory + sizeof(Block);

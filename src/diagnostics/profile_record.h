@@ -52,7 +52,7 @@ class Arena {
 
  private:
   static constexpr std::size_t alignment = 16;
-  static constexpr std::size_t largest_slab = std::size_t{64} * 1024;
+  static constexpr std::size_t largest_slab = std::size_t{256} * 1024;
 
   struct alignas(alignment) Slab {
     Slab* previous;
@@ -129,12 +129,9 @@ class Block {
   const Block* next_sibling() const { return next_sibling_.get(); }
   const IntervalChunk* first_chunk() const { return first_chunk_.get(); }
 
-  // The child of that name, created if there is none.
-  Block& child(std::string_view name, Arena& arena) {
-    const std::uint64_t hash = BlockIndex::hash(name);
-    Block* const found = children_.find(hash, name);
-    return found ? *found : add_child(hash, name, arena);
-  }
+  // The child of that name, created if there is none. Most blocks recur in their order, so the one that followed the
+  // last child before is tried first.
+  Block& child(std::string_view name, Arena& arena);
 
   void open(std::int64_t begin, Arena& arena) {
     if (!newest_chunk_ || newest_chunk_->count.get() == newest_chunk_->capacity) add_chunk(arena);
@@ -147,6 +144,7 @@ class Block {
   void close(std::int64_t end) { newest_chunk_->intervals()[newest_chunk_->count.get() - 1].end = end; }
 
  private:
+  Block& find_or_add_child(std::string_view name, Arena& arena);
   Block& add_child(std::uint64_t hash, std::string_view name, Arena& arena);
   void add_chunk(Arena& arena);
 
@@ -155,6 +153,8 @@ class Block {
   BlockIndex children_;
   IntervalChunk* newest_chunk_ = nullptr;
   Block* newest_child_ = nullptr;
+  Block* last_child_ = nullptr;  // the one that was asked for last
+  Block* follower_ = nullptr;    // the sibling that was asked for after this one
   Published<Block*> first_child_;
   Published<Block*> next_sibling_;
   Published<IntervalChunk*> first_chunk_;
@@ -303,6 +303,14 @@ inline Block* BlockIndex::find(std::uint64_t hash, std::string_view name) const 
     if (!slot.block) return nullptr;
     if (slot.hash == hash && bytes::equal(slot.block->name(), name)) return slot.block;
   }
+}
+
+inline Block& Block::child(std::string_view name, Arena& arena) {
+  Block* const expected = last_child_ ? last_child_->follower_ : nullptr;
+  if (expected && bytes::equal(expected->name(), name)) return *(last_child_ = expected);
+  Block& child = find_or_add_child(name, arena);
+  if (last_child_) last_child_->follower_ = &child;
+  return *(last_child_ = &child);
 }
 
 }  // namespace kexlib

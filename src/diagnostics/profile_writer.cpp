@@ -65,7 +65,7 @@ class TextBuffer {
   }
 
   ByteSink& sink_;
-  char buffer_[16 * 1024];
+  char buffer_[64 * 1024];
   char* next_ = buffer_;
 };
 

@@ -1,8 +1,8 @@
 #include <diagnostics/six_digits.h>
 
-#include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
-#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -13,17 +13,58 @@ char* write_exactly(char* out, double value) {
   return std::to_chars(out, out + six_digits_size, value, std::chars_format::general, 6).ptr;
 }
 
-// "00" to "99"
-struct DigitPairs {
-  constexpr DigitPairs() {
-    for (int i = 0; i < 100; ++i) {
-      text[i][0] = static_cast<char>('0' + i / 10);
-      text[i][1] = static_cast<char>('0' + i % 10);
+// Eight characters in one number, the first one in the lowest byte. So a text is put together without branches.
+using Text = std::uint64_t;
+
+constexpr Text zeros = 0x3030303030303030;  // "00000000"
+
+void store(char* out, Text text) { std::memcpy(out, &text, sizeof text); }
+
+// "000" to "999".
+struct Triple {
+  std::uint32_t text = 0;
+  int significant = 0;  // digits without the zeros at the end
+};
+constexpr auto triples = [] {
+  std::array<Triple, 1000> made{};
+  for (unsigned i = 0; i < made.size(); ++i) {
+    const unsigned digits[] = {i / 100, i / 10 % 10, i % 10};
+    for (int at = 0; at < 3; ++at) {
+      made[i].text |= ('0' + digits[at]) << 8 * at;
+      if (digits[at] != 0) made[i].significant = at + 1;
     }
   }
-  char text[100][2]{};
+  return made;
+}();
+
+// What follows from the exponent of the first digit.
+struct Form {
+  double next_power = 0;  // where the next exponent begins
+  double scale = 0;       // makes a number of six digits of a value
+  Text before_point = 0;  // a mask for the digits before the point
+  Text point = 0;
 };
-constexpr DigitPairs digit_pairs;
+constexpr int lowest_exponent = -5, highest_exponent = 5;
+constexpr auto forms = [] {
+  std::array<Form, highest_exponent - lowest_exponent + 1> made{};
+  constexpr double powers[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6};
+  constexpr double scales[] = {1e10, 1e9, 1e8, 1e7, 1e6, 1e5, 1e4, 1e3, 1e2, 1e1, 1e0};
+  for (std::size_t i = 0; i < made.size(); ++i) {
+    const int whole = lowest_exponent + static_cast<int>(i) + 1;  // digits before the point
+    const int bits = whole > 0 ? 8 * whole : 0;
+    made[i] = {powers[i], scales[i], (Text{1} << bits) - 1, Text{'.'} << bits};
+  }
+  return made;
+}();
+
+const Form& form_of(int exponent) { return forms[static_cast<std::size_t>(exponent - lowest_exponent)]; }
+
+int exponent_of(double value) {
+  constexpr int bias = 1023;
+  const int binary = static_cast<int>(std::bit_cast<std::uint64_t>(value) >> 52) - bias;
+  const int exponent = binary * 1233 >> 12;  // of that power of two: 1233 / 4096 is the logarithm of 2
+  return exponent + (value >= form_of(exponent).next_power);
+}
 
 }  // namespace
 
@@ -31,56 +72,30 @@ constexpr DigitPairs digit_pairs;
 // The scales are exact and the product is rounded once, so it never crosses the middle between two numbers, but it may
 // lie on it. Then, and outside that range, the exact and slower conversion is used.
 char* write_six_digits(char* out, double value) {
-  constexpr double scales[] = {1e5, 1e4, 1e3, 1e2, 1e1, 1e0};  // by the digits before the point, less one
-  if (!(value >= 1e-4 && value < 999999.0)) {
-    if (value != 0 || std::signbit(value)) return write_exactly(out, value);
-    *out = '0';
-    return out + 1;
-  }
+  if (!(value >= 1e-4 && value < 999999.5)) return write_exactly(out, value);
+  int exponent = exponent_of(value);
 
-  int exponent = 0;  // of the first digit
-  double scaled;
-  if (value >= 1) {
-    exponent = (value >= 10) + (value >= 100) + (value >= 1000) + (value >= 10000) + (value >= 100000);
-    scaled = value * scales[exponent];
-  } else if (value >= 0.1) {
-    exponent = -1, scaled = value * 1e6;
-  } else if (value >= 0.01) {
-    exponent = -2, scaled = value * 1e7;
-  } else if (value >= 0.001) {
-    exponent = -3, scaled = value * 1e8;
-  } else {
-    exponent = -4, scaled = value * 1e9;
-  }
-
-  auto number = static_cast<std::uint32_t>(scaled);
-  const double fraction = scaled - number;
-  if (fraction == 0.5) return write_exactly(out, value);
-  number += fraction > 0.5;
+  const double rounded = value * form_of(exponent).scale + 0.5;
+  auto number = static_cast<std::uint32_t>(rounded);
+  if (rounded == number) return write_exactly(out, value);  // it was on the middle
   if (number == 1000000) {
     number = 100000;
     ++exponent;
   }
 
-  char digits[6];
-  std::memcpy(digits, digit_pairs.text[number / 10000], 2);
-  std::memcpy(digits + 2, digit_pairs.text[number / 100 % 100], 2);
-  std::memcpy(digits + 4, digit_pairs.text[number % 100], 2);
-  int count = 6;
-  while (count > 1 && digits[count - 1] == '0') --count;
-
+  const Triple &high = triples[number / 1000], &low = triples[number % 1000];
+  const Text digits = high.text | Text{low.text} << 24;
+  const int count = low.significant ? 3 + low.significant : high.significant;
   if (exponent < 0) {
-    std::copy_n("0.000", 5, out);
+    store(out, '0' | '.' << 8 | zeros << 16);
     out += 1 - exponent;
-    std::memcpy(out, digits, 6);
+    store(out, digits);
     return out + count;
   }
+  const Form& form = form_of(exponent);
+  store(out, (digits & form.before_point) | form.point | (digits & ~form.before_point) << 8);
   const int whole = exponent + 1;
-  std::memcpy(out, digits, 6);
-  if (count <= whole) return out + whole;
-  out[whole] = '.';
-  std::memcpy(out + whole + 1, digits + whole, static_cast<std::size_t>(count - whole));
-  return out + count + 1;
+  return out + (count > whole ? count + 1 : whole);
 }
 
 }  // namespace kexlib

@@ -1,8 +1,33 @@
 #include <windows.h>
+#include <emmintrin.h>
 
 #include <diagnostics/text_file.h>
 
+#include <algorithm>
+#include <bit>
+
 namespace kexlib::text_file {
+namespace {
+
+bool write_bytes(Handle file, std::string_view bytes) {
+  DWORD written;
+  return WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+// The characters before the first line break. A profile has few, and memchr of some run-time libraries goes byte by byte.
+std::size_t line_length(std::string_view text) {
+  constexpr std::size_t block_size = sizeof(__m128i);
+  const __m128i breaks = _mm_set1_epi8('\n');
+  std::size_t i = 0;
+  for (; i + block_size <= text.size(); i += block_size) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
+    const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(block, breaks));
+    if (found) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(found)));
+  }
+  return std::min(text.find('\n', i), text.size());
+}
+
+}  // namespace
 
 Handle open(const char* path, Start start) {
   const DWORD disposition = start == Start::Truncated ? CREATE_ALWAYS : OPEN_ALWAYS;
@@ -14,6 +39,10 @@ Handle open(const char* path, Start start) {
 }
 
 void write(Handle file, std::string_view text) {
+  if (line_length(text) == text.size()) {
+    write_bytes(file, text);
+    return;
+  }
   char translated[16 * 1024];
   while (!text.empty()) {
     std::size_t used = 0;
@@ -24,13 +53,12 @@ void write(Handle file, std::string_view text) {
         text.remove_prefix(1);
       } else {
         const std::string_view fitting = text.substr(0, sizeof translated - used);
-        const std::string_view line = fitting.substr(0, fitting.find('\n'));
+        const std::string_view line = fitting.substr(0, line_length(fitting));
         used += line.copy(translated + used, line.size());
         text.remove_prefix(line.size());
       }
     }
-    DWORD written;
-    if (!WriteFile(file, translated, static_cast<DWORD>(used), &written, nullptr)) return;
+    if (!write_bytes(file, {translated, used})) return;
   }
 }
 
