@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
-#include <type_traits>
 
 #ifdef _MSC_VER
 #include <intrin.h>
@@ -23,6 +21,29 @@ void store(Pixel* pixels, __m128i four) { _mm_storeu_si128(reinterpret_cast<__m1
 
 __m128i select(__m128i mask, __m128i yes, __m128i no) {
   return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+}
+
+// The processor's string instructions are as fast as memset and memcpy at any size; a loop of stores is not, nor are the
+// functions of every run-time library.
+void store_string(Pixel* to, Pixel pixel, std::size_t count) {
+#if defined(__GNUC__)
+  asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");
+#elif defined(_MSC_VER)
+  __stosd(reinterpret_cast<unsigned long*>(to), pixel, count);
+#else
+  std::fill_n(to, count, pixel);
+#endif
+}
+
+void move_string(Pixel* to, const Pixel* from, std::size_t count) {
+#if defined(__GNUC__)
+  count *= sizeof(Pixel);
+  asm volatile("rep movsb" : "+D"(to), "+S"(from), "+c"(count) : : "memory");
+#elif defined(_MSC_VER)
+  __movsb(reinterpret_cast<unsigned char*>(to), reinterpret_cast<const unsigned char*>(from), count * sizeof(Pixel));
+#else
+  std::copy_n(from, count, to);
+#endif
 }
 
 // Replaces pixels of the key's colour with `even` or `odd`, by their index. True if all pixels had the key's colour.
@@ -81,20 +102,26 @@ __m128i luminances_of(__m128i four) {
 using Ramp = std::array<Pixel, 256 + lanes>;
 
 // from + (to - from) * step / steps for each channel, truncated towards zero, four steps at a time: up to three more
-// than `count` are made. Single precision is exact enough: the quotients are below 256 and, if they are not whole, at
-// least 1/256 away from the next whole number.
+// than `count` are made. Single precision is exact enough: the quotients are below 256 and whole multiples of 1 / steps.
+// Half of that is added, away from zero, so that no rounding makes a whole one smaller.
 void ramp_part(Pixel* entries, int count, Channels from, Channels to, int first_step, int steps) {
-  const __m128 divisor = _mm_set1_ps(static_cast<float>(steps)), next_four = _mm_set1_ps(float{lanes});
-  __m128 step = _mm_add_ps(_mm_set1_ps(static_cast<float>(first_step)), _mm_set_ps(3, 2, 1, 0));
-  const auto channel = [&](int begin, int end) {
-    const __m128 product = _mm_mul_ps(_mm_set1_ps(static_cast<float>(end - begin)), step);
-    return _mm_add_epi32(_mm_set1_epi32(begin), _mm_cvttps_epi32(_mm_div_ps(product, divisor)));
+  struct Slope {
+    Slope(int begin, int end, float steps)
+        : origin(_mm_set1_epi32(begin)),
+          rise(_mm_set1_ps(static_cast<float>(end - begin) / steps)),
+          half(_mm_set1_ps((end < begin ? -0.5F : 0.5F) / steps)) {}
+    __m128i at(__m128 step) const {
+      return _mm_add_epi32(origin, _mm_cvttps_epi32(_mm_add_ps(_mm_mul_ps(rise, step), half)));
+    }
+    __m128i origin;
+    __m128 rise, half;
   };
-  for (int i = 0; i < count; i += int{lanes}, step = _mm_add_ps(step, next_four)) {
-    const __m128i red = _mm_slli_epi32(channel(from.red, to.red), 16);
-    const __m128i green = _mm_slli_epi32(channel(from.green, to.green), 8);
-    store(entries + i, _mm_or_si128(_mm_or_si128(red, green), channel(from.blue, to.blue)));
-  }
+  const auto all = static_cast<float>(steps);
+  const Slope red(from.red, to.red, all), green(from.green, to.green, all), blue(from.blue, to.blue, all);
+  __m128 step = _mm_add_ps(_mm_set1_ps(static_cast<float>(first_step)), _mm_set_ps(3, 2, 1, 0));
+  for (int i = 0; i < count; i += int{lanes}, step = _mm_add_ps(step, _mm_set1_ps(float{lanes})))
+    store(entries + i, _mm_or_si128(_mm_or_si128(_mm_slli_epi32(red.at(step), 16), _mm_slli_epi32(green.at(step), 8)),
+                                    blue.at(step)));
 }
 
 // What each luminance becomes. `middle` is in 1 to 255.
@@ -107,18 +134,7 @@ Ramp make_ramp(Channels dark, Channels mid, Channels light, int middle) {
 
 }  // namespace
 
-void fill(PixelSpan picture, Pixel pixel) {
-  // The processor's string store is as fast as memset at any size; a loop of stores is not.
-#if defined(__GNUC__)
-  Pixel* to = picture.pixels;
-  std::size_t count = picture.count();
-  asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");
-#elif defined(_MSC_VER)
-  __stosd(reinterpret_cast<unsigned long*>(picture.pixels), pixel, picture.count());
-#else
-  std::fill_n(picture.pixels, picture.count(), pixel);
-#endif
-}
+void fill(PixelSpan picture, Pixel pixel) { store_string(picture.pixels, pixel, picture.count()); }
 
 bool substitute_key(PixelSpan picture, Pixel substitute) {
   return replace(picture.pixels, picture.count(), key_pixel, substitute, substitute);
@@ -146,18 +162,18 @@ void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, Co
   const __m128i keys = all_lanes(skipped), colors = all_lanes(color_bits);
   const std::size_t count = picture.count();
   Pixel* const pixels = picture.pixels;
-  const auto entry = [&](__m128i four, auto lane) {
-    return _mm_cvtsi32_si128(static_cast<int>(ramp[static_cast<unsigned>(_mm_extract_epi16(four, 2 * lane()))]));
+  const auto two_entries = [&](__m128i two) {
+    const auto places = static_cast<std::uint64_t>(_mm_cvtsi128_si64(two));
+    return _mm_unpacklo_epi32(_mm_cvtsi32_si128(static_cast<int>(ramp[places & 0xFF])),
+                              _mm_cvtsi32_si128(static_cast<int>(ramp[places >> 32])));
   };
 
   std::size_t i = 0;
   for (; i + lanes <= count; i += lanes) {
     const __m128i four = load(pixels + i);
     const __m128i places = luminances_of(four);
-    const __m128i tinted = _mm_unpacklo_epi64(_mm_unpacklo_epi32(entry(places, std::integral_constant<int, 0>()),
-                                                                 entry(places, std::integral_constant<int, 1>())),
-                                              _mm_unpacklo_epi32(entry(places, std::integral_constant<int, 2>()),
-                                                                 entry(places, std::integral_constant<int, 3>())));
+    const __m128i tinted =
+        _mm_unpacklo_epi64(two_entries(places), two_entries(_mm_unpackhi_epi64(places, places)));
     const __m128i is_key = _mm_cmpeq_epi32(_mm_and_si128(four, colors), keys);
     store(pixels + i, select(_mm_andnot_si128(is_key, colors), tinted, four));
   }
@@ -180,8 +196,8 @@ void stipple(PixelSpan picture, Pixel face, Pixel highlight) {
 void shift_down_right(PixelSpan picture) {
   if (picture.width < 2 || picture.height < 2) return;
   // From the bottom up: each row is copied before it is overwritten.
-  const std::size_t bytes = static_cast<std::size_t>(picture.width - 1) * sizeof(Pixel);
-  for (int y = 0; y + 1 < picture.height; ++y) std::memcpy(picture.row(y) + 1, picture.row(y + 1), bytes);
+  const auto count = static_cast<std::size_t>(picture.width - 1);
+  for (int y = 0; y + 1 < picture.height; ++y) move_string(picture.row(y) + 1, picture.row(y + 1), count);
 }
 
 void merge(PixelSpan picture, const Pixel* other, Pixel face) {

@@ -46,7 +46,7 @@ TEST_F(TextFile, TurnsLineFeedsIntoLineEnds) {
 TEST_F(TextFile, WritesWhatAStreamInTextModeWrites) {
   std::mt19937 random(1);
   for (const std::size_t size : {1u, 100u, 16383u, 16384u, 16385u, 32768u, 1000000u})
-    for (const unsigned line : {1u, 2u, 3u, 80u, 16383u, 16384u, 16385u, 2000000u}) {
+    for (const unsigned line : {1u, 2u, 3u, 15u, 16u, 17u, 80u, 16383u, 16384u, 16385u, 2000000u}) {
       std::string text(size, 'x');
       for (std::size_t at = line - 1; at < size; at += line) text[at] = '\n';
       if (line == 3) std::generate(text.begin(), text.end(), [&] { return "\n\rx"[random() % 3]; });
