@@ -94,16 +94,10 @@ class CSimpleStringT {
   void Append(PCXSTR text) { Append(text, length_of(text)); }
   void Append(PCXSTR text, int length) {
     if (length == 0) return;
-    check(text && length > 0 && length < INT_MAX / 2 - GetLength());
-    if (is_inside(text)) {
-      CSimpleStringT copy(text, length);
-      return Append(copy, length);
-    }
-    int start = GetLength();
-    int room = start + length;
-    // Grows by half, so that repeated appends take linear time.
-    if (room > m_data->nAllocLength && start) room += start / 2;
-    std::memcpy(GetBuffer(room) + start, text, bytes(length));
+    const int start = GetLength();
+    check(text && length > 0 && length < INT_MAX / 2 - start);
+    if (m_data->IsShared() || length > m_data->nAllocLength - start) return append_to_larger(text, length);
+    std::memmove(static_cast<PXSTR>(m_data->data()) + start, text, bytes(length));  // it may be of this text
     ReleaseBufferSetLength(start + length);
   }
 
@@ -152,6 +146,17 @@ class CSimpleStringT {
   }
 
  private:
+  // Appends in a buffer of its own that grows by half, so that repeated appends take linear time.
+  void append_to_larger(PCXSTR text, int length) {
+    if (is_inside(text)) {
+      CSimpleStringT copy(text, length);
+      return append_to_larger(copy, length);
+    }
+    const int start = GetLength();
+    std::memcpy(GetBuffer(start + length + start / 2) + start, text, bytes(length));
+    ReleaseBufferSetLength(start + length);
+  }
+
   // Makes the buffer unshared, with at least this capacity.
   void fork(int room) {
     if (room < GetLength()) room = GetLength();

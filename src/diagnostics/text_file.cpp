@@ -14,7 +14,8 @@ bool write_bytes(Handle file, std::string_view bytes) {
   return WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
-// The characters before the first line break. A profile has few, and memchr of some run-time libraries goes byte by byte.
+// The characters before the first line break. A profile has few, and memchr of some run-time libraries goes byte by
+// byte.
 std::size_t line_length(std::string_view text) {
   constexpr std::size_t block_size = sizeof(__m128i);
   const __m128i breaks = _mm_set1_epi8('\n');

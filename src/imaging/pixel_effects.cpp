@@ -23,8 +23,8 @@ __m128i select(__m128i mask, __m128i yes, __m128i no) {
   return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
 }
 
-// The processor's string instructions are as fast as memset and memcpy at any size; a loop of stores is not, nor are the
-// functions of every run-time library.
+// The processor's string instructions are as fast as memset and memcpy at any size; a loop of stores is not, nor are
+// the functions of every run-time library.
 void store_string(Pixel* to, Pixel pixel, std::size_t count) {
 #if defined(__GNUC__)
   asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");
@@ -102,8 +102,8 @@ __m128i luminances_of(__m128i four) {
 using Ramp = std::array<Pixel, 256 + lanes>;
 
 // from + (to - from) * step / steps for each channel, truncated towards zero, four steps at a time: up to three more
-// than `count` are made. Single precision is exact enough: the quotients are below 256 and whole multiples of 1 / steps.
-// Half of that is added, away from zero, so that no rounding makes a whole one smaller.
+// than `count` are made. Single precision is exact enough: the quotients are below 256 and whole multiples of 1 /
+// steps. Half of that is added, away from zero, so that no rounding makes a whole one smaller.
 void ramp_part(Pixel* entries, int count, Channels from, Channels to, int first_step, int steps) {
   struct Slope {
     Slope(int begin, int end, float steps)
@@ -172,8 +172,7 @@ void tint_all(PixelSpan picture, ColorRef dark, ColorRef mid, ColorRef light, Co
   for (; i + lanes <= count; i += lanes) {
     const __m128i four = load(pixels + i);
     const __m128i places = luminances_of(four);
-    const __m128i tinted =
-        _mm_unpacklo_epi64(two_entries(places), two_entries(_mm_unpackhi_epi64(places, places)));
+    const __m128i tinted = _mm_unpacklo_epi64(two_entries(places), two_entries(_mm_unpackhi_epi64(places, places)));
     const __m128i is_key = _mm_cmpeq_epi32(_mm_and_si128(four, colors), keys);
     store(pixels + i, select(_mm_andnot_si128(is_key, colors), tinted, four));
   }

@@ -34,7 +34,9 @@ class _U_MENUorID {
 };
 
 // The size for CreateWindowEx between two sides of a rectangle. That of rcDefault wraps to CW_USEDEFAULT.
-constexpr int extent(LONG from, LONG to) { return static_cast<int>(static_cast<ULONG>(to) - static_cast<ULONG>(from)); }
+constexpr int _AtlExtent(LONG from, LONG to) {
+  return static_cast<int>(static_cast<ULONG>(to) - static_cast<ULONG>(from));
+}
 
 // A window handle with the system's functions as methods. It owns nothing: copies refer to the same window, and the
 // destructor does not destroy it. Each method is the system's function or message of that name, and asserts that there
@@ -64,8 +66,8 @@ class CWindow {
     ATLASSERT(!m_hWnd);
     const RECT& place = rect.m_lpRect ? *rect.m_lpRect : rcDefault;
     m_hWnd = CreateWindowEx(extendedStyle, windowClass, name, style, place.left, place.top,
-                            extent(place.left, place.right), extent(place.top, place.bottom), parent, menuOrId.m_hMenu,
-                            _AtlBaseModule.GetModuleInstance(), parameter);
+                            _AtlExtent(place.left, place.right), _AtlExtent(place.top, place.bottom), parent,
+                            menuOrId.m_hMenu, _AtlBaseModule.GetModuleInstance(), parameter);
     return m_hWnd;
   }
   // The object is null afterwards, unless the window cannot be destroyed.

@@ -195,7 +195,7 @@ class CWindowImplBaseT : public CWindowImplRoot<TBase> {
     if (!menuOrId.m_hMenu && (style & WS_CHILD)) menuOrId.m_hMenu = reinterpret_cast<HMENU>(this);
     const RECT& place = rect.m_lpRect ? *rect.m_lpRect : CWindow::rcDefault;
     HWND window = ::CreateWindowEx(extendedStyle, MAKEINTATOM(atom), name, style, place.left, place.top,
-                                   extent(place.left, place.right), extent(place.top, place.bottom), parent,
+                                   _AtlExtent(place.left, place.right), _AtlExtent(place.top, place.bottom), parent,
                                    menuOrId.m_hMenu, _AtlBaseModule.GetModuleInstance(), parameter);
     ATLASSERT(this->m_hWnd == window);
     return window;
