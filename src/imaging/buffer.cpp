@@ -10,10 +10,11 @@
 
 namespace {
 
+constexpr std::array<char, 16 * 1024> zeros{};
+
 // Calls write(bytes, count) until `count` zeros are written or it returns false.
 template <class Write>
 void write_zeros(unsigned __int64 count, Write write) {
-  static constexpr std::array<char, 64 * 1024> zeros{};
   while (count > 0) {
     const auto piece = static_cast<UINT>(std::min<unsigned __int64>(count, zeros.size()));
     if (!write(zeros.data(), piece)) return;
@@ -54,7 +55,7 @@ std::shared_ptr<kexBuffer> kexBuffer::create_from_archive(CArchive& ar) {
 void kexBuffer::write(const void* data, unsigned __int64 size) {
   if (size == 0) return;
   write_zeros(std::exchange(missing_, 0),
-              [this](const char* zeros, UINT count) -> bool { return static_cast<bool>(stream_.write(zeros, count)); });
+              [this](const char* bytes, UINT count) -> bool { return static_cast<bool>(stream_.write(bytes, count)); });
   stream_.write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
 }
 
