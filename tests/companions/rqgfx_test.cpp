@@ -39,7 +39,13 @@ bool append(void* bytes, const unsigned char* data, unsigned __int64 count) {
 
 // The depth and the colour type of the header.
 std::pair<int, int> format_of(const std::string& png) { return {png.at(24), png.at(25)}; }
-constexpr int with_alpha = 6, without_alpha = 2;
+constexpr int with_alpha = 6, without_alpha = 2, indexed = 3;
+
+std::string png_of(hnDuctImage* image, int bits) {
+  std::string bytes;
+  EXPECT_EQ(rqPNGWriterDuctImage::write_file(image, append, &bytes, 1, bits), 1);
+  return bytes;
+}
 
 class Rqgfx : public testing::Test {
  protected:
@@ -98,19 +104,36 @@ TEST_F(Rqgfx, EveryImageComesBackPixelByPixelWithEveryOption) {
 }
 
 TEST_F(Rqgfx, TheBitsSayWhetherAlphaIsKept) {
-  auto alpha = make_image(9, 9, true, false), opaque = make_image(9, 9, false, false);
-  const auto written = [](hnDuctImage* image, int bits) {
-    std::string bytes;
-    EXPECT_EQ(rqPNGWriterDuctImage::write_file(image, append, &bytes, 1, bits), 1);
-    return bytes;
-  };
-  EXPECT_EQ(format_of(written(alpha.get(), -1)), std::pair(8, with_alpha));
-  EXPECT_EQ(format_of(written(alpha.get(), 32)), std::pair(8, with_alpha));
-  EXPECT_EQ(format_of(written(alpha.get(), 24)), std::pair(8, without_alpha));
-  EXPECT_EQ(format_of(written(opaque.get(), -1)), std::pair(8, without_alpha));
-  EXPECT_EQ(format_of(written(opaque.get(), 32)), std::pair(8, without_alpha));
-  write_file("opaque.png", written(opaque.get(), 24));
+  auto alpha = make_image(20, 20, true, false), opaque = make_image(20, 20, false, false);
+  EXPECT_EQ(format_of(png_of(alpha.get(), -1)), std::pair(8, with_alpha));
+  EXPECT_EQ(format_of(png_of(alpha.get(), 32)), std::pair(8, with_alpha));
+  EXPECT_EQ(format_of(png_of(alpha.get(), 24)), std::pair(8, without_alpha));
+  EXPECT_EQ(format_of(png_of(opaque.get(), -1)), std::pair(8, without_alpha));
+  EXPECT_EQ(format_of(png_of(opaque.get(), 32)), std::pair(8, without_alpha));
+  write_file("opaque.png", png_of(opaque.get(), 24));
   EXPECT_EQ(decode_image("opaque.png").pixels, pixels_of(*opaque));
+}
+
+TEST_F(Rqgfx, AnOpaqueImageOfAtMost256ColorsHasAPalette) {
+  for (const int colors : {1, 2, 255, 256, 257}) {
+    hnDuctImage image(300, 40, false);
+    for (int i = 0; i < 300 * 40; ++i)  // black and white are among the colours
+      image.row(0)[i] = 0xFF000000 | static_cast<std::uint32_t>(i * 7 % colors) * (0xFFFFFFu / 255);
+    image.row(20)[5] &= 0xFFFFFF;  // the top byte is not of the colour
+    const std::string png = png_of(&image, 32);
+    EXPECT_EQ(format_of(png), std::pair(8, colors <= 256 ? indexed : without_alpha)) << colors;
+    write_file("a.png", png);
+    image.row(20)[5] |= 0xFF000000;
+    EXPECT_EQ(decode_image("a.png").pixels, pixels_of(image)) << colors;
+  }
+}
+
+TEST_F(Rqgfx, AnImageWithAlphaHasAPaletteWhereItsAlphaIsDropped) {
+  const auto image = make_image(40, 40, true, true);
+  EXPECT_EQ(format_of(png_of(image.get(), 32)), std::pair(8, with_alpha));
+  write_file("a.png", png_of(image.get(), 24));
+  EXPECT_EQ(format_of(read_file("a.png")), std::pair(8, indexed));
+  EXPECT_EQ(decode_image("a.png").pixels[41], 0xFFD4D0C8);
 }
 
 TEST_F(Rqgfx, TheFileIsTheSameAsWhatTheSinkGets) {

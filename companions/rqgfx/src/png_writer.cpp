@@ -3,7 +3,9 @@
 
 #include <rqgfx/png_writer.h>
 
+#include "palette.h"
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
 #include <fstream>
@@ -104,31 +106,47 @@ HRESULT set_filter(IPropertyBag2* options, WICPngFilterOption filter) {
   return options->Write(1, &option, &value);
 }
 
-// A band in the format that is passed to WIC; the stride is in bytes.
-struct Band {
-  BYTE* bytes;
-  UINT stride;
+// How the pixels are passed to WIC.
+struct Form {
+  WICPixelFormatGUID format;
+  UINT bytes_of_a_pixel;
 };
+constexpr UINT indexed = 1, without_alpha = 3, with_alpha = 4;
 
-Band band_of(hnDuctImage* image, int first, int rows, bool with_alpha, std::vector<BYTE>* memory) {
-  const auto width = static_cast<UINT>(image->width());
-  if (with_alpha) return {reinterpret_cast<BYTE*>(image->row(first)), width * 4};
-  memory->resize(std::size_t{width} * 3 * static_cast<std::size_t>(rows) + 1);
-  BYTE* to = memory->data();
-  const std::uint32_t* from = image->row(first);
-  for (std::size_t i = 0, count = std::size_t{width} * static_cast<std::size_t>(rows); i < count; ++i, to += 3) {
+Form form_of(UINT bytes_of_a_pixel) {
+  return {bytes_of_a_pixel == indexed         ? GUID_WICPixelFormat8bppIndexed
+          : bytes_of_a_pixel == without_alpha ? GUID_WICPixelFormat24bppBGR
+                                              : GUID_WICPixelFormat32bppBGRA,
+          bytes_of_a_pixel};
+}
+
+void write_colors(const std::uint32_t* from, std::size_t count, BYTE* to) {
+  for (std::size_t i = 0; i < count; ++i, to += without_alpha) {
     to[0] = static_cast<BYTE>(from[i]);
     to[1] = static_cast<BYTE>(from[i] >> 8);
     to[2] = static_cast<BYTE>(from[i] >> 16);
   }
-  return {memory->data(), width * 3};
+}
+
+HRESULT set_palette(IWICImagingFactory* factory, IWICBitmapFrameEncode* frame, const Palette& palette) {
+  std::array<WICColor, 256> colors;
+  std::copy_n(palette.colors(), palette.count(), colors.begin());
+  CComPtr<IWICPalette> made;
+  HRESULT result = factory->CreatePalette(&made);
+  if (SUCCEEDED(result)) result = made->InitializeCustom(colors.data(), palette.count());
+  if (SUCCEEDED(result)) result = frame->SetPalette(made);
+  return result;
 }
 
 HRESULT encode(hnDuctImage* image, IStream* stream, int filter, int bits) {
-  const bool with_alpha = image->has_alpha() && bits != 24;
-  const bool unfiltered = filter == 0 || ((filter == 1 || filter == -1) && is_flat(*image));
-  const WICPixelFormatGUID wanted = with_alpha ? GUID_WICPixelFormat32bppBGRA : GUID_WICPixelFormat24bppBGR;
-  WICPixelFormatGUID format = wanted;
+  Palette palette;
+  const Form form = form_of(image->has_alpha() && bits != 24 ? with_alpha
+                            : palette.add(*image)            ? indexed
+                                                             : without_alpha);
+  const bool is_indexed = form.bytes_of_a_pixel == indexed;
+  // Neighbouring indices say nothing about each other.
+  const bool unfiltered = is_indexed || filter == 0 || ((filter == 1 || filter == -1) && is_flat(*image));
+  WICPixelFormatGUID format = form.format;
 
   ComOnThread com;
   CComPtr<IWICImagingFactory> factory;
@@ -143,14 +161,24 @@ HRESULT encode(hnDuctImage* image, IStream* stream, int filter, int bits) {
   if (SUCCEEDED(result)) result = frame->Initialize(options);
   if (SUCCEEDED(result)) result = frame->SetSize(static_cast<UINT>(image->width()), static_cast<UINT>(image->height()));
   if (SUCCEEDED(result)) result = frame->SetPixelFormat(&format);
-  if (SUCCEEDED(result) && format != wanted) result = E_FAIL;
+  if (SUCCEEDED(result) && format != form.format) result = E_FAIL;
+  if (SUCCEEDED(result) && is_indexed) result = set_palette(factory, frame, palette);
 
-  std::vector<BYTE> memory;
+  const UINT stride = static_cast<UINT>(image->width()) * form.bytes_of_a_pixel;
+  std::vector<BYTE> band;
   for (int y = 0; SUCCEEDED(result) && y < image->height(); y += rows_of_a_band) {
-    const int rows = std::min(rows_of_a_band, image->height() - y);
-    const Band band = band_of(image, y, rows, with_alpha, &memory);
-    result =
-        frame->WritePixels(static_cast<UINT>(rows), band.stride, band.stride * static_cast<UINT>(rows), band.bytes);
+    const auto rows = static_cast<UINT>(std::min(rows_of_a_band, image->height() - y));
+    const std::size_t count = static_cast<std::size_t>(image->width()) * rows;
+    auto* bytes = reinterpret_cast<BYTE*>(image->row(y));
+    if (form.bytes_of_a_pixel != with_alpha) {
+      band.resize(std::size_t{stride} * rows);
+      bytes = band.data();
+      if (is_indexed)
+        palette.write_indices(image->row(y), count, bytes);
+      else
+        write_colors(image->row(y), count, bytes);
+    }
+    result = frame->WritePixels(rows, stride, stride * rows, bytes);
   }
   if (SUCCEEDED(result)) result = frame->Commit();
   if (SUCCEEDED(result)) result = encoder->Commit();

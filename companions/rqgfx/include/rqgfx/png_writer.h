@@ -13,8 +13,11 @@
 // The options; -1 selects the default:
 //   filter   0: no row filters. 1 (default): no row filters if most neighbouring pixels are equal, as in pictures of
 //            user interfaces, else WIC's default. Any other value: WIC's default
-//   bits     24: no alpha channel. 32 (default) and any other value: an alpha channel if the image has one. An image
-//            without alpha is always written with 24 bits, which makes a smaller file with the same pixels
+//   bits     24: no alpha channel. 32 (default) and any other value: an alpha channel if the image has one
+//
+// A picture that is written without alpha has 24 bits a pixel, or 8 and a palette, without row filters, if it has at
+// most 256 colours, as pictures of user interfaces do: the same pixels in a smaller file. The search for its colours
+// reads the image once before the first byte is written.
 //
 // The result is 1 on success. It is 0 if the image is null or empty, if memory runs out, or if the system, the sink or
 // the file fails. No exception is thrown.
