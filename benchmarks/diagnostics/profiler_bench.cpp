@@ -212,10 +212,12 @@ void measure_blocks() {
                  {.name = "a scope on each of two threads",
                   .compared = "kexProfileScope, of the time of a block on one thread",
                   .reason = "threads that share nothing would take the same time"});
-  bench::at_most(0.6, pair.ratio("library without a clock", "nested unordered_map without a clock"),
+  bench::at_most(0.5, pair.ratio("library without a clock", "nested unordered_map without a clock"),
                  {.name = "the bookkeeping of a block",
                   .compared = "a begin and an end without the clock, of the time of nested std::unordered_maps",
-                  .reason = "a map of blocks by name in each block is the straightforward model of the same tree"});
+                  .reason = "a map of blocks by name in each block is the straightforward model of the same tree",
+                  .wanted = "0.40. Half of a pair's time is the first touch of the memory for its interval, which both "
+                            "pay: in memory that is warm a pair takes 7 ns in place of 14"});
 }
 
 void measure_record() {
@@ -262,10 +264,12 @@ void measure_record() {
     });
   });
   writing.run();
-  bench::at_least(8, writing.ratio("std::ofstream <<", "library"),
+  bench::at_least(12, writing.ratio("std::ofstream <<", "library"),
                   {.name = "a record beside a stream",
                    .compared = "writing a million intervals, times as fast as std::ofstream <<",
-                   .reason = "a stream gives the same bytes, and is the obvious way to write a text file"});
+                   .reason = "a stream gives the same bytes, and is the obvious way to write a text file",
+                   .wanted = "20. Writing the bytes takes half of our time, and making them the other half; both at a "
+                             "time would take a thread, which the library does not start for this"});
 #ifdef BENCH_WITH_PEERS
   bench::at_least(2, writing.ratio("fmt, compiled format, intervals only", "library"),
                   {.name = "a record beside fmt",
@@ -274,10 +278,11 @@ void measure_record() {
 #else
   bench::leave_out("a record beside fmt", "libfmt-dev is not installed");
 #endif
-  bench::at_least(0.25, writing.ratio("the ready bytes with one call", "library"),
+  bench::at_least(0.45, writing.ratio("the ready bytes with one call", "library"),
                   {.name = "a record beside its bytes",
                    .compared = "writing a million intervals, of the speed of one WriteFile of the ready bytes",
-                   .reason = "nothing writes a file faster"});
+                   .reason = "nothing writes a file faster",
+                   .wanted = "0.60, for the same reason as above"});
   const bool identical = read_file("ours.js") == read_file("stream.js");
   bench::at_least(1, identical ? 1 : 0,
                   {.name = "the bytes of a record",

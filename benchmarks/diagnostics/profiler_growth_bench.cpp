@@ -88,6 +88,19 @@ double processor_time_on(std::size_t threads) {
   return time;
 }
 
+void measure_threads() {
+  bench::Comparison work("a block on each thread, time of the processors", 7);
+  work.add("1 thread", [] { return processor_time_on(1); });
+  for (const std::size_t threads : {2U, 4U, 8U})
+    work.add(std::to_string(threads) + " threads", [=] { return processor_time_on(threads); });
+  work.run();
+  for (const std::string threads : {"2", "4", "8"})
+    bench::at_most(1.1, work.ratio(threads + " threads", "1 thread"),
+                   {.name = "a block on each of " + threads + " threads, time of the processors",
+                    .compared = "kex_begin_block and kex_end_block, of the time of the same on one thread",
+                    .reason = "threads that share nothing would take the same time"});
+}
+
 void grow_threads() {
   bench::grow({.name = "the same block on each thread",
                .x = "threads",
@@ -196,6 +209,7 @@ void measure_memory_of_ten_million() {
 const bench::Growth names_growth("names", grow_names);
 const bench::Growth threads_growth("threads", grow_threads);
 const bench::Growth record_growth("record", grow_record);
+const bench::Benchmark threads_benchmark("threads", measure_threads);
 const bench::Benchmark memory_benchmark("memory of ten million intervals", measure_memory_of_ten_million);
 
 }  // namespace

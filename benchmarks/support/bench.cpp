@@ -30,10 +30,10 @@ std::ofstream results;  // one JSON object in each line
 void write_line(const char* at, double mark, const Figure& figure, const Line& line) {
   results << std::setprecision(6) << "{\"benchmark\": " << std::quoted(running)
           << ", \"name\": " << std::quoted(line.name) << ", \"compared\": " << std::quoted(line.compared)
-          << ", \"reason\": " << std::quoted(line.reason) << ", \"at\": \"" << at << "\", \"mark\": " << mark
-          << ", \"figure\": " << figure.value << ", \"low\": " << figure.low << ", \"high\": " << figure.high
-          << ", \"rounds\": " << figure.rounds << ", \"nanoseconds\": [" << figure.dividend << ", " << figure.divisor
-          << "]}" << std::endl;
+          << ", \"reason\": " << std::quoted(line.reason) << ", \"wanted\": " << std::quoted(line.wanted)
+          << ", \"at\": \"" << at << "\", \"mark\": " << mark << ", \"figure\": " << figure.value
+          << ", \"low\": " << figure.low << ", \"high\": " << figure.high << ", \"rounds\": " << figure.rounds
+          << ", \"nanoseconds\": [" << figure.dividend << ", " << figure.divisor << "]}" << std::endl;
 }
 
 void tell(const char* at, double mark, bool reached, const Figure& figure, const Line& line) {

@@ -75,11 +75,13 @@ class Comparison {
   std::vector<Variant> variants_;
 };
 
-// A line of the table: what is measured, what it is compared with, and why a user would write that instead.
+// A line of the table: what is measured, what it is compared with, and why a user would write that instead. A better
+// figure that was wanted and is not reached comes with what keeps it.
 struct Line {
   std::string name;
   std::string compared;
   std::string reason;
+  std::string wanted = {};
 };
 
 // Print a line with its figure and its mark, and write it to the results.

@@ -1,15 +1,14 @@
 #include <kexlib/text/apply_to_files.h>
 
 #include <windows.h>
-#include <winternl.h>
 
 #include <support/bench.h>
 #include <support/files.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -68,64 +67,37 @@ void measure_walk() {
                    .reason = "the walk of the standard library, as people write it"});
 }
 
-// An empty file, made by the system's function below CreateFile, case-sensitive: for the other one Wine reads the whole
-// folder, to find the name in another spelling, and a hundred thousand files would take hours.
-void make_file(const fs::path& path) {
-  std::wstring name = LR"(\??\)" + path.wstring();
-  UNICODE_STRING string{static_cast<USHORT>(name.size() * 2), static_cast<USHORT>(name.size() * 2), name.data()};
-  OBJECT_ATTRIBUTES attributes{};
-  attributes.Length = sizeof attributes;
-  attributes.ObjectName = &string;
-  IO_STATUS_BLOCK result{};
-  HANDLE file;
-  if (NtCreateFile(&file, GENERIC_WRITE | SYNCHRONIZE, &attributes, &result, nullptr, FILE_ATTRIBUTE_NORMAL, 0,
-                   FILE_CREATE, FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0) < 0)
-    throw bench::CannotRun{"a file cannot be made"};
-  NtClose(file);
+// A folder of FORM_FILES that scripts/bench has made: Wine takes a time for each new file that grows with its folder.
+std::string made_tree(const char* form, std::size_t files) {
+  const char* const trees = std::getenv("KEX_BENCH_TREES");
+  if (!trees) throw bench::CannotRun{"scripts/bench has made no folders of files"};
+  return trees + ("\\" + std::string(form)) + "_" + std::to_string(files);
 }
 
-// Ten files in each of fifty folders or fewer, one in the other; a path has 260 characters at most.
-void make_deep_tree(fs::path folder, std::size_t files) {
-  const std::size_t levels = std::min<std::size_t>(50, files / 10);
-  for (std::size_t level = 0; level < levels; ++level) {
-    for (std::size_t i = level; i < files; i += levels) make_file(folder / (std::to_string(i) + ".cpp"));
-    folder /= "d";
-    fs::create_directory(folder);
-  }
-}
-
-void make_flat_tree(fs::path folder, std::size_t files) {
-  for (std::size_t i = 0; i < files; ++i) make_file(folder / (std::to_string(i) + ".cpp"));
-}
-
-double nanoseconds_a_file_of(void (*make)(fs::path folder, std::size_t files), std::size_t files) {
-  TemporaryFolder folder;
-  make(folder.path(), files);
-  const std::string root = folder.path().string();
+double nanoseconds_a_file_of(const char* form, std::size_t files) {
+  const std::string root = made_tree(form, files);
+  found = 0;
   const auto walk = [&] { Count().Apply(root.c_str(), "*.cpp", 0); };
   walk();
+  if (static_cast<std::size_t>(found) != files)
+    throw bench::CannotRun{"there are not " + std::to_string(files) + " files in " + root};
   const int repeats = static_cast<int>(std::max<std::size_t>(1, 1000 / files));
   return bench::nanoseconds_each(repeats, walk) / static_cast<double>(files);
 }
 
 void grow_folders() {
-  const std::vector<std::size_t> sizes = {100, 1000, 10000, 100000};
-  bench::grow({.name = "all in one folder",
-               .x = "files",
-               .y = "nanoseconds a file",
-               .sizes = sizes,
-               .own_exponent = 0,
-               .explained = "",
-               .measure = [](std::size_t files) { return nanoseconds_a_file_of(make_flat_tree, files); },
-               .rounds = 1});
-  bench::grow({.name = "in up to 50 folders, one in the other",
-               .x = "files",
-               .y = "nanoseconds a file",
-               .sizes = sizes,
-               .own_exponent = 0,
-               .explained = "",
-               .measure = [](std::size_t files) { return nanoseconds_a_file_of(make_deep_tree, files); },
-               .rounds = 1});
+  const auto grow = [](const char* name, const char* form) {
+    bench::grow({.name = name,
+                 .x = "files",
+                 .y = "nanoseconds a file",
+                 .sizes = {100, 1000, 10000, 100000},
+                 .own_exponent = 0,
+                 .explained = "",
+                 .measure = [=](std::size_t files) { return nanoseconds_a_file_of(form, files); },
+                 .rounds = 3});
+  };
+  grow("all in one folder", "flat");
+  grow("in up to 50 folders, one in the other", "deep");
 }
 
 const bench::Growth folders_growth("folders", grow_folders);

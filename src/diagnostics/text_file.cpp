@@ -3,8 +3,8 @@
 
 #include <diagnostics/text_file.h>
 
-#include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace kexlib::text_file {
 namespace {
@@ -25,7 +25,8 @@ std::size_t line_length(std::string_view text) {
     const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(block, breaks));
     if (found) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(found)));
   }
-  return std::min(text.find('\n', i), text.size());
+  while (i < text.size() && text[i] != '\n') ++i;
+  return i;
 }
 
 }  // namespace
@@ -40,27 +41,31 @@ Handle open(const char* path, Start start) {
 }
 
 void write(Handle file, std::string_view text) {
-  if (line_length(text) == text.size()) {
+  std::size_t line = line_length(text);
+  if (line == text.size()) {
     write_bytes(file, text);
     return;
   }
   char translated[16 * 1024];
-  while (!text.empty()) {
-    std::size_t used = 0;
-    while (!text.empty() && used + 2 <= sizeof translated) {
-      if (text.front() == '\n') {
-        translated[used++] = '\r';
-        translated[used++] = '\n';
-        text.remove_prefix(1);
-      } else {
-        const std::string_view fitting = text.substr(0, sizeof translated - used);
-        const std::string_view line = fitting.substr(0, line_length(fitting));
-        used += line.copy(translated + used, line.size());
-        text.remove_prefix(line.size());
-      }
+  std::size_t used = 0;
+  const auto flush = [&] { return write_bytes(file, {translated, std::exchange(used, 0)}); };
+  for (;; line = line_length(text)) {
+    while (line > sizeof translated - used) {
+      const std::size_t part = text.copy(translated + used, sizeof translated - used);
+      used += part;
+      text.remove_prefix(part);
+      line -= part;
+      if (!flush()) return;
     }
-    if (!write_bytes(file, {translated, used})) return;
+    used += text.copy(translated + used, line);
+    text.remove_prefix(line);
+    if (text.empty()) break;
+    if (used + 2 > sizeof translated && !flush()) return;
+    translated[used++] = '\r';
+    translated[used++] = '\n';
+    text.remove_prefix(1);
   }
+  if (used) flush();
 }
 
 void close(Handle file) { CloseHandle(file); }
