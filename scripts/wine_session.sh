@@ -97,11 +97,12 @@ copy_prefix() {
   cp -a "$WINEPREFIX"/.update-timestamp "$WINEPREFIX"/.prepared "$1"
 }
 
-# set_heap_checks PREFIX: with the preset mingw-hardened the heaps of all programs are checked (the global flags for the
-# tail of blocks and for parameters), otherwise none. Not freed blocks: the system would hold them back, and tests count.
+# set_heap_checks PREFIX: with the preset mingw-hardened the heaps of all programs fill the room behind each block (the
+# global flag for the tail of blocks), otherwise none. Not the flags for parameters and for freed blocks: with either one
+# Wine holds back a thousand freed blocks of a heap, and tests count blocks.
 set_heap_checks() {
   local flags=00000000
-  [ "$preset" != mingw-hardened ] || flags=00000050
+  [ "$preset" != mingw-hardened ] || flags=00000010
   sed -i "s/^\"GlobalFlag\"=dword:.*/\"GlobalFlag\"=dword:$flags/" "$1/system.reg"
   [ "$flags" = 00000000 ] || grep -q "^\"GlobalFlag\"=dword:$flags" "$1/system.reg" ||
     fail "the registry of this Wine has no GlobalFlag: heaps would not be checked."

@@ -13,7 +13,8 @@ namespace kexlib {
 // `Platform` has static std::uint32_t thread_id() and static std::int64_t now(), in ticks. Tests and benchmarks supply
 // another one.
 //
-// The switch and the time base are read without ordering: callers never overlap a stop with other calls.
+// The switch and the time base are read without ordering: callers never overlap a stop with other calls. Nothing guards
+// against it, as a count of open calls costs more than a pair may lose: docs/reliability.md has the figures.
 template <class Platform>
 class BlockRecorder {
  public:

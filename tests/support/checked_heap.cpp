@@ -3,6 +3,7 @@
 
 #include <support/c_library.h>
 #include <support/checked_heap.h>
+#include <support/heap_use.h>
 #include <support/import_override.h>
 
 #include <cstdio>
@@ -47,7 +48,5 @@ void check_freed_blocks() {
 void check_heaps() {
   static const bool checked = system_checks_heaps();
   if (!checked) return;
-  HANDLE heaps[64];
-  const DWORD count = GetProcessHeaps(64, heaps);
-  for (DWORD i = 0; i < count; ++i) validate(heaps[i], nullptr);
+  for (const HANDLE heap : ProcessHeaps()) validate(heap, nullptr);
 }

@@ -2,21 +2,26 @@
 
 #include <support/heap_use.h>
 
-#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+ProcessHeaps::ProcessHeaps() : count_(GetProcessHeaps(room, heaps_)) {
+  if (count_ <= room) return;
+  std::fprintf(stderr, "There are %lu heaps, and room for %lu.\n", count_, room);
+  std::abort();
+}
 
 HeapUse heap_use() {
-  HANDLE heaps[64];
   HeapUse size;
-  const DWORD count = std::min<DWORD>(GetProcessHeaps(64, heaps), 64);
-  for (DWORD i = 0; i < count; ++i) {
+  for (const HANDLE heap : ProcessHeaps()) {
     PROCESS_HEAP_ENTRY entry{};
-    HeapLock(heaps[i]);
-    while (HeapWalk(heaps[i], &entry)) {
+    HeapLock(heap);
+    while (HeapWalk(heap, &entry)) {
       if (!(entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)) continue;
       ++size.blocks;
       size.bytes += entry.cbData;
     }
-    HeapUnlock(heaps[i]);
+    HeapUnlock(heap);
   }
   return size;
 }
