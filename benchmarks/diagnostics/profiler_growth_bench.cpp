@@ -155,7 +155,7 @@ void grow_record() {
                .y = "nanoseconds an interval",
                .sizes = sizes,
                .own_exponent = 0,
-               .explained = "",
+               .explained = "records of hundreds of megabytes wait for the disk",
                .measure =
                    [](std::size_t intervals) {
                      return each_interval(intervals, [=](const kexlib::ProfileRecord& record) {
