@@ -20,7 +20,9 @@
 #include <iterator>
 #include <random>
 #include <stdexcept>
+#include <stop_token>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -95,6 +97,18 @@ bool answers(HWND window, UINT milliseconds) {
   return SendMessageTimeoutA(window, WM_NULL, 0, 0, SMTO_NORMAL, milliseconds, &result) != 0;
 }
 
+// A box of another thread may keep the gallery waiting, and with it whoever asks the gallery for something. A user
+// would close it.
+void close_boxes_of_others(const std::stop_token& stop, HWND frame) {
+  while (!stop.stop_requested()) {
+    Sleep(200);
+    if (answers(frame, 1000)) continue;
+    for (const HWND popup : popups(frame))
+      if (GetWindowThreadProcessId(popup, nullptr) != GetWindowThreadProcessId(frame, nullptr))
+        PostMessageA(popup, WM_COMMAND, IDOK, 0);
+  }
+}
+
 class User {
  public:
   explicit User(HWND frame) : frame_(frame), tour_(frame) {}
@@ -132,13 +146,9 @@ class User {
   }
 
  private:
-  // A box of another thread may keep the gallery waiting.
   void require_life() {
-    for (const ULONGLONG end = GetTickCount64() + patience; !answers(frame_, 200);) {
+    for (const ULONGLONG end = GetTickCount64() + patience; !answers(frame_, 200);)
       if (GetTickCount64() > end) throw std::runtime_error("the gallery does not answer");
-      for (const HWND popup : popups(frame_))
-        if (GetWindowThreadProcessId(popup, nullptr) != GetWindowThreadProcessId(frame_, nullptr)) close(popup);
-    }
   }
 
   // Any dialog can be closed by one of its buttons; others have actions, and do not close it.
@@ -204,7 +214,7 @@ class User {
         log("next page");
         return tour_.press_with(VK_CONTROL, VK_F6);
       case 3: {
-        // Not the first one, which ends the gallery.
+        // Not the first one, which is empty here.
         const char menu = any_of(2) == 0 ? 'R' : 'W';
         log(std::string("menu ") + menu);
         return tour_.press_with(VK_MENU, static_cast<WORD>(menu));
@@ -245,7 +255,10 @@ Counts count(HWND frame) {
 
 bool soak(HWND frame) {
   User user(frame);
+  const std::jthread closer(close_boxes_of_others, frame);
   int steps = 0;
+  // The left key leads from the other menus to this one too: the gallery must not end before the user has.
+  DeleteMenu(GetSubMenu(GetMenu(frame), 0), 0, MF_BYPOSITION);
   try {
     user.look_at_all();
     user.tidy_up();

@@ -23,9 +23,9 @@
 
 #include <support/c_library.h>
 #include <support/import_override.h>
+#include <support/leak_rounds.h>
 #include <support/resource_counts.h>
 
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <new>
@@ -255,11 +255,9 @@ inline void sweep_faults(std::span<const Call> failing, std::span<const Operatio
   for (const Call& call : failing) EXPECT_TRUE(reached.contains(call.name())) << "no operation calls " << call.name();
 }
 
-// Many rounds without a failure: each leaves behind what it does by design, and nothing else. 50, or as many as the
-// variable KEXLIB_LEAK_ROUNDS says.
+// Many rounds without a failure: each leaves behind what it does by design, and nothing else.
 inline void repeat_rounds(std::span<const Operation> operations) {
-  const char* const asked = std::getenv("KEXLIB_LEAK_ROUNDS");
-  const int rounds = asked ? std::atoi(asked) : 50;
+  const int rounds = leak_rounds();
   for (const Operation& operation : operations) {
     SCOPED_TRACE(operation.name);
     const auto round = [&] {

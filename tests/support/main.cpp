@@ -6,7 +6,9 @@
 
 #include <support/checked_heap.h>
 #include <support/crash_report.h>
+#include <support/leak_rounds.h>
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 #include <string>
@@ -16,8 +18,9 @@ namespace {
 class WatchdogOfEachTest : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo& test) override {
     using kexlib::testing::Watchdog;
-    watchdog_.emplace(std::string(test.test_suite_name()) + "." + test.name(), std::chrono::seconds(100),
-                      Watchdog::End::at_once);
+    // More rounds than usual take more time.
+    const auto patience = std::chrono::seconds(100) * std::max(1, leak_rounds() / usual_leak_rounds);
+    watchdog_.emplace(std::string(test.test_suite_name()) + "." + test.name(), patience, Watchdog::End::at_once);
   }
   void OnTestEnd(const testing::TestInfo&) override { watchdog_.reset(); }
 

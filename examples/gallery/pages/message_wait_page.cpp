@@ -96,6 +96,11 @@ void tour(gallery::Tour& user) {
   user.click(id_start);
   user.check_text(id_result, "The worker is done.");
   user.check("the progress bar is full", [&] { return progress() == 50; });
+  const HWND page = user.page();
+  user.click(id_start);
+  user.wait_until("some work", [&] { return progress() < 50; });
+  PostMessageA(GetParent(page), WM_SYSCOMMAND, SC_CLOSE, 0);  // as a click on its close box
+  user.check("the page closes while it waits", [page] { return !IsWindow(page); });
 }
 
 const gallery::Registration message_wait{
