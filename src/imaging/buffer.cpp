@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::array<char, 16 * 1024> zeros{};
+constexpr std::array<char, std::size_t{16} * 1024> zeros{};
 
 // Calls write(bytes, count) until `count` zeros are written or it returns false.
 template <class Write>

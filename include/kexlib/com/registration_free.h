@@ -10,8 +10,8 @@
 // The type library of a file describes its classes. The manifest names the DLL that creates them. A component needs
 // both.
 //
-// Scan only folders that you trust. The system's loader does not validate a type library: a damaged one can end the
-// process, in LoadTypeLib or when a class of it is read. Nothing of it is executed.
+// Scan only folders that you trust. The system's loader does not validate a type library: with a damaged one,
+// LoadTypeLib can end the process or never return. Nothing of it is executed.
 //
 // Paths are full and in the ANSI code page. The system registers a type library that is loaded by its name alone.
 //
