@@ -89,14 +89,13 @@ double processor_time_on(std::size_t threads) {
 }
 
 void measure_threads() {
+  const auto on = [](std::size_t threads) { return std::to_string(threads) + " threads"; };
   bench::Comparison work("a block on each thread, time of the processors", 7);
-  work.add("1 thread", [] { return processor_time_on(1); });
-  for (const std::size_t threads : {2U, 4U, 8U})
-    work.add(std::to_string(threads) + " threads", [=] { return processor_time_on(threads); });
+  for (const std::size_t threads : {1U, 2U, 4U, 8U}) work.add(on(threads), [=] { return processor_time_on(threads); });
   work.run();
-  for (const std::string threads : {"2", "4", "8"})
-    bench::at_most(1.1, work.ratio(threads + " threads", "1 thread"),
-                   {.name = "a block on each of " + threads + " threads, time of the processors",
+  for (const std::size_t threads : {2U, 4U, 8U})
+    bench::at_most(1.1, work.ratio(on(threads), on(1)),
+                   {.name = "a block on each of " + on(threads) + ", time of the processors",
                     .compared = "kex_begin_block and kex_end_block, of the time of the same on one thread",
                     .reason = "threads that share nothing would take the same time"});
 }

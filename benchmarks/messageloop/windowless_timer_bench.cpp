@@ -121,7 +121,7 @@ void measure_tick_of_the_newest() {
   bench::at_most(1.1, work.ratio("of 10,000", "of 10"),
                  {.name = "a tick of the newest of 10,000 timers",
                   .compared = "CATLWindowLessTimer, of the time of a tick of the newest of 10",
-                  .reason = "the search begins at the newest; that of the oldest is the walk of the line above"});
+                  .reason = "the search begins at the newest; for the oldest it is a walk through all"});
 }
 
 void measure_memory() {

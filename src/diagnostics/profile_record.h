@@ -52,7 +52,7 @@ class Arena {
 
  private:
   static constexpr std::size_t alignment = 16;
-  static constexpr std::size_t largest_slab = std::size_t{256} * 1024;
+  static constexpr std::size_t largest_slab = std::size_t{64} * 1024;
 
   struct alignas(alignment) Slab {
     Slab* previous;
