@@ -12,6 +12,7 @@ export default defineConfig({
         include: [`tests/${folder}/**/*.test.ts`],
         env: { VIEWER_BROWSER: browser },
         testTimeout: 60_000,
+        expect: { poll: { timeout: 10_000 } }, // a machine with much else to do takes longer than the usual second
         hookTimeout: 60_000,
       },
     })),

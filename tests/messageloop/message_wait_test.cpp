@@ -4,7 +4,6 @@
 
 #include <messageloop/message_wait_fixture.h>
 
-#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>
@@ -63,14 +62,14 @@ TEST_F(MessageWait, SaysThatAMutexWasAbandonedDuringTheSleep) {
 }
 
 TEST_F(MessageWait, WaitsForAThread) {
-  const Event end;
-  std::atomic<DWORD> id = 0;
+  const Event started, end;
+  DWORD id = 0;
   std::thread thread([&] {
     id = GetCurrentThreadId();
-    id.notify_one();
+    started.set();
     WaitForSingleObject(end, INFINITE);
   });
-  id.wait(0);
+  ASSERT_EQ(WaitForSingleObject(started, ages), WAIT_OBJECT_0);
   const HANDLE handle = OpenThread(SYNCHRONIZE, FALSE, id);
   ASSERT_NE(handle, nullptr);
   EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, 20, FALSE, nullptr), static_cast<DWORD>(WAIT_TIMEOUT));

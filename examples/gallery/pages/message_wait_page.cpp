@@ -36,10 +36,11 @@ class MessageWaitPage : public gallery::Page {
   LRESULT OnStart(WORD, WORD, HWND, BOOL&) {
     const HANDLE finished = CreateEvent(nullptr, TRUE, FALSE, nullptr);
     cancelled_ = CreateEvent(nullptr, TRUE, FALSE, nullptr);
-    std::thread worker([this, finished] {
+    // The window may be destroyed while the worker runs: the worker knows its handle and asks the page nothing.
+    std::thread worker([finished, cancelled = cancelled_, window = m_hWnd] {
       for (int step = 1; step <= steps; ++step) {
-        if (WaitForSingleObject(cancelled_, milliseconds_of_a_step) == WAIT_OBJECT_0) return;
-        PostMessage(message_progress, static_cast<WPARAM>(step));
+        if (WaitForSingleObject(cancelled, milliseconds_of_a_step) == WAIT_OBJECT_0) return;
+        ::PostMessage(window, message_progress, static_cast<WPARAM>(step), 0);
       }
       SetEvent(finished);
     });
