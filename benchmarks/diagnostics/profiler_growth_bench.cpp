@@ -1,13 +1,13 @@
 #include <kexlib/diagnostics/profiler.h>
 
 #include <windows.h>
-#include <psapi.h>
 
 #include <diagnostics/block_recorder.h>
 #include <diagnostics/profile_writer.h>
 #include <diagnostics/text_file.h>
 #include <support/bench.h>
 #include <support/files.h>
+#include <support/resource_counts.h>
 
 #include <algorithm>
 #include <random>
@@ -111,12 +111,6 @@ void grow_threads() {
                .rounds = 3});
 }
 
-PROCESS_MEMORY_COUNTERS memory_counters() {
-  PROCESS_MEMORY_COUNTERS counters{};
-  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-  return counters;
-}
-
 void fill(kexlib::ProfileRecord& record, std::size_t intervals) {
   const std::vector<std::string> blocks = names(8);
   std::mt19937_64 random(1);
@@ -183,22 +177,24 @@ void grow_record() {
 void measure_memory_of_ten_million() {
   TemporaryFolder folder;
   static kexlib::ProfileRecord record;
-  constexpr double megabyte = 1e6;
-  const SIZE_T before = memory_counters().WorkingSetSize;
+  const auto megabytes_beyond = [](std::size_t more, std::size_t less) {
+    return static_cast<double>(more - less) / 1e6;
+  };
+  const std::size_t before = physical_memory();
   fill(record, 10000000);
-  const PROCESS_MEMORY_COUNTERS filled = memory_counters();
+  const std::size_t filled = physical_memory(), most_filled = most_memory();
   write_record(record);
-  const PROCESS_MEMORY_COUNTERS written = memory_counters();
+  const std::size_t most_written = most_memory();
   const std::string reason = "times alone, two of 64 bits, take 160 MB";
-  bench::at_most(400, static_cast<double>(filled.WorkingSetSize - before) / megabyte,
+  bench::at_most(400, megabytes_beyond(filled, before),
                  {.name = "memory of ten million intervals",
                   .compared = "megabytes that the process takes for the record",
                   .reason = reason});
-  bench::at_most(400, static_cast<double>(written.PeakWorkingSetSize - before) / megabyte,
+  bench::at_most(400, megabytes_beyond(most_written, before),
                  {.name = "peak memory of ten million intervals",
                   .compared = "megabytes at the peak, while it was filled and written",
                   .reason = reason});
-  bench::at_most(1, static_cast<double>(written.PeakWorkingSetSize - filled.PeakWorkingSetSize) / megabyte,
+  bench::at_most(1, megabytes_beyond(most_written, most_filled),
                  {.name = "memory for writing ten million intervals",
                   .compared = "megabytes by which the peak rose while the record was written",
                   .reason = "a text made in memory first would take 250 MB more"});

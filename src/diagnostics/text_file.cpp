@@ -1,9 +1,8 @@
 #include <windows.h>
-#include <emmintrin.h>
 
 #include <diagnostics/text_file.h>
+#include <support/byte_blocks.h>
 
-#include <bit>
 #include <utility>
 
 namespace kexlib::text_file {
@@ -14,20 +13,8 @@ bool write_bytes(Handle file, std::string_view bytes) {
   return WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }
 
-// The characters before the first line break. A profile has few, and memchr of some run-time libraries goes byte by
-// byte.
-std::size_t line_length(std::string_view text) {
-  constexpr std::size_t block_size = sizeof(__m128i);
-  const __m128i breaks = _mm_set1_epi8('\n');
-  std::size_t i = 0;
-  for (; i + block_size <= text.size(); i += block_size) {
-    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
-    const int found = _mm_movemask_epi8(_mm_cmpeq_epi8(block, breaks));
-    if (found) return i + static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(found)));
-  }
-  while (i < text.size() && text[i] != '\n') ++i;
-  return i;
-}
+// The characters before the first line break. A profile has few.
+std::size_t line_length(std::string_view text) { return length_before("\n", text); }
 
 }  // namespace
 

@@ -1,9 +1,9 @@
 #include <kexlib/text/text_helpers.h>
 
-#include <emmintrin.h>
 #include <mbctype.h>
 #include <mbstring.h>
 
+#include <support/byte_blocks.h>
 #include <support/widened.h>
 
 #include <cstdlib>
@@ -18,30 +18,12 @@ constexpr std::string_view not_in_names = "*?\"<>|/\\:";
 
 bool contains(std::string_view characters, char character) { return characters.find(character) != characters.npos; }
 
-// A mask: 0xFF for each byte of a block that is among the characters, 0 for the others.
-__m128i among(std::string_view characters, __m128i block) {
-  __m128i found = _mm_setzero_si128();
-  for (const char each : characters) found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(each)));
-  return found;
-}
-
-constexpr int block_size = sizeof(__m128i);
-
-__m128i block_at(const char* text) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text)); }
-
-// The start of the first block with one of the characters, or of the incomplete block at the end.
-int first_block(const char* text, int length, std::string_view characters) {
-  int i = 0;
-  while (i + block_size <= length && !_mm_movemask_epi8(among(characters, block_at(text + i)))) i += block_size;
-  return i;
-}
-
 // Sixteen characters at a time, without branches: the time depends on the length only.
-void replace_bytes(char* text, int length, std::string_view characters, char replacement) {
+void replace_bytes(char* text, std::size_t length, std::string_view characters, char replacement) {
   const __m128i replacements = _mm_set1_epi8(replacement);
-  int i = 0;
-  for (; i + block_size <= length; i += block_size) {
-    const __m128i block = block_at(text + i), found = among(characters, block);
+  std::size_t i = 0;
+  for (; i + byte_block_size <= length; i += byte_block_size) {
+    const __m128i block = byte_block_at(text + i), found = among(characters, block);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(text + i),
                      _mm_or_si128(_mm_and_si128(found, replacements), _mm_andnot_si128(found, block)));
   }
@@ -64,15 +46,12 @@ bool has_double_bytes(UINT code_page) {
 }
 
 void replace(CString& text, std::string_view characters, char replacement) {
-  const int length = text.GetLength();
   if (has_double_bytes(static_cast<UINT>(_getmbcp())))
-    return replace_characters(text.GetBuffer(), length, characters, replacement);
+    return replace_characters(text.GetBuffer(), text.GetLength(), characters, replacement);
+  const auto length = static_cast<std::size_t>(text.GetLength());
+  const std::size_t allowed = length_before(characters, {text.GetString(), length});
   // A text without forbidden characters is not written, so it stays shared with its copies.
-  const int start = first_block(text, length, characters);
-  if (std::string_view(text.GetString() + start, static_cast<std::size_t>(length - start)).find_first_of(characters) ==
-      std::string_view::npos)
-    return;
-  replace_bytes(text.GetBuffer() + start, length - start, characters, replacement);
+  if (allowed < length) replace_bytes(text.GetBuffer() + allowed, length - allowed, characters, replacement);
 }
 
 // The resource that a text refers to, and the text after the reference.

@@ -1,10 +1,10 @@
 // Loads, runs and frees the plug-in. Does not itself use kexlib. The argument names the action; the exit code is 0 or
 // identifies the failure.
 #include <windows.h>
-#include <psapi.h>
 
 #include <support/crash_report.h>
 #include <support/import_override.h>
+#include <support/resource_counts.h>
 
 #include <cstdio>
 #include <cstring>
@@ -38,22 +38,16 @@ int free_three_times() {
   return 0;
 }
 
-SIZE_T memory_in_use() {
-  PROCESS_MEMORY_COUNTERS counters;
-  GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters);
-  return counters.PagefileUsage;
-}
-
 // Three megabytes a round, twenty of which would be sixty.
 int stay_flat(const char* function) {
   for (int round = 0; round < 3; ++round)
     if (const int problem = run_and_free(function)) return problem;
-  const SIZE_T before = memory_in_use();
+  const size_t before = count_memory();
   if (before == 0) return 6;
   for (int round = 0; round < 20; ++round)
     if (const int problem = run_and_free(function)) return problem;
-  const SIZE_T megabyte = SIZE_T{1} << 20;
-  return memory_in_use() < before + 4 * megabyte ? 0 : 7;
+  const size_t megabyte = size_t{1} << 20;
+  return count_memory() < before + 4 * megabyte ? 0 : 7;
 }
 
 HHOOK installed = nullptr;

@@ -15,4 +15,6 @@ static PROCESS_MEMORY_COUNTERS memory_counters() {
 
 size_t count_memory() { return memory_counters().PagefileUsage; }
 
+size_t physical_memory() { return memory_counters().WorkingSetSize; }
+
 size_t most_memory() { return memory_counters().PeakWorkingSetSize; }

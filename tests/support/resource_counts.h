@@ -13,7 +13,8 @@ using kexlib::testing::ResourceCounts;
 // Private bytes of the process: too coarse to find small leaks.
 size_t count_memory();
 
-// The most physical memory that the process has had at once, in bytes.
+// Physical memory that the process has now, and the most that it has had at once, in bytes.
+size_t physical_memory();
 size_t most_memory();
 
 // Blocks of all heaps of this process.

@@ -8,8 +8,8 @@ namespace {
 using TipNameLocales = LocaleMatrix;
 
 TEST_P(TipNameLocales, HaveTheBytesOfTheCodePageAndThePointOfTheRunTimeLibrary) {
-  static int number = 1000;
-  const double a = ++number;  // its text is kept for the life of the process
+  static int number = 7000000;  // no other test uses these
+  const double a = ++number;    // its text is kept for the life of the process
   CComBSTR name(code_page().wide), sub_name(code_page().wide), unit(code_page().wide);
   const std::string narrow = code_page().narrow;
   const std::string text =
