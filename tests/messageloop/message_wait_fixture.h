@@ -96,7 +96,40 @@ class MessageWait : public testing::Test {
   MessageWait() { pump_waiting(); }
   ~MessageWait() override { take_quit(); }
 
+  // Waits until the window has got this message, however slow the machine is. What was posted before has then been
+  // handled or dropped.
+  void wait_for(UINT message, BOOL drop_user_input) {
+    const Event seen;
+    window_.on_message = [&](UINT got, WPARAM) {
+      if (got == message) seen.set();
+    };
+    const HANDLE handle = seen;
+    EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, drop_user_input, nullptr), WAIT_OBJECT_0);
+    window_.on_message = {};
+  }
+
   RecordingWindow window_;
+};
+
+// The library's tick counter: the ticks of its next calls. The last one stays until the test gives others.
+inline std::vector<DWORD> ticks;
+
+inline DWORD WINAPI next_tick_count() {
+  const DWORD tick = ticks.front();
+  if (ticks.size() > 1) ticks.erase(ticks.begin());
+  return tick;
+}
+
+// Gives the library `ticks` during its lifetime.
+class GivenTicks {
+ public:
+  explicit GivenTicks(std::vector<DWORD> first) {
+    ticks = std::move(first);
+    EXPECT_TRUE(given_.made());
+  }
+
+ private:
+  ImportOverride given_{"kexlib.dll", "KERNEL32.dll", "GetTickCount", &next_tick_count};
 };
 
 // How the library polls and sleeps.

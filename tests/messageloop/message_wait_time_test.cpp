@@ -30,6 +30,7 @@ TEST_F(MessageWait, WithoutObjectsIsASleepThatKeepsMessagesGoing) {
   for (int i = 0; i < 10; ++i) window_.post(WM_APP);
   MSG quit{};
   quit.message = 4711;
+  const GivenTicks given({1000});  // the time does not pass before the sleep, however slow the machine is
   const auto start = Clock::now();
   EXPECT_EQ(SafeWaitWithMessageLoop(0, nullptr, 150, FALSE, &quit), static_cast<DWORD>(WAIT_TIMEOUT));
   EXPECT_GE(milliseconds_since(start), 150 - grain);
@@ -88,11 +89,12 @@ TEST_F(SleepOfMessageWait, CostsNothingWhileNothingHappens) {
 TEST_F(SleepOfMessageWait, IsForAnyObjectAndAnyKindOfMessage) {
   const Event event;
   const HANDLE handle = event;
-  SafeWaitWithMessageLoop(1, &handle, 100, FALSE, nullptr);
+  sleeps.before_sleep = [&] { event.set(); };
+  EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, FALSE, nullptr), WAIT_OBJECT_0);
   ASSERT_EQ(sleeps.sleeps.size(), 1u);
   EXPECT_EQ(sleeps.sleeps[0][0], 1u);
   EXPECT_EQ(sleeps.sleeps[0][1], 0u);
-  EXPECT_LE(sleeps.sleeps[0][2], 100u);
+  EXPECT_LE(sleeps.sleeps[0][2], ages);
   EXPECT_EQ(sleeps.sleeps[0][3], 0x04FFu);
 }
 
@@ -122,30 +124,21 @@ TEST_F(SleepOfMessageWait, IsNoPollBetweenMessages) {
   EXPECT_EQ(sleeps.sleeps.size(), 0u);
 }
 
-std::vector<DWORD> ticks;  // of the next calls; the last one stays
-
-DWORD WINAPI next_tick_count() {
-  const DWORD tick = ticks.front();
-  if (ticks.size() > 1) ticks.erase(ticks.begin());
-  return tick;
-}
-
 TEST_F(SleepOfMessageWait, IsLeftOutWhereTheTimeEndsWhileTheQueueIsLookedAt) {
-  const ImportOverride given("kexlib.dll", "KERNEL32.dll", "GetTickCount", &next_tick_count);
-  ASSERT_TRUE(given.made());
-  ticks = {1000, 1000, 1100};  // the start, before the queue, after it
+  const GivenTicks given({1000, 1000, 1100});  // the start, before the queue, after it
   EXPECT_EQ(SafeWaitWithMessageLoop(0, nullptr, 100, FALSE, nullptr), static_cast<DWORD>(WAIT_TIMEOUT));
   EXPECT_EQ(sleeps.sleeps.size(), 0u);
 }
 
 TEST_F(SleepOfMessageWait, HasTheRestOfTheTimeOnlyAfterAMessage) {
+  const GivenTicks given({1000});
   window_.on_message = [](UINT message, WPARAM) {
-    if (message == WM_APP) Sleep(100);  // the work of a handler
+    if (message == WM_APP) ticks = {1070};  // the work of a handler
   };
   window_.post(WM_APP);
-  SafeWaitWithMessageLoop(0, nullptr, 200, FALSE, nullptr);
+  EXPECT_EQ(SafeWaitWithMessageLoop(0, nullptr, 100, FALSE, nullptr), static_cast<DWORD>(WAIT_TIMEOUT));
   ASSERT_EQ(sleeps.sleeps.size(), 1u);
-  EXPECT_LE(sleeps.sleeps[0][2], 100u + grain);
+  EXPECT_EQ(sleeps.sleeps[0][2], 30u);
 }
 
 }  // namespace
