@@ -24,7 +24,7 @@ beforeAll(async () => {
   mkdirSync(join(sources, 'inner'), { recursive: true });
   for (const name of ['a.cpp', 'b.h', 'inner/c.cpp'])
     writeFileSync(join(sources, name), 'line\n'.repeat(1000));
-  run('count_sources', `Z:${sources.replaceAll('/', '\\')}`);
+  run('count_sources', 0, `Z:${sources.replaceAll('/', '\\')}`);
   browser = await launchBrowser();
 });
 afterAll(async () => {
@@ -32,12 +32,17 @@ afterAll(async () => {
   rmSync(folder, { recursive: true });
 });
 
-function run(program: string, ...texts: string[]): void {
-  const { error } = spawnSync(runner!, [join(programs!, `${program}.exe`), ...texts], {
+/** What endings.exe ends with. */
+const endingsStatus = 7;
+
+/** Runs a program, whose record would otherwise be the one of the program before. */
+function run(program: string, exitStatus: number, ...texts: string[]): void {
+  const { error, status, stderr } = spawnSync(runner!, [join(programs!, `${program}.exe`), ...texts], {
     cwd: folder,
-    stdio: 'ignore',
+    encoding: 'utf8',
   });
   if (error) throw error;
+  expect({ status, stderr }).toEqual({ status: exitStatus, stderr: '' });
 }
 
 const bytesOf = (name: string) => readFileSync(join(folder, name));
@@ -93,7 +98,7 @@ describe('The record of count_sources', () => {
 
 describe('The record of a process', () => {
   test('that ended with a block open shows it as open', () => {
-    run('endings', 'exit');
+    run('endings', endingsStatus, 'exit');
     const profile = readWithoutProblems('profiler.js');
     expect(profile.blocks.map(({ name, count }) => [profile.names[name], count])).toEqual([
       ['closed', 1],
@@ -103,12 +108,12 @@ describe('The record of a process', () => {
   });
 
   test('that stopped profiling with a block open shows it as open', () => {
-    run('endings', 'stopped');
+    run('endings', endingsStatus, 'stopped');
     expect([...readWithoutProblems('stopped.js').open]).toEqual([0, 1]);
   });
 
   test('that ended while a thread was always inside the profiler is whole', () => {
-    run('endings', 'busy_thread');
+    run('endings', endingsStatus, 'busy_thread');
     const profile = readWithoutProblems('profiler.js');
     expect(profile.threads.length).toBe(2);
     expect(profile.names.some((name) => name.startsWith('busy '))).toBe(true);
