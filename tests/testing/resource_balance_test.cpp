@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -36,6 +37,16 @@ TEST_F(TestingResourceBalance, CountsEachKind) {
   EXPECT_GE(counts.gdi_objects, 0);
   EXPECT_GE(counts.user_objects, 0);
   EXPECT_GT(counts.kernel_handles, 0);
+}
+
+TEST_F(TestingResourceBalance, FindsHandlesBeyondThoseThatWereClosed) {
+  std::vector<HANDLE> many;
+  for (int i = 0; i < 2000; ++i) many.push_back(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+  const ResourceBalance balance;
+  for (int i = 0; i < 1999; ++i) CloseHandle(many[static_cast<std::size_t>(i)]);
+  EXPECT_EQ(balance.problem(), "1999 fewer kernel handles");
+  CloseHandle(many.back());
+  EXPECT_EQ(balance.problem(), "2000 fewer kernel handles");
 }
 
 TEST_F(TestingResourceBalance, IsEvenWhereNothingChanged) {

@@ -10,8 +10,9 @@
 // ones, or do the same once before the balance.
 //
 // The counts are the system's (GetGuiResources, GetProcessHandleCount). Wine's functions count nothing; there GDI
-// objects and kernel handles are read from tables of the system, and of the USER objects only windows are counted,
-// without the system's own. Where a kind cannot be counted, problem() says so: a test must not pass then.
+// objects are read from a table of the system, kernel handles are asked for one by one, and of the USER objects only
+// windows are counted, without the system's own. Where a kind cannot be counted, problem() says so: a test must not
+// pass then.
 //
 // Threads. The counts are those of the whole process: other threads that are busy disturb them.
 #ifndef KEXLIB_TESTING_RESOURCE_BALANCE_H
@@ -22,6 +23,7 @@
 
 #include <windows.h>
 
+#include <atomic>
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
@@ -81,32 +83,18 @@ inline int gdi_objects_of_wine() {
   return count;
 }
 
+// Asks for each handle: Wine's list of the handles of all processes ends its server if a process begins meanwhile. A
+// new handle gets the lowest free value, so handles have no wide gaps between them.
 inline int kernel_handles_of_wine() {
-  struct Entry {
-    ULONG process;
-    BYTE type, flags;
-    USHORT handle;
-    void* object;
-    ULONG access;
-  };
-  struct Table {
-    ULONG count;
-    Entry entries[1];
-  };
-  constexpr int system_handles = 16;
-  constexpr long too_small = static_cast<long>(0xC0000004);  // STATUS_INFO_LENGTH_MISMATCH
-  using Query = long(WINAPI*)(int, void*, ULONG, ULONG*);
-  const auto query = function_of<Query>("ntdll.dll", "NtQuerySystemInformation");
-  if (!query) return -1;
-  std::vector<char> buffer(1 << 20);
-  ULONG needed;
-  long status;
-  while ((status = query(system_handles, buffer.data(), static_cast<ULONG>(buffer.size()), &needed)) == too_small)
-    buffer.resize(buffer.size() * 2);
-  if (status) return -1;
-  const auto* const table = reinterpret_cast<const Table*>(buffer.data());
+  constexpr ULONG_PTR step = 4, gap = 128 * step;
+  static std::atomic<ULONG_PTR> highest = 0;  // that was ever seen: many below it may have been closed since
   int count = 0;
-  for (ULONG i = 0; i < table->count; ++i) count += table->entries[i].process == GetCurrentProcessId();
+  for (ULONG_PTR handle = step; handle <= highest + gap; handle += step) {
+    DWORD flags;
+    if (!GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags)) continue;
+    ++count;
+    if (handle > highest) highest = handle;
+  }
   return count;
 }
 
