@@ -65,7 +65,7 @@ class TextBuffer {
   }
 
   ByteSink& sink_;
-  char buffer_[64 * 1024];
+  char buffer_[32 * 1024];  // on the stack: at the end of a process the heap may be locked for ever
   char* next_ = buffer_;
 };
 

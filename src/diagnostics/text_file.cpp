@@ -3,14 +3,22 @@
 #include <diagnostics/text_file.h>
 #include <support/byte_blocks.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace kexlib::text_file {
 namespace {
 
+// In pieces, since a call takes less than 4 GiB.
 bool write_bytes(Handle file, std::string_view bytes) {
-  DWORD written;
-  return WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+  constexpr std::size_t largest_piece = std::size_t{1} << 30;
+  while (!bytes.empty()) {
+    const std::size_t piece = std::min(bytes.size(), largest_piece);
+    DWORD written;
+    if (!WriteFile(file, bytes.data(), static_cast<DWORD>(piece), &written, nullptr)) return false;
+    bytes.remove_prefix(piece);
+  }
+  return true;
 }
 
 // The characters before the first line break. A profile has few.

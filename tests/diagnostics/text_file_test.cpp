@@ -23,6 +23,13 @@ DWORD WINAPI path_on_a_share(HANDLE, char* path, DWORD size, DWORD) {
   return static_cast<DWORD>(text.size());
 }
 
+unsigned long long bytes_written;
+
+BOOL WINAPI count_written(HANDLE, const void*, DWORD size, DWORD* written, OVERLAPPED*) {
+  bytes_written += * written = size;
+  return TRUE;
+}
+
 DWORD WINAPI no_path(HANDLE, char*, DWORD, DWORD) { return 0; }
 
 class TextFile : public testing::Test {
@@ -53,6 +60,19 @@ TEST_F(TextFile, WritesWhatAStreamInTextModeWrites) {
       std::ofstream("stream.txt") << text;
       ASSERT_EQ(written(text), read_file("stream.txt")) << size << " " << line;
     }
+}
+
+// A call of the system takes less.
+TEST_F(TextFile, WritesMoreThanFourGigabytesAtOnce) {
+  const ImportOverride counting(nullptr, "KERNEL32.dll", "WriteFile", &count_written);
+  ASSERT_TRUE(counting.made());
+  const std::size_t size = (std::size_t{4} << 30) + 5;
+  const auto zeros = static_cast<const char*>(VirtualAlloc(nullptr, size, MEM_RESERVE | MEM_COMMIT, PAGE_READONLY));
+  ASSERT_NE(zeros, nullptr);
+  bytes_written = 0;
+  text_file::write(nullptr, {zeros, size});
+  EXPECT_EQ(bytes_written, size);
+  VirtualFree(const_cast<char*>(zeros), 0, MEM_RELEASE);
 }
 
 TEST_F(TextFile, StartsAnewOrGoesOnAtTheEnd) {

@@ -86,6 +86,8 @@ KEXLIB_API void kex_end_block();
 ///
 /// A block that is still open shows "e: 0". A block or a thread without blocks has no "blocks" key. Every list element
 /// is followed by a comma, the last one too.
+///
+/// Writing takes some 50 KB of the stack of the calling thread.
 KEXLIB_API void kex_stop_profiling(const std::string& path);
 
 /// Beyond the contract of the unit: whether profiling is on. Call it from any thread.
