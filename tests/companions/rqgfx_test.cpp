@@ -128,6 +128,22 @@ TEST_F(Rqgfx, AnOpaqueImageOfAtMost256ColorsHasAPalette) {
   }
 }
 
+// Random colours: some share their place in the palette's table, in two rounds behind its last place.
+TEST_F(Rqgfx, APaletteTellsItsColorsApart) {
+  std::uint32_t noise = 1;
+  for (int round = 0; round < 100; ++round) {
+    hnDuctImage image(16, 32, false);
+    for (int i = 0; i < 256; ++i) {
+      noise = noise * 1664525 + 1013904223;
+      image.row(0)[i] = image.row(0)[511 - i] = 0xFF000000 | noise >> 8;
+    }
+    const std::string png = png_of(&image, 32);
+    ASSERT_EQ(format_of(png), std::pair(8, indexed));
+    write_file("a.png", png);
+    ASSERT_EQ(decode_image("a.png").pixels, pixels_of(image)) << round;
+  }
+}
+
 TEST_F(Rqgfx, AnImageWithAlphaHasAPaletteWhereItsAlphaIsDropped) {
   const auto image = make_image(40, 40, true, true);
   EXPECT_EQ(format_of(png_of(image.get(), 32)), std::pair(8, with_alpha));

@@ -7,17 +7,18 @@
 #include <bzbase/string.h>
 #include <rqgfx/duct_image.h>
 
-// Encodes with WIC, the system's imaging component, in bands of rows: the first bytes are written long before the last
-// row is read. COM need not be initialised on the thread.
+// Encodes with WIC, the system's imaging component, in bands of rows: memory does not grow with the image, and the
+// first bytes are written long before the last row is encoded. COM need not be initialised on the thread. Rows that
+// change meanwhile may be written as they were or as they are, with a palette in wrong colours.
 //
 // The options; -1 selects the default:
 //   filter   0: no row filters. 1 (default): no row filters if most neighbouring pixels are equal, as in pictures of
 //            user interfaces, else WIC's default. Any other value: WIC's default
 //   bits     24: no alpha channel. 32 (default) and any other value: an alpha channel if the image has one
 //
-// A picture that is written without alpha has 24 bits a pixel, or 8 and a palette, without row filters, if it has at
-// most 256 colours, as pictures of user interfaces do: the same pixels in a smaller file. The search for its colours
-// reads the image once before the first byte is written.
+// A picture that is written without alpha has 24 bits a pixel. If it has at most 256 colours, as pictures of user
+// interfaces do, it has 8 and a palette instead, and no row filters, whatever `filter` is: the same pixels in a smaller
+// file. The search for the colours ends at the 257th; before the first byte is written it may have read all rows.
 //
 // The result is 1 on success. It is 0 if the image is null or empty, if memory runs out, or if the system, the sink or
 // the file fails. No exception is thrown.
