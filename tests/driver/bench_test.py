@@ -5,6 +5,8 @@ the benchmark programs give canned results.
     bench_test.py REPOSITORY
 """
 
+import importlib.machinery
+import importlib.util
 import json
 import os
 import shutil
@@ -29,6 +31,14 @@ lines = runs.pop(0) if runs else sys.exit(3)
 program.write_text(json.dumps(runs))
 results.write_text("".join(json.dumps(line) + "\\n" for line in lines))
 """
+
+
+def script_as_module():
+    loader = importlib.machinery.SourceFileLoader("bench", str(REPOSITORY / "scripts/bench"))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader("bench", loader))
+    sys.dont_write_bytecode = True
+    loader.exec_module(module)
+    return module
 
 
 def line(figure: float, name: str = "a pair", spread: float = 0.01, at: str = "most", mark: float = 1.1) -> dict:
@@ -212,6 +222,21 @@ class Bench(unittest.TestCase):
         done = self.bench("growth")
         self.assertEqual(done.returncode, 1)
         self.assertIn("ABOVE ITS OWN: nothing explains it", done.stdout)
+
+    def test_the_folders_of_the_growth_curves(self):
+        script = script_as_module()
+        script.make_trees(self.root / "trees", (100, 1000))
+        levels, files = {}, {}
+        for place, _, names in os.walk(self.root / "trees"):
+            tree = Path(place).relative_to(self.root / "trees").parts[:1]
+            levels[tree] = levels.get(tree, 0) + 1
+            files[tree] = files.get(tree, 0) + len(names)
+        del levels[()], files[()]
+        self.assertEqual(levels, {("flat_100",): 1, ("deep_100",): 10, ("flat_1000",): 1, ("deep_1000",): 50})
+        self.assertEqual(files, {("flat_100",): 100, ("deep_100",): 100, ("flat_1000",): 1000, ("deep_1000",): 1000})
+
+    def test_a_curve_of_one_size_has_no_slope(self):
+        self.assertEqual(script_as_module().exponent([{"size": 100, "figure": 7}]), 0)
 
 
 if __name__ == "__main__":
