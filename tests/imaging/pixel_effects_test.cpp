@@ -284,6 +284,19 @@ TEST(PixelEffects, TheShiftIsTheLiteralOneOnRandomPictures) {
               [](auto picture, auto&) { literal::shift_down_right(picture); });
 }
 
+// Rows are copied in one of two ways, by their length and by how far apart they lie.
+TEST(PixelEffects, TheShiftIsTheLiteralOneForEachWayToCopyARow) {
+  RandomPicture random(12);
+  for (const int width : {127, 128, 129, 130, 1008, 1009, 1010, 1023, 1024, 1025, 2048}) {
+    Pixels picture(static_cast<std::size_t>(width) * 3);
+    for (Pixel& pixel : picture) pixel = random.number();
+    Pixels expected = picture;
+    kexlib::shift_down_right(span_of(picture, width));
+    literal::shift_down_right(literal_of(expected, width));
+    EXPECT_EQ(picture, expected) << width;
+  }
+}
+
 TEST(PixelEffects, MergingCopiesWhatIsNotTheFaceInAllItsBits) {
   Pixels picture{A, A, A, A}, other{F, B, 0x80000000 | F, C};
   kexlib::merge(span_of(picture, 2), other.data(), F);
