@@ -86,8 +86,8 @@ void kexBuffer::serialize(CArchive& ar) {
     const auto held = static_cast<DWORD>(std::min<unsigned __int64>(length, bytes.size()));
     ar << length;
     ar.Write(bytes.data(), held);
-    write_zeros(length - held, [&ar](const char* zeros, UINT count) {
-      ar.Write(zeros, count);
+    write_zeros(length - held, [&ar](const char* piece, UINT count) {
+      ar.Write(piece, count);
       return true;
     });
     return;
