@@ -9,7 +9,7 @@
 
 namespace {
 
-enum { id_start = 100, id_cancel, id_progress, id_result };
+enum { id_start = 100, id_cancel, id_much, id_progress, id_result };
 constexpr UINT message_progress = WM_APP;
 
 class MessageWaitPage : public gallery::Page {
@@ -22,11 +22,12 @@ class MessageWaitPage : public gallery::Page {
   END_MSG_MAP()
 
  private:
-  static constexpr int steps = 50, milliseconds_of_a_step = 20;
+  static constexpr int steps = 50;
 
   void add_controls() override {
     add(WC_BUTTON, "&Work", WS_TABSTOP, id_start, 100);
     add(WC_BUTTON, "&Cancel", WS_TABSTOP | WS_DISABLED, id_cancel, 100);
+    add(WC_BUTTON, "&Five seconds of work", WS_TABSTOP | BS_AUTOCHECKBOX, id_much, 160);
     new_line();
     add(PROGRESS_CLASS, "", 0, id_progress, 400).SendMessage(PBM_SETRANGE, 0, MAKELPARAM(0, steps));
     new_line();
@@ -37,7 +38,8 @@ class MessageWaitPage : public gallery::Page {
     const HANDLE finished = CreateEvent(nullptr, TRUE, FALSE, nullptr);
     cancelled_ = CreateEvent(nullptr, TRUE, FALSE, nullptr);
     // The window may be destroyed while the worker runs: the worker knows its handle and asks the page nothing.
-    std::thread worker([finished, cancelled = cancelled_, window = m_hWnd] {
+    const DWORD milliseconds_of_a_step = is_checked(id_much) ? 100 : 20;
+    std::thread worker([finished, milliseconds_of_a_step, cancelled = cancelled_, window = m_hWnd] {
       for (int step = 1; step <= steps; ++step) {
         if (WaitForSingleObject(cancelled, milliseconds_of_a_step) == WAIT_OBJECT_0) return;
         ::PostMessage(window, message_progress, static_cast<WPARAM>(step), 0);
@@ -88,16 +90,19 @@ class MessageWaitPage : public gallery::Page {
 
 void tour(gallery::Tour& user) {
   const auto progress = [&] { return SendMessageA(user.control(id_progress), PBM_GETPOS, 0, 0); };
+  user.click(id_much);
   user.click(id_start);
-  user.wait_until("half of the work", [&] { return progress() >= 25; });
+  user.wait_until("some of the work", [&] { return progress() >= 15; });
   user.take_picture("message_wait");
   user.click(id_cancel);
   user.check_text(id_result, "The worker was cancelled.");
   user.check("the work stopped before its end", [&] { return progress() < 50; });
+  user.click(id_much);
   user.click(id_start);
   user.check_text(id_result, "The worker is done.");
   user.check("the progress bar is full", [&] { return progress() == 50; });
   const HWND page = user.page();
+  user.click(id_much);
   user.click(id_start);
   user.wait_until("some work", [&] { return progress() < 50; });
   PostMessageA(GetParent(page), WM_SYSCOMMAND, SC_CLOSE, 0);  // as a click on its close box
