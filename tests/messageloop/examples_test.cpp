@@ -9,6 +9,7 @@
 #include <support/message_pump.h>
 #include <support/window_text.h>
 
+#include <cstdlib>
 #include <functional>
 #include <string>
 
@@ -66,12 +67,14 @@ TEST(MessageloopExamples, ShowProgressDuringAMessageBox) {
 
 TEST(MessageloopExamples, CountInATitle) {
   const HWND window = make_window("STATIC");
+  std::string last;
   {
     const ATL::CComPtr<IUnknown> counter = count_in_title(window);
-    EXPECT_TRUE(pump_until([&] { return window_text(window) == "2"; }));
+    EXPECT_TRUE(pump_until([&] { return atoi(window_text(window).c_str()) >= 2; }));
+    last = window_text(window);  // more than 2 on a busy machine
   }
   pump_until([] { return false; }, std::chrono::milliseconds(300));
-  EXPECT_EQ(window_text(window), "2") << "the timer has ended with its object";
+  EXPECT_EQ(window_text(window), last) << "the timer has ended with its object";
   DestroyWindow(window);
 }
 

@@ -121,7 +121,7 @@ const Operation operations[] = {
        timer->SetEnabled(1);
        EXPECT_EQ(attempt([&] { timer->SetEnabled(0); }), "");
        EXPECT_EQ(timer->GetEnabled(), 0);
-       if (!attempt.failed()) return;
+       if (!attempt.failed("KillTimer")) return;
        MSG tick;  // the system's timer goes on, and would disturb later rounds
        EXPECT_TRUE(GetMessageA(&tick, nullptr, WM_TIMER, WM_TIMER));
        DispatchMessageA(&tick);
