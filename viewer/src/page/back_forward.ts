@@ -45,26 +45,35 @@ const same = (a: Place, b: Place) =>
   sameSelection(a, b) && sameRange(a.timeline, b.timeline) && sameRange(a.flame, b.flame);
 
 const history = new History<Place>(same);
+/** Waits for the end of a movement: what is moved without a pause is one step. */
 let pending: ReturnType<typeof setTimeout> | undefined;
-/** What is moved without a pause is one step; what is selected is a step at once. */
 const pause = 350;
-
-let last: Place | undefined;
+/** What is selected is a step when its event has been handled: on a busy page the next input comes before timers. */
 let chosen = false;
+let last: Place | undefined;
 
 effect(() => {
   const now = here();
   if (!state.opened.value) return;
-  chosen ||= !last || !sameSelection(now, last);
+  if (!chosen && (!last || !sameSelection(now, last))) {
+    chosen = true;
+    queueMicrotask(() => {
+      if (chosen) rest();
+    });
+  }
   last = now;
   clearTimeout(pending);
-  pending = setTimeout(rest, chosen ? 0 : pause);
+  pending = setTimeout(rest, pause);
 });
 
-function rest(): void {
+function stopWaiting(): void {
   clearTimeout(pending);
   pending = undefined;
   chosen = false;
+}
+
+function rest(): void {
+  stopWaiting();
   history.visit(here());
 }
 
@@ -97,7 +106,5 @@ function go(step: 1 | -1): void {
     state.timeline.scroll.value = place.scroll;
   });
   // What was just gone to is where one is.
-  clearTimeout(pending);
-  pending = undefined;
-  chosen = false;
+  stopWaiting();
 }

@@ -173,6 +173,20 @@ describe('Back and forward', () => {
     await expect.poll(() => title(page)).toBe('worker');
     expect(page.url()).toMatch(/viewer\.html$/);
   });
+
+  test('know each selection, however late timers come', async () => {
+    const page = await open();
+    await page.evaluate(() => {
+      const timer = window.setTimeout;
+      window.setTimeout = ((action: () => void) => timer(action, 60_000)) as typeof window.setTimeout;
+    });
+    await page.mouse.click(...(await place(page, 450, 0, 1)));
+    await expect.poll(() => title(page)).toBe('draw');
+    await page.mouse.click(...(await place(page, 300, 1, 0)));
+    await expect.poll(() => title(page)).toBe('worker');
+    await press(page, 'Alt+ArrowLeft');
+    await expect.poll(() => title(page)).toBe('draw');
+  });
 });
 
 describe('Lanes', () => {
