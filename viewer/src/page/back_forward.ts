@@ -40,9 +40,11 @@ function sameSelection(a: Place, b: Place): boolean {
   );
 }
 
-/** Scrolling alone is no step of its own. */
+/** Scrolling alone is no step of its own, nor is what going to a place does not restore. */
 const same = (a: Place, b: Place) =>
-  sameSelection(a, b) && sameRange(a.timeline, b.timeline) && sameRange(a.flame, b.flame);
+  sameSelection(a, b) &&
+  sameRange(a.timeline, b.timeline) &&
+  (a.view !== 'flame' || sameRange(a.flame, b.flame));
 
 const history = new History<Place>(same);
 /** Waits for the end of a movement: what is moved without a pause is one step. */
@@ -56,6 +58,7 @@ effect(() => {
   const now = here();
   if (!state.opened.value) return;
   if (!chosen && (!last || !sameSelection(now, last))) {
+    if (pending !== undefined && last) history.visit(last); // a selection ends the movement before it
     chosen = true;
     queueMicrotask(() => {
       if (chosen) rest();
@@ -100,6 +103,7 @@ function go(step: 1 | -1): void {
     state.currentThread.value = place.thread;
     if (place.interval === undefined) state.select(place.name);
     else state.selectInterval(place.interval);
+    state.timeline.leave(place.interval); // the place has its own range and scroll
     state.selectedPath.value = place.path;
     state.timeline.range.value = place.timeline;
     if (place.view === 'flame') state.flame.range.value = place.flame;

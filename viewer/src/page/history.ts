@@ -13,10 +13,10 @@ export class History<Place> {
     this.at = -1;
   }
 
-  /** Comes to a place; what lay ahead is forgotten. */
+  /** Comes to a place; what lay ahead is forgotten. The same place takes the last one's stead, and nothing is forgotten. */
   visit(place: Place): void {
     const here = this.places[this.at];
-    if (here !== undefined && this.same(here, place)) return;
+    if (here !== undefined && this.same(here, place)) return void (this.places[this.at] = place);
     this.places.splice(this.at + 1, Infinity, place);
     if (this.places.length > this.most) this.places.shift();
     this.at = this.places.length - 1;

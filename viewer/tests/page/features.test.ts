@@ -37,6 +37,9 @@ const threads: ThreadText[] = [
   { id: 8, blocks: [{ name: 'worker', time: [[50, 900]], blocks: [{ name: 'parse', time: [[60, 61]] }] }] },
 ];
 const record = recordText(threads);
+const manyThreads = recordText(
+  Array.from({ length: 40 }, (_, n) => ({ id: n, blocks: [{ name: `of ${n}`, time: [[n, 1000]] }] })),
+);
 const open = (query = '') => viewer.open({ files: { 'profiler.js': record }, query });
 
 const laneTops = [0, 22 + 3 * 18 + 6];
@@ -174,18 +177,72 @@ describe('Back and forward', () => {
     expect(page.url()).toMatch(/viewer\.html$/);
   });
 
-  test('know each selection, however late timers come', async () => {
-    const page = await open();
-    await page.evaluate(() => {
+  const delayTimers = (page: Page) =>
+    page.evaluate(() => {
       const timer = window.setTimeout;
       window.setTimeout = ((action: () => void) => timer(action, 60_000)) as typeof window.setTimeout;
     });
+
+  test('know each selection, however late timers come', async () => {
+    const page = await open();
+    await delayTimers(page);
     await page.mouse.click(...(await place(page, 450, 0, 1)));
     await expect.poll(() => title(page)).toBe('draw');
     await page.mouse.click(...(await place(page, 300, 1, 0)));
     await expect.poll(() => title(page)).toBe('worker');
     await press(page, 'Alt+ArrowLeft');
     await expect.poll(() => title(page)).toBe('draw');
+  });
+
+  test('know the movement before a selection, however late timers come', async () => {
+    const page = await open();
+    await delayTimers(page);
+    await page.locator('.chart canvas').focus();
+    await press(page, '+', '+');
+    const zoomed = '277.778 ms to 722.222 ms';
+    await expect.poll(() => rangeOf(page)).toBe(zoomed);
+    await page.mouse.click(...(await place(page, 450, 0, 1)));
+    await expect.poll(() => title(page)).toBe('draw');
+    await press(page, 'Alt+ArrowLeft');
+    await expect.poll(() => page.locator('.details h2').count()).toBe(0);
+    await page.evaluate(
+      () => new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn))),
+    );
+    expect(await rangeOf(page)).toBe(zoomed);
+  });
+
+  test('keep what lies ahead where a selection was scrolled into view', async () => {
+    const page = await viewer.open({ files: { 'profiler.js': manyThreads } });
+    const tab = (name: string) => page.getByRole('tab', { name }).getAttribute('aria-selected');
+    await find(page, 'of 39');
+    await press(page, 'Enter', 'Escape');
+    await expect.poll(() => title(page)).toBe('of 39');
+    await selectionFrame(page);
+    await press(page, '2');
+    await expect.poll(() => tab('Flame graph')).toBe('true');
+    await press(page, 'Alt+ArrowLeft');
+    await expect.poll(() => tab('Timeline')).toBe('true');
+    await selectionFrame(page);
+    await press(page, 'Alt+ArrowRight');
+    await expect.poll(() => tab('Flame graph')).toBe('true');
+  });
+
+  test('come to a place whose selection was moved out of view', async () => {
+    const page = await open();
+    await page.mouse.click(...(await place(page, 450, 0, 1)));
+    await expect.poll(() => title(page)).toBe('draw');
+    await page.locator('.chart canvas').focus();
+    await press(page, '+', '+', '+', '+', ...Array<string>(30).fill('a'));
+    const moved = '0 to 197.531 ms';
+    await expect.poll(() => rangeOf(page)).toBe(moved);
+    await page.mouse.click(...(await place(page, 500, 0, 1)));
+    await expect.poll(() => title(page)).toBe('load');
+    await press(page, 'Alt+ArrowLeft');
+    await expect.poll(() => title(page)).toBe('draw');
+    await selectionFrame(page);
+    expect(await rangeOf(page)).toBe(moved);
+    await press(page, 'Alt+ArrowRight');
+    await expect.poll(() => title(page)).toBe('load');
   });
 });
 
@@ -224,10 +281,7 @@ describe('Lanes', () => {
   });
 
   test('that are pinned stay while the others are scrolled', async () => {
-    const many = recordText(
-      Array.from({ length: 40 }, (_, n) => ({ id: n, blocks: [{ name: `of ${n}`, time: [[n, 1000]] }] })),
-    );
-    const page = await viewer.open({ files: { 'profiler.js': many } });
+    const page = await viewer.open({ files: { 'profiler.js': manyThreads } });
     await press(page, 't');
     await page.getByRole('button', { name: 'Pin Thread 39' }).click();
     await press(page, 'Escape');

@@ -155,6 +155,20 @@ describe('History', () => {
     history.visit(10);
     expect([history.go(-1), history.go(-1), history.go(-1)], 'three are kept').toEqual([9, 2, undefined]);
   });
+
+  test('keeps what a place was like last, and what lies ahead of it', () => {
+    const history = new History<{ id: number; scroll: number }>((a, b) => a.id === b.id);
+    for (const [id, scroll] of [
+      [1, 10],
+      [2, 20],
+      [3, 30],
+    ] as const)
+      history.visit({ id, scroll });
+    history.go(-1);
+    history.visit({ id: 2, scroll: 25 });
+    expect(history.go(1)).toEqual({ id: 3, scroll: 30 });
+    expect(history.go(-1)).toEqual({ id: 2, scroll: 25 });
+  });
 });
 
 describe('Keys', () => {

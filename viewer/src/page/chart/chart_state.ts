@@ -73,6 +73,12 @@ export class ChartState {
     ++this.wanted.value;
   }
 
+  /** Leaves the box where it is, in view or not, although it was asked for. */
+  leave(box: number | undefined): void {
+    this.brought = box;
+    this.broughtFor = this.wanted.value;
+  }
+
   /** Shows an interval with room around it. */
   fit(from: number, to: number): void {
     const room = Math.max((to - from) * 0.1, this.last * 1e-8);
