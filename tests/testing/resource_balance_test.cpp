@@ -49,6 +49,16 @@ TEST_F(TestingResourceBalance, FindsHandlesBeyondThoseThatWereClosed) {
   EXPECT_EQ(balance.problem(), "2000 fewer kernel handles");
 }
 
+TEST_F(TestingResourceBalance, FindsTheLastOfTwoHundredHandles) {
+  const ResourceBalance balance;
+  std::vector<HANDLE> many;
+  for (int i = 0; i < 200; ++i) many.push_back(CreateEventA(nullptr, TRUE, FALSE, nullptr));
+  for (int i = 0; i < 199; ++i) CloseHandle(many[static_cast<std::size_t>(i)]);
+  EXPECT_EQ(balance.problem(), "1 more kernel handle");
+  CloseHandle(many.back());
+  EXPECT_EQ(balance.problem(), "");
+}
+
 TEST_F(TestingResourceBalance, IsEvenWhereNothingChanged) {
   const ResourceBalance balance;
   EXPECT_EQ(balance.problem(), "");

@@ -11,8 +11,9 @@
 //
 // The counts are the system's (GetGuiResources, GetProcessHandleCount). Wine's functions count nothing; there GDI
 // objects are read from a table of the system, kernel handles are asked for one by one, and of the USER objects only
-// windows are counted, without the system's own. Where a kind cannot be counted, problem() says so: a test must not
-// pass then.
+// windows are counted, without the system's own. A kernel handle is found there if fewer than 256 handles were opened
+// before it since the last count: what opens more makes a ResourceCounts while they are open. Where a kind cannot be
+// counted, problem() says so: a test must not pass then.
 //
 // Threads. The counts are those of the whole process: other threads that are busy disturb them.
 #ifndef KEXLIB_TESTING_RESOURCE_BALANCE_H
@@ -84,10 +85,11 @@ inline int gdi_objects_of_wine() {
 }
 
 // Asks for each handle: Wine's list of the handles of all processes ends its server if a process begins meanwhile. A
-// new handle gets the lowest free value, so handles have no wide gaps between them.
+// new handle gets the lowest free value, so only those of handles that were closed again can lie between the ones seen
+// and one that is higher.
 inline int kernel_handles_of_wine() {
-  constexpr ULONG_PTR step = 4, gap = 128 * step;
-  static std::atomic<ULONG_PTR> highest = 0;  // that was ever seen: many below it may have been closed since
+  constexpr ULONG_PTR step = 4, gap = 256 * step;  // each place costs a call of the server
+  static std::atomic<ULONG_PTR> highest = 0;       // that was ever seen: many below it may have been closed since
   int count = 0;
   for (ULONG_PTR handle = step; handle <= highest + gap; handle += step) {
     DWORD flags;
