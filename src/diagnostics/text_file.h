@@ -1,7 +1,8 @@
 // A file in the platform's text form: each "\n" is written as CR LF.
 //
-// It calls the system's file functions directly: one call for each text, no buffer to flush, and no lock of the
-// run-time library, which at the end of a process may belong to a killed thread.
+// It calls the system's file functions directly: what a call of write() is given is with the system when it returns,
+// there is no buffer to flush, and no lock of the run-time library, which at the end of a process may belong to a
+// killed thread.
 #ifndef KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 #define KEXLIB_DIAGNOSTICS_TEXT_FILE_H
 

@@ -25,8 +25,8 @@ __m128i select(__m128i mask, __m128i yes, __m128i no) {
   return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
 }
 
-// The processor's string instructions are as fast as memset and memcpy or faster; a loop of stores is not, nor are the
-// functions of every run-time library.
+// The processor's string instruction is as fast as memset; a loop of stores is not, nor is memset of every run-time
+// library. For copies see copy_row.
 void store_string(Pixel* to, Pixel pixel, std::size_t count) {
 #if defined(__GNUC__)
   asm volatile("rep stosl" : "+D"(to), "+c"(count) : "a"(pixel) : "memory");

@@ -138,7 +138,7 @@ TEST(ProfileWriter, WritesWhatAStreamWritesForAnyRun) {
 TEST(ProfileWriter, WritesNamesLongerThanAnyBuffer) {
   OwnRecord record;
   SimpleRecord simple;
-  for (const std::size_t length : {16383u, 16384u, 16385u, 1000000u}) {
+  for (const std::size_t length : {16383u, 16384u, 16385u, 32767u, 32768u, 32769u, 1000000u}) {
     record.thread(4).begin(std::string(length, 'x'), 1);
     simple.begin(4, std::string(length, 'x'), 1);
   }

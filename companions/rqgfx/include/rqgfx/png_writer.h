@@ -7,9 +7,9 @@
 #include <bzbase/string.h>
 #include <rqgfx/duct_image.h>
 
-// Encodes with WIC, the system's imaging component, in bands of rows: memory does not grow with the image, and the
-// first bytes are written long before the last row is encoded. COM need not be initialised on the thread. Rows that
-// change meanwhile may be written as they were or as they are, with a palette in wrong colours.
+// Encodes with WIC, the system's imaging component, in bands of 32 rows: memory grows with the width of the image, not
+// with its height, and the first bytes are written long before the last row is encoded. COM need not be initialised on
+// the thread. Rows that change meanwhile may be written as they were or as they are, with a palette in wrong colours.
 //
 // The options; -1 selects the default:
 //   filter   0: no row filters. 1 (default): no row filters if most neighbouring pixels are equal, as in pictures of
