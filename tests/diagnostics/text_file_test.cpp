@@ -26,7 +26,8 @@ DWORD WINAPI path_on_a_share(HANDLE, char* path, DWORD size, DWORD) {
 unsigned long long bytes_written;
 
 BOOL WINAPI count_written(HANDLE, const void*, DWORD size, DWORD* written, OVERLAPPED*) {
-  bytes_written += * written = size;
+  *written = size;
+  bytes_written += size;
   return TRUE;
 }
 

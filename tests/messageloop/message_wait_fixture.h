@@ -91,22 +91,24 @@ inline int take_quit() {
   return -1;
 }
 
+// Waits until the window has got this message, however slow the machine is. What was posted before has then been
+// handled or dropped.
+inline void wait_for(RecordingWindow& window, UINT message, BOOL drop_user_input) {
+  const Event seen;
+  const auto handler = window.on_message;
+  window.on_message = [&](UINT got, WPARAM w) {
+    if (got == message) seen.set();
+    if (handler) handler(got, w);
+  };
+  const HANDLE handle = seen;
+  EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, drop_user_input, nullptr), WAIT_OBJECT_0);
+  window.on_message = handler;
+}
+
 class MessageWait : public testing::Test {
  protected:
   MessageWait() { pump_waiting(); }
   ~MessageWait() override { take_quit(); }
-
-  // Waits until the window has got this message, however slow the machine is. What was posted before has then been
-  // handled or dropped.
-  void wait_for(UINT message, BOOL drop_user_input) {
-    const Event seen;
-    window_.on_message = [&](UINT got, WPARAM) {
-      if (got == message) seen.set();
-    };
-    const HANDLE handle = seen;
-    EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, drop_user_input, nullptr), WAIT_OBJECT_0);
-    window_.on_message = {};
-  }
 
   RecordingWindow window_;
 };

@@ -23,17 +23,9 @@ class MessageWaitOnScreen : public testing::Test {
 
   // Waits and drops input until none is left, however slow the machine is: a timer's message comes only then.
   void drop_input() {
-    const Event none_left;
-    const auto handler = window_.on_message;
-    window_.on_message = [&](UINT message, WPARAM w) {
-      if (message == WM_TIMER) none_left.set();
-      if (handler) handler(message, w);
-    };
     SetTimer(window_.handle, 1, 200, nullptr);
-    const HANDLE handle = none_left;
-    EXPECT_EQ(SafeWaitWithMessageLoop(1, &handle, ages, TRUE, nullptr), WAIT_OBJECT_0);
+    wait_for(window_, WM_TIMER, TRUE);
     KillTimer(window_.handle, 1);
-    window_.on_message = handler;
     pump_waiting();
   }
 

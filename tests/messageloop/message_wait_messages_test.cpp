@@ -139,7 +139,7 @@ TEST_F(MessageWait, MayBeCalledByAHandlerOfAWait) {
 
 TEST_F(MessageWait, TranslatesKeysIntoCharacters) {
   window_.post(WM_KEYDOWN, 'A', 0x001E0001);
-  wait_for(WM_CHAR, FALSE);
+  wait_for(window_, WM_CHAR, FALSE);
   EXPECT_EQ(window_.count(WM_KEYDOWN), 1);
   EXPECT_EQ(window_.count(WM_CHAR), 1);
 }
@@ -150,7 +150,7 @@ const std::vector<UINT> around_the_filter = {0x001F, 0x0020, 0x0021, 0x00A0, 0x0
 TEST_F(MessageWait, DropsExactlyCursorKeyboardAndMouseMessages) {
   for (const UINT message : around_the_filter) window_.post(message);
   window_.post(WM_APP);
-  wait_for(WM_APP, TRUE);
+  wait_for(window_, WM_APP, TRUE);
   EXPECT_EQ(window_.seen, (std::vector<UINT>{0x001F, 0x0021, 0x00A0, 0x00FF, 0x010A, 0x01FF, 0x020F, WM_APP}));
   window_.seen.clear();
   pump_waiting();
@@ -160,7 +160,7 @@ TEST_F(MessageWait, DropsExactlyCursorKeyboardAndMouseMessages) {
 TEST_F(MessageWait, DropsNothingUnlessAsked) {
   for (const UINT message : around_the_filter) window_.post(message);
   window_.post(WM_APP);
-  wait_for(WM_APP, FALSE);
+  wait_for(window_, WM_APP, FALSE);
   for (const UINT message : around_the_filter) EXPECT_EQ(window_.count(message), 1) << std::hex << message;
 }
 

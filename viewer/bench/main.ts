@@ -6,7 +6,7 @@ import { join } from 'node:path';
 import { execFileSync } from 'node:child_process';
 import { pathToFileURL } from 'node:url';
 import type { Page } from 'playwright-core';
-import { launchBrowser } from '../tests/support/browser';
+import { launchBrowser, painted } from '../tests/support/browser';
 import { outputFolder } from '../output_folder';
 import { builtPage, builtTool } from '../tests/support/built';
 import { largeRecord } from '../tests/support/make_record';
@@ -59,10 +59,6 @@ async function inBrowser<Result>(work: (page: Page) => Promise<Result>): Promise
     await browser.close();
   }
 }
-
-/** Resolves when the next picture is on the screen. */
-const painted = (page: Page) =>
-  page.evaluate(() => new Promise((resolve) => requestAnimationFrame(() => requestAnimationFrame(resolve))));
 
 const pageAddress = pathToFileURL(join(folder, 'viewer.html')).href;
 

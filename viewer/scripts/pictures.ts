@@ -3,7 +3,7 @@
 import { mkdirSync, readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import type { Page } from 'playwright-core';
-import { dropFile, launchBrowser, openViewer } from '../tests/support/browser';
+import { dropFile, launchBrowser, openViewer, painted } from '../tests/support/browser';
 
 const records = '../build/records';
 const images = '../docs/images';
@@ -29,10 +29,7 @@ async function picture(
   });
   await prepare(viewer.page, viewer.folder);
   await viewer.page.mouse.move(1060, 18); // over nothing
-  // The last step has been drawn when a frame after it has.
-  await viewer.page.evaluate(
-    () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))),
-  );
+  await painted(viewer.page);
   await viewer.page.screenshot({ path: join(images, name) });
   await viewer.close();
 }

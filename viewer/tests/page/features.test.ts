@@ -3,9 +3,18 @@ import { writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import type { Page } from 'playwright-core';
 import { describe, expect, test } from 'vitest';
-import { download, dropFile, inFirefox } from '../support/browser';
+import { download, dropFile, inFirefox, painted } from '../support/browser';
 import { recordText, type ThreadText } from '../support/make_record';
-import { cells, details, press, rangeOf, selectionFrame, status, viewerOfTests } from '../support/viewer';
+import {
+  cells,
+  details,
+  isShown,
+  press,
+  rangeOf,
+  selectionFrame,
+  status,
+  viewerOfTests,
+} from '../support/viewer';
 
 const viewer = viewerOfTests();
 const threads: ThreadText[] = [
@@ -82,7 +91,7 @@ describe('Lists', () => {
     await expect.poll(async () => (await list())[0]![0]).toBe('Thread 16');
     await page.locator('.list .table-row', { hasText: 'Thread 8' }).click();
     await expect.poll(() => details(page)).toContain('from 60 ms on Thread 8');
-    expect(await page.getByRole('tab', { name: 'Timeline' }).getAttribute('aria-selected')).toBe('true');
+    expect(await isShown(page, 'Timeline')).toBe('true');
   });
 
   test('hold the hits of a search by expression, length and thread', async () => {
@@ -159,9 +168,7 @@ describe('Back and forward', () => {
     await expect.poll(() => title(page)).toBe('worker');
     await press(page, '2');
     await press(page, 'Backspace');
-    await expect
-      .poll(() => page.getByRole('tab', { name: 'Timeline' }).getAttribute('aria-selected'))
-      .toBe('true');
+    await expect.poll(() => isShown(page, 'Timeline')).toBe('true');
     await press(page, 'Alt+ArrowLeft');
     await expect.poll(() => title(page)).toBe('draw');
     await page.getByRole('button', { name: 'Forward' }).click();
@@ -205,26 +212,23 @@ describe('Back and forward', () => {
     await expect.poll(() => title(page)).toBe('draw');
     await press(page, 'Alt+ArrowLeft');
     await expect.poll(() => page.locator('.details h2').count()).toBe(0);
-    await page.evaluate(
-      () => new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn))),
-    );
+    await painted(page);
     expect(await rangeOf(page)).toBe(zoomed);
   });
 
   test('keep what lies ahead where a selection was scrolled into view', async () => {
     const page = await viewer.open({ files: { 'profiler.js': manyThreads } });
-    const tab = (name: string) => page.getByRole('tab', { name }).getAttribute('aria-selected');
     await find(page, 'of 39');
     await press(page, 'Enter', 'Escape');
     await expect.poll(() => title(page)).toBe('of 39');
     await selectionFrame(page);
     await press(page, '2');
-    await expect.poll(() => tab('Flame graph')).toBe('true');
+    await expect.poll(() => isShown(page, 'Flame graph')).toBe('true');
     await press(page, 'Alt+ArrowLeft');
-    await expect.poll(() => tab('Timeline')).toBe('true');
+    await expect.poll(() => isShown(page, 'Timeline')).toBe('true');
     await selectionFrame(page);
     await press(page, 'Alt+ArrowRight');
-    await expect.poll(() => tab('Flame graph')).toBe('true');
+    await expect.poll(() => isShown(page, 'Flame graph')).toBe('true');
   });
 
   test('come to a place whose selection was moved out of view', async () => {

@@ -16,6 +16,7 @@ import {
 } from '../support/browser';
 import { deepRecord, recordText, type ThreadText } from '../support/make_record';
 import { spansOfChrome, spansOfSpeedscope } from '../support/validate';
+import { isShown } from '../support/viewer';
 
 const threads: ThreadText[] = [
   {
@@ -533,9 +534,7 @@ describe('With the keyboard alone', () => {
     await press('ArrowDown', 'ArrowDown', 'End', 'Home', 'ArrowDown');
     await expect.poll(() => page.locator('.table-row[aria-selected=true]').innerText()).toMatch(/^main loop/);
     await press('Enter');
-    await expect
-      .poll(() => page.getByRole('tab', { name: 'Timeline' }).getAttribute('aria-selected'))
-      .toBe('true');
+    await expect.poll(() => isShown(page, 'Timeline')).toBe('true');
     await press('?');
     expect(await page.locator('dialog').innerText()).toContain('Keys');
     await press('Escape');

@@ -133,6 +133,10 @@ async function doubleClickByScript(page: Page, x: number, y: number): Promise<vo
   );
 }
 
+/** Resolves when what has changed is on the screen. Needs no timer. */
+export const painted = (page: Page) =>
+  page.evaluate(() => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))));
+
 /** Drops a file onto the middle of the page, as the system's file manager would. */
 export async function dropFile(page: Page, path: string): Promise<void> {
   if (inFirefox) return dropByScript(page, path);

@@ -1,7 +1,7 @@
 // The browser of a test file, and the page of each test in it.
 import type { Browser, Page } from 'playwright-core';
 import { afterAll, afterEach, beforeAll, expect } from 'vitest';
-import { launchBrowser, openViewer, type Opened, type OpenOptions } from './browser';
+import { launchBrowser, openViewer, painted, type Opened, type OpenOptions } from './browser';
 
 export interface Viewer {
   /** What the running test has opened. */
@@ -43,6 +43,10 @@ export const status = (page: Page) => page.locator('.status').innerText();
 export const details = (page: Page) => page.locator('.details').innerText();
 export const rangeOf = async (page: Page) => /[\d.]+(?: \S+)? to [^:]+/.exec(await status(page))?.[0];
 
+/** Whether a view's tab is the selected one: "true" or "false". */
+export const isShown = (page: Page, view: string) =>
+  page.getByRole('tab', { name: view }).getAttribute('aria-selected');
+
 export async function press(page: Page, ...keys: string[]): Promise<void> {
   for (const key of keys) await page.keyboard.press(key);
 }
@@ -58,10 +62,7 @@ export async function selectionFrame(
   page: Page,
   chart = '.chart canvas',
 ): Promise<{ left: number; top: number; right: number; bottom: number } | undefined> {
-  // Two pictures, so that the last change has been drawn.
-  await page.evaluate(
-    () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(done)))),
-  );
+  await painted(page);
   return page.locator(chart).evaluate((element) => {
     const canvas = element as HTMLCanvasElement;
     const { width, height } = canvas;
