@@ -40,7 +40,7 @@ function sameSelection(a: Place, b: Place): boolean {
   );
 }
 
-/** Scrolling alone is no step of its own, nor is what going to a place does not restore. */
+/** Scrolling alone is no step of its own, nor is a movement of a flame graph that is not shown. */
 const same = (a: Place, b: Place) =>
   sameSelection(a, b) &&
   sameRange(a.timeline, b.timeline) &&

@@ -13,7 +13,7 @@ export class History<Place> {
     this.at = -1;
   }
 
-  /** Comes to a place; what lay ahead is forgotten. The same place takes the last one's stead, and nothing is forgotten. */
+  /** Comes to a place; what lay ahead is forgotten. The place where one is already is kept as it is now. */
   visit(place: Place): void {
     const here = this.places[this.at];
     if (here !== undefined && this.same(here, place)) return void (this.places[this.at] = place);
